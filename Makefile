@@ -21,7 +21,7 @@ build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 
 run: build
-	@cd $(BUILD)/game && ../quelvarion
+	@mkdir -p $(BUILD)/game && cd $(BUILD)/game && ../quelvarion
 
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)

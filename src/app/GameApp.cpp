@@ -1,0 +1,286 @@
+#include "app/GameApp.h"
+
+#include "app/GameWnd.h"
+#include "platform/Clock.h"
+#include "platform/MessageBox.h"
+#include "ship/Ship.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr const char* WindowClassName = "QVclientWinType";
+constexpr const char* WindowTitle = "Quelvarion";
+constexpr std::int16_t ScreenWidth = 1024;
+constexpr std::int16_t ScreenHeight = 768;
+constexpr std::int16_t BitsPerPixel = 16;
+constexpr UINT EscapeKey = 27;
+
+CGameApp::TraceSink& traceSink()
+{
+    static CGameApp::TraceSink sink;
+    return sink;
+}
+
+void Emit(TraceLine line)
+{
+    auto& sink = traceSink();
+    if (!sink)
+        return;
+    try {
+        sink(line);
+    } catch (...) {
+        // A failing sink must never reach the game.
+    }
+}
+
+LOGFONT FontRequest(std::int32_t height, std::int32_t width, std::int32_t weight)
+{
+    LOGFONT request;
+    request.lfHeight = height;
+    request.lfWidth = width;
+    request.lfWeight = weight;
+    request.lfCharSet = ANSI_CHARSET;
+    request.lfOutPrecision = OUT_TT_PRECIS;
+    request.lfPitchAndFamily = FF_MODERN;
+    return request;
+}
+
+} // namespace
+
+CGameApp::CGameApp()
+{
+    Trace(" ", 0);
+    Trace("******************************************", 0);
+    Trace("            Initialisation", 0);
+    Trace("******************************************", 0);
+    Trace(" ", 0);
+    Trace("Application Constructor", 0);
+    ready = 0;
+    gameState = StateMenu;
+    componentSerial = 0;
+    screenWidth = ScreenWidth;
+    screenHeight = ScreenHeight;
+    bitsPerPixel = BitsPerPixel;
+    musicDevice = NoMusicDevice;
+}
+
+CGameApp::~CGameApp()
+{
+    ready = 0;
+    Shutdown();
+}
+
+bool CGameApp::InitInstance()
+{
+    Trace("Beginning Initialisation", 0);
+    Trace("Registering window class QVclientWinType", 0);
+    random.Seed(static_cast<std::uint32_t>(Platform::CalendarSeconds()));
+    mainWnd = std::make_unique<CGameWnd>();
+    Platform::RegisterClass(WindowClassName, CS_HREDRAW | CS_VREDRAW);
+
+    Trace("Creating Window \"Quelvarion\" ", 0);
+    const int desktopWidth = Platform::GetSystemMetrics(Platform::SM_CXSCREEN);
+    const int desktopHeight = Platform::GetSystemMetrics(Platform::SM_CYSCREEN);
+    if (!mainWnd->CreateEx(WS_EX_TOPMOST, WindowClassName, WindowTitle, WS_POPUP, 0, 0, desktopWidth,
+                           desktopHeight)) {
+        Trace("Error, Unable to create window!", 0);
+        return false;
+    }
+    mainWnd->SetWindowedSize(screenWidth, screenHeight);
+    SetMainWnd(mainWnd.get());
+
+    Trace("Creating game fonts", 0);
+    CreateFonts();
+
+    Trace("Displaying main window", 0);
+    mainWnd->ShowWindow(SW_SHOW);
+    mainWnd->UpdateWindow();
+
+    const Result displayResult = display.Init(GetMainWindowHandle());
+    ReportDisplayError(displayResult);
+    if (displayResult != 0)
+        return false;
+
+    Trace("display title screen", 0);
+    display.DrawTitleScreen();
+
+    Trace("Restore all direct draw buffers", 0);
+    display.Restore();
+
+    Trace("Playing initialisation sound", 0);
+    PlayStartupSound();
+
+    Trace("Creating background stars", 0);
+    for (int i = 0; i < StartupStarCount; ++i)
+        stars.push_back(CStar());
+
+    Platform::Sleep(TitlePauseMs);
+
+    lastFrameTime = Platform::TimeGetTime();
+    ready = 1;
+    Trace("********* Initialisation Complete ********", 0);
+    Trace(" ", 0);
+    return true;
+}
+
+void CGameApp::CreateFonts()
+{
+    textFont.CreateFontIndirect(FontRequest(14, 8, FW_NORMAL));
+    smallFont.CreateFontIndirect(FontRequest(10, 7, FW_NORMAL));
+    menuFont.CreateFontIndirect(FontRequest(20, 12, FW_NORMAL));
+    titleFont.CreateFontIndirect(FontRequest(48, 20, FW_HEAVY));
+}
+
+void CGameApp::Shutdown()
+{
+    sprites.ReleaseSurfaces();
+    display.Release();
+    world.Clear();
+    DeleteLiveSprites();
+    if (musicDevice != NoMusicDevice)
+        CloseMusic();
+}
+
+void CGameApp::DeleteLiveSprites()
+{
+    while (!liveSprites.empty()) {
+        CSpriteInstance* instance = liveSprites.front();
+        liveSprites.pop_front();
+        delete instance;
+    }
+}
+
+std::string CGameApp::DisplayErrorText(Result code)
+{
+    switch (code) {
+    case E_NOTIMPL: return "Unsupported\n";
+    case DDERR_NOROTATIONHW: return "No rotation hardware\n";
+    default: {
+        char text[64];
+        std::snprintf(text, sizeof text, "Direct Draw Init Failed (%08lx)\n", static_cast<unsigned long>(code));
+        return text;
+    }
+    }
+}
+
+void CGameApp::ReportDisplayError(Result code)
+{
+    if (code == 0)
+        return;
+    const std::string text = DisplayErrorText(code);
+    TraceCode(code, text, 0);
+    Platform::MessageBox(GetMainWindowHandle(), text, "ERROR", MB_OK);
+    Shutdown();
+    if (mainWnd)
+        mainWnd->DestroyWindow();
+}
+
+HWND CGameApp::GetMainWindowHandle() const
+{
+    return mainWnd ? mainWnd->GetSafeHwnd() : nullptr;
+}
+
+bool CGameApp::OnIdle(long count)
+{
+    const bool frameworkResult = CPlatformApp::OnIdle(count);
+    if (!ready || !active)
+        return frameworkResult;
+
+    const std::uint32_t now = Platform::TimeGetTime();
+    if (now < lastFrameTime)
+        lastFrameTime = 0; // the millisecond clock wrapped
+    elapsedMs = static_cast<double>(now) - static_cast<double>(lastFrameTime);
+    lastFrameTime = now;
+
+    if (gameState == StatePlaying)
+        world.Update(elapsedMs);
+    DrawFrame(elapsedMs);
+    if (display.Flip() == DDERR_SURFACELOST)
+        display.Restore();
+    return true;
+}
+
+void CGameApp::SetGameState(std::int32_t state)
+{
+    gameState = state;
+    if (state != StatePlaying) {
+        world.SetPaused(true);
+        designer.Reset();
+    } else {
+        world.SetPaused(false);
+    }
+}
+
+void CGameApp::SetPause(bool pause)
+{
+    if (gameState == StatePlaying && pause) {
+        world.SetPaused(true);
+        gameState = StatePaused;
+    } else if (gameState == StatePaused && !pause) {
+        world.SetPaused(false);
+        gameState = StatePlaying;
+    }
+}
+
+void CGameApp::NewGame()
+{
+    DeleteLiveSprites();
+    world.NewGame(menus.GetStartLevel());
+    SetGameState(StatePlaying);
+    PlayMusic(false);
+}
+
+void CGameApp::GameOver()
+{
+    menus.AddHighScore(world.GetScore());
+    SetGameState(StateMenu);
+}
+
+void CGameApp::OnActivate(bool isActive)
+{
+    active = isActive ? 1 : 0;
+    if (isActive && ready == 1) {
+        display.Restore();
+        SetPause(true);
+    }
+}
+
+void CGameApp::OnKey(UINT key, bool pressed)
+{
+    const std::int32_t state = gameState;
+    if (state == StatePlaying && (key & 0xFF) == EscapeKey && pressed) {
+        SetPause(true);
+        return;
+    }
+    if (state == StatePlaying && world.GetPlayer()) {
+        world.GetPlayer()->PlayerKey(key, pressed);
+        return;
+    }
+    if (state == StateMenu || state == StatePaused) {
+        menus.OnKey(key, pressed);
+        return;
+    }
+    if (state == StateDesign)
+        designer.OnKey(key, pressed);
+}
+
+void CGameApp::Trace(std::string text, std::int32_t flag)
+{
+    Emit({TraceLine::Plain, std::move(text), 0, flag});
+}
+
+void CGameApp::TraceValue(std::int32_t value, std::string text, std::int32_t flag)
+{
+    Emit({TraceLine::Value, std::move(text), value, flag});
+}
+
+void CGameApp::TraceCode(std::uint32_t code, std::string text, std::int32_t flag)
+{
+    Emit({TraceLine::Code, std::move(text), code, flag});
+}
+
+void CGameApp::SetTraceSink(TraceSink sink)
+{
+    traceSink() = std::move(sink);
+}

@@ -1,0 +1,151 @@
+#pragma once
+#include "app/Random.h"
+#include "display/Display.h"
+#include "display/SpriteInstance.h"
+#include "display/SpriteSet.h"
+#include "display/Star.h"
+#include "frontend/MenuSystem.h"
+#include "frontend/ShipDesigner.h"
+#include "platform/App.h"
+#include "platform/Font.h"
+#include "world/World.h"
+
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+class CGameWnd;
+
+// The top-level mode of the game.
+enum GameState : std::int32_t {
+    StateMenu = 0,      // menu, no game running
+    StatePlaying = 1,   // a level is being played
+    StatePaused = 2,    // the menu over a paused game
+    StateDesign = 3,    // the ship design screen between levels
+};
+
+// One trace call, as a sink attached for diagnostics or tests sees it.
+struct TraceLine {
+    enum Kind { Plain, Value, Code };
+    Kind kind = Plain;
+    std::string text;
+    std::int64_t number = 0;
+    std::int32_t flag = 0;
+};
+
+// The application object: it owns every long-lived part of the game, starts
+// it up, makes one frame per idle call and shuts it down.
+class CGameApp : public CPlatformApp {
+public:
+    static constexpr std::uint32_t NoMusicDevice = 0xFFFFFFFF;
+    static constexpr int StartupStarCount = 600;
+    static constexpr std::uint32_t TitlePauseMs = 6000;
+
+    CGameApp();
+    ~CGameApp() override;
+
+    // Start-up and shut-down.
+    bool InitInstance() override;
+    void Shutdown();
+    void ReportDisplayError(Result code);
+    static std::string DisplayErrorText(Result code);
+
+    // Frame loop and game states.
+    bool OnIdle(long count) override;
+    void SetGameState(std::int32_t state);
+    void SetPause(bool pause);
+    std::int32_t GetGameState() const { return gameState; }
+    void NewGame();
+    void GameOver();
+
+    // Window messages.
+    void OnActivate(bool isActive);
+    void OnKey(UINT key, bool pressed);
+    HWND GetMainWindowHandle() const;
+
+    // Frame composition.
+    void DrawFrame(double elapsedMs);
+
+    // Sound effects and music.
+    void PlayStartupSound();
+    void PlaySoundEffect(std::int16_t priority, const std::string& file);
+    Result PlayMusic(bool restart);
+    void ApplyMusicOption();
+    Result OpenMusic(HWND window, const std::string& file);
+    void CloseMusic();
+
+    // Components are numbered 1, 2, 3, ... through the run.
+    std::int32_t NextComponentSerial() { return ++componentSerial; }
+
+    // The shared random generator.
+    std::int32_t Rand() { return random.Rand(); }
+    double Draw(double m) { return random.Draw(m); }
+    void SeedRandom(std::uint32_t seed) { random.Seed(seed); }
+
+    std::int16_t GetScreenWidth() const { return screenWidth; }
+    std::int16_t GetScreenHeight() const { return screenHeight; }
+    std::int16_t GetBitsPerPixel() const { return bitsPerPixel; }
+
+    // Trace calls mark the program's steps; they write nothing unless a sink
+    // is attached, and a sink can never disturb the game.
+    static void Trace(std::string text, std::int32_t flag);
+    static void TraceValue(std::int32_t value, std::string text, std::int32_t flag);
+    static void TraceCode(std::uint32_t code, std::string text, std::int32_t flag);
+    using TraceSink = std::function<void(const TraceLine&)>;
+    static void SetTraceSink(TraceSink sink);
+
+    // The application object of this run (null when there is none).
+    static CGameApp* Current() { return current; }
+
+private:
+    // Registers the object as the current application for as long as any of
+    // its members lives, so members' destructors can still reach it.
+    struct CurrentRegistration {
+        explicit CurrentRegistration(CGameApp* app) : owner(app) { current = app; }
+        ~CurrentRegistration() { if (current == owner) current = nullptr; }
+        CGameApp* owner;
+    };
+    CurrentRegistration registration{this};
+
+public:
+    // Fields, in the order they are built.
+    std::list<CSpriteInstance*> liveSprites;
+    CSpriteSet sprites;
+    CDisplay display;
+    CWorld world;
+    CFont titleFont;
+    CFont menuFont;
+    CFont textFont;
+    CFont smallFont;
+    std::int16_t screenWidth = 0;
+    std::int16_t screenHeight = 0;
+    std::int16_t bitsPerPixel = 0;
+    std::unique_ptr<CGameWnd> mainWnd;
+    std::vector<CStar> stars;
+    std::int32_t ready = 0;
+    std::int32_t active = 0;
+    CMenuSystem menus;
+    CShipDesigner designer;
+    double elapsedMs = 0.0;
+    std::uint32_t lastFrameTime = 0;
+    std::int32_t gameState = StateMenu;
+    std::int32_t componentSerial = 0;
+    std::int16_t lastSoundPriority = 0;
+    std::uint32_t musicDevice = NoMusicDevice;
+    CRandom random;
+
+private:
+    void CreateFonts();
+    void DeleteLiveSprites();
+
+    static inline CGameApp* current = nullptr;
+};
+
+// The one application object; library code reaches it only through here.
+inline CGameApp& TheApp()
+{
+    return *CGameApp::Current();
+}

@@ -1,0 +1,34 @@
+#include "app/GameWnd.h"
+
+#include "app/GameApp.h"
+#include "platform/MessageQueue.h"
+
+#include <SDL.h>
+
+LRESULT CGameWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_DESTROY:
+        Platform::PostQuitMessage(0);
+        break;
+    case WM_ACTIVATEAPP:
+        TheApp().OnActivate(wParam != 0);
+        break;
+    case WM_SETCURSOR:
+        SDL_ShowCursor(SDL_DISABLE); // the pointer never shows over the game
+        return 1;
+    case WM_KEYDOWN:
+        TheApp().OnKey(static_cast<UINT>(wParam), true);
+        break;
+    case WM_KEYUP:
+        TheApp().OnKey(static_cast<UINT>(wParam), false);
+        break;
+    case MM_MCINOTIFY:
+        if (wParam == MCI_NOTIFY_SUCCESSFUL)
+            TheApp().PlayMusic(true);
+        break;
+    default:
+        break;
+    }
+    return DefWindowProc(message, wParam, lParam);
+}

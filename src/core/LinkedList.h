@@ -1,0 +1,82 @@
+#pragma once
+#include <cstdint>
+#include <string>
+
+class CGameObject;
+class CLinkedList;
+
+// One node of a CLinkedList. The game object that embeds it is its payload;
+// the node is in at most one list at a time and knows which.
+class CLinkedItem {
+public:
+    explicit CLinkedItem(CGameObject* payload) : data(payload) {}
+    CLinkedItem(const CLinkedItem&) = delete;
+    CLinkedItem& operator=(const CLinkedItem&) = delete;
+    ~CLinkedItem();
+
+    CGameObject* GetData() const { return data; }
+    CLinkedItem* GetNext() const { return next; }
+    CLinkedItem* GetPrev() const { return prev; }
+    CLinkedList* GetOwner() const { return owner; }
+
+    // Takes the node out of its list, if any, and joins its neighbours.
+    void Unlink();
+
+private:
+    friend class CLinkedList;
+
+    CGameObject* const data;
+    CLinkedItem* next = nullptr;
+    CLinkedItem* prev = nullptr;
+    CLinkedList* owner = nullptr;
+};
+
+// The game's doubly linked list. It never owns its nodes. A sorted list keeps
+// its nodes in ascending order of their payload's whole-pixel x position and
+// tracks a node near its middle, so sorted insertion walks from the nearer end.
+class CLinkedList {
+public:
+    static constexpr std::uint32_t ModeXPosition = 1;
+
+    explicit CLinkedList(std::uint32_t keyMode = ModeXPosition) : mode(keyMode) {}
+    CLinkedList(const CLinkedList&) = delete;
+    CLinkedList& operator=(const CLinkedList&) = delete;
+    // Frees every node still held, so a node never points at a list that is gone.
+    ~CLinkedList();
+
+    CLinkedItem* GetHead() const { return head; }
+    CLinkedItem* GetTail() const { return tail; }
+    CLinkedItem* GetMiddle() const { return middle; }
+    std::int32_t GetCount() const { return count; }
+    std::int16_t GetMidOffset() const { return midOffset; }
+    bool IsSorted() const { return sorted != 0; }
+    void SetSorted(bool isSorted) { sorted = isSorted ? 1 : 0; }
+
+    void Insert(CLinkedItem* item);
+    void Remove(CLinkedItem* item);
+    void Resort(CLinkedItem* item);
+    void SwapItems(CLinkedItem* a, CLinkedItem* b);
+    void Rebalance();
+    std::string Dump() const;
+
+private:
+    bool IsGreater(const CLinkedItem* a, const CLinkedItem* b) const;
+    bool IsLess(const CLinkedItem* a, const CLinkedItem* b) const { return IsGreater(b, a); }
+    bool IsEqual(const CLinkedItem* a, const CLinkedItem* b) const;
+
+    void InsertSorted(CLinkedItem* item);
+    // Walks back from start while the nodes' keys exceed the item's, then links the item in after
+    // the node where the walk stopped (or at the head when it ran off the front).
+    void InsertWalkingBack(CLinkedItem* item, CLinkedItem* start);
+    void LinkAfter(CLinkedItem* item, CLinkedItem* after);
+    // Which way removing this non-index node moves the balance of the middle.
+    std::int16_t RemovalBalance(const CLinkedItem* item) const;
+
+    std::uint32_t mode;
+    CLinkedItem* head = nullptr;
+    CLinkedItem* tail = nullptr;
+    CLinkedItem* middle = nullptr;
+    std::int32_t count = 0;
+    std::int16_t midOffset = 0;
+    std::uint8_t sorted = 1;
+};

@@ -1,0 +1,7 @@
+#pragma once
+
+// The on-screen side of one game object.
+class CSpriteInstance {
+public:
+    virtual ~CSpriteInstance() = default;
+};

@@ -1,0 +1,5 @@
+#pragma once
+
+// One background star.
+class CStar {
+};

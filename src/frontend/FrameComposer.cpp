@@ -1,0 +1,5 @@
+#include "app/GameApp.h"
+
+void CGameApp::DrawFrame(double /*elapsedMs*/)
+{
+}

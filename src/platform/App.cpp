@@ -1,0 +1,167 @@
+#include "platform/App.h"
+
+#include "platform/Keys.h"
+#include "platform/MessageQueue.h"
+#include "platform/Window.h"
+
+#include <SDL.h>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace {
+
+volatile std::sig_atomic_t closeSignalled = 0;
+
+extern "C" void OnCloseSignal(int)
+{
+    closeSignalled = 1;
+}
+
+// How long the loop sleeps at most while idle, so a signal is noticed soon.
+constexpr int IdleWaitMs = 100;
+
+} // namespace
+
+namespace Platform {
+
+void InstallCloseSignals()
+{
+    std::signal(SIGINT, OnCloseSignal);
+    std::signal(SIGTERM, OnCloseSignal);
+    std::signal(SIGHUP, OnCloseSignal);
+}
+
+void StartSdl()
+{
+    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    if (SDL_WasInit(SDL_INIT_EVENTS) == 0)
+        SDL_InitSubSystem(SDL_INIT_EVENTS | SDL_INIT_TIMER);
+    if (SDL_WasInit(SDL_INIT_VIDEO) == 0)
+        SDL_InitSubSystem(SDL_INIT_VIDEO);
+}
+
+} // namespace Platform
+
+CPlatformApp::CPlatformApp()
+{
+    // Registered while the application object is being built, so before its
+    // destructor is: SDL goes down only after the application has let go of it.
+    static const bool quitRegistered = (std::atexit(SDL_Quit), true);
+    (void)quitRegistered;
+}
+
+CPlatformApp::~CPlatformApp() = default;
+
+bool CPlatformApp::OnIdle(long /*count*/)
+{
+    return false;
+}
+
+int CPlatformApp::Run()
+{
+    Platform::StartSdl();
+    Platform::InstallCloseSignals();
+    if (!InitInstance()) {
+        if (mainWindow)
+            mainWindow->DestroyWindow();
+        return ExitInstance();
+    }
+    long idleCount = 0;
+    for (;;) {
+        if (!PumpMessages())
+            break;
+        if (OnIdle(idleCount++))
+            continue;
+        idleCount = 0;
+        SDL_WaitEventTimeout(nullptr, IdleWaitMs); // sleep until input, a posted message or a signal
+    }
+    return ExitInstance();
+}
+
+bool CPlatformApp::PumpMessages()
+{
+    if (quitTaken)
+        return false;
+    if (closeSignalled) {
+        closeSignalled = 0;
+        if (mainWindow)
+            mainWindow->PostMessage(WM_CLOSE, 0, 0);
+        else
+            Platform::PostQuitMessage(0);
+    }
+    TranslateSdlEvents();
+    auto& queue = CMessageQueue::Instance();
+    while (auto msg = queue.Take()) {
+        if (msg->message == WM_QUIT) {
+            exitCode = static_cast<int>(msg->wParam);
+            quitTaken = true;
+            return false;
+        }
+        Dispatch(msg->message, msg->window, msg->wParam, msg->lParam);
+    }
+    return true;
+}
+
+void CPlatformApp::TranslateSdlEvents()
+{
+    SDL_Event event;
+    while (SDL_PollEvent(&event))
+        TranslateSdlEvent(event);
+}
+
+void CPlatformApp::Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lParam)
+{
+    // A window destroyed after the message was posted no longer takes it.
+    if (window && window->GetSdlWindow())
+        window->WindowProc(message, wParam, lParam);
+}
+
+void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
+{
+    auto& queue = CMessageQueue::Instance();
+    switch (event.type) {
+    case SDL_QUIT:
+        if (CPlatformWnd* w = mainWindow ? mainWindow : CPlatformWnd::AnyWindow())
+            queue.Post({w, WM_CLOSE, 0, 0});
+        break;
+    case SDL_KEYDOWN:
+    case SDL_KEYUP: {
+        CPlatformWnd* w = CPlatformWnd::FromSdlId(event.key.windowID);
+        if (!w)
+            w = mainWindow;
+        if (!w)
+            break;
+        const bool down = event.type == SDL_KEYDOWN;
+        const SDL_Keycode sym = event.key.keysym.sym;
+        if ((sym == SDLK_RETURN || sym == SDLK_KP_ENTER) && (event.key.keysym.mod & KMOD_ALT)) {
+            if (down && !event.key.repeat)
+                w->ToggleFullscreen();
+            break; // a window-manager key: the game never sees it
+        }
+        if (UINT vk = Platform::VirtualKeyFor(sym))
+            queue.Post({w, down ? WM_KEYDOWN : WM_KEYUP, vk, 0});
+        break;
+    }
+    case SDL_MOUSEMOTION:
+        if (CPlatformWnd* w = CPlatformWnd::FromSdlId(event.motion.windowID))
+            queue.Post({w, WM_SETCURSOR, 0, 0});
+        break;
+    case SDL_WINDOWEVENT: {
+        CPlatformWnd* w = CPlatformWnd::FromSdlId(event.window.windowID);
+        if (!w)
+            break;
+        switch (event.window.event) {
+        case SDL_WINDOWEVENT_FOCUS_GAINED: queue.Post({w, WM_ACTIVATEAPP, 1, 0}); break;
+        case SDL_WINDOWEVENT_FOCUS_LOST: queue.Post({w, WM_ACTIVATEAPP, 0, 0}); break;
+        case SDL_WINDOWEVENT_ENTER: queue.Post({w, WM_SETCURSOR, 0, 0}); break;
+        case SDL_WINDOWEVENT_CLOSE: queue.Post({w, WM_CLOSE, 0, 0}); break;
+        default: break;
+        }
+        break;
+    }
+    default:
+        break;
+    }
+}

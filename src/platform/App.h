@@ -1,0 +1,51 @@
+#pragma once
+#include "platform/Types.h"
+
+union SDL_Event;
+
+// The framework's application: initialisation once, then a message loop that
+// hands window messages to their windows and calls the idle handler whenever
+// no message waits. The loop ends when the quit message arrives.
+class CPlatformApp {
+public:
+    CPlatformApp();
+    CPlatformApp(const CPlatformApp&) = delete;
+    CPlatformApp& operator=(const CPlatformApp&) = delete;
+    virtual ~CPlatformApp();
+
+    // Starts SDL, runs InitInstance and, if it succeeds, the message loop.
+    // Returns the quit message's exit code.
+    int Run();
+
+    // Handles every message that waits now, without idling or blocking.
+    // Returns false once the quit message has been taken.
+    bool PumpMessages();
+
+    CPlatformWnd* GetMainWnd() const { return mainWindow; }
+
+protected:
+    virtual bool InitInstance() { return true; }
+    // Called while no message waits; true asks to be called again at once.
+    virtual bool OnIdle(long count);
+    virtual int ExitInstance() { return exitCode; }
+
+    void SetMainWnd(CPlatformWnd* window) { mainWindow = window; }
+
+private:
+    void TranslateSdlEvents();
+    void TranslateSdlEvent(const SDL_Event& event);
+    void Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lParam);
+
+    CPlatformWnd* mainWindow = nullptr;
+    int exitCode = 0;
+    bool quitTaken = false;
+};
+
+namespace Platform {
+// SIGINT, SIGTERM and SIGHUP become a close request to the main window, so an
+// interrupted or logged-out game still shuts down normally and saves.
+void InstallCloseSignals();
+// Starts the SDL subsystems the program uses. Without a display the video
+// part fails quietly: windows then cannot be created. Safe to call again.
+void StartSdl();
+} // namespace Platform

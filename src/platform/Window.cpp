@@ -1,0 +1,152 @@
+#include "platform/Window.h"
+
+#include "platform/MessageQueue.h"
+
+#include <SDL.h>
+
+#include <set>
+#include <vector>
+
+namespace {
+
+std::set<std::string>& registeredClasses()
+{
+    static std::set<std::string> classes;
+    return classes;
+}
+
+std::vector<CPlatformWnd*>& liveWindows()
+{
+    static std::vector<CPlatformWnd*> windows;
+    return windows;
+}
+
+} // namespace
+
+namespace Platform {
+
+bool RegisterClass(const std::string& className, std::uint32_t /*style*/)
+{
+    if (className.empty())
+        return false;
+    return registeredClasses().insert(className).second;
+}
+
+void UnregisterAllClasses() { registeredClasses().clear(); }
+
+int GetSystemMetrics(SystemMetric metric)
+{
+    SDL_DisplayMode mode{};
+    if (SDL_WasInit(SDL_INIT_VIDEO) == 0 || SDL_GetDesktopDisplayMode(0, &mode) != 0)
+        return 0;
+    return metric == SM_CXSCREEN ? mode.w : mode.h;
+}
+
+} // namespace Platform
+
+CPlatformWnd::~CPlatformWnd()
+{
+    if (sdlWindow) {
+        SDL_DestroyWindow(sdlWindow);
+        sdlWindow = nullptr;
+    }
+    std::erase(liveWindows(), this);
+    CMessageQueue::Instance().ForgetWindow(this);
+}
+
+bool CPlatformWnd::CreateEx(std::uint32_t exStyle, const std::string& className, const std::string& title,
+                            std::uint32_t style, int x, int y, int width, int height)
+{
+    if (sdlWindow || registeredClasses().count(className) == 0)
+        return false;
+    if (SDL_WasInit(SDL_INIT_VIDEO) == 0 || width <= 0 || height <= 0)
+        return false;
+    Uint32 flags = SDL_WINDOW_HIDDEN;
+    if (style & WS_POPUP)
+        flags |= SDL_WINDOW_BORDERLESS;
+    if (exStyle & WS_EX_TOPMOST)
+        flags |= SDL_WINDOW_ALWAYS_ON_TOP;
+    sdlWindow = SDL_CreateWindow(title.c_str(), x, y, width, height, flags);
+    if (!sdlWindow)
+        return false;
+    liveWindows().push_back(this);
+    return true;
+}
+
+void CPlatformWnd::ShowWindow(int command)
+{
+    if (!sdlWindow || command != SW_SHOW)
+        return;
+    SDL_ShowWindow(sdlWindow);
+    SDL_RaiseWindow(sdlWindow);
+    // A newly shown popup becomes the active window at once; the application
+    // hears about it before ShowWindow returns, as on the desktop it was made for.
+    SendMessage(WM_ACTIVATEAPP, 1, 0);
+}
+
+void CPlatformWnd::DestroyWindow()
+{
+    if (!sdlWindow)
+        return;
+    WindowProc(WM_DESTROY, 0, 0);
+    SDL_DestroyWindow(sdlWindow);
+    sdlWindow = nullptr;
+    std::erase(liveWindows(), this);
+    CMessageQueue::Instance().ForgetWindow(this);
+}
+
+bool CPlatformWnd::PostMessage(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (!sdlWindow)
+        return false;
+    CMessageQueue::Instance().Post({this, message, wParam, lParam});
+    return true;
+}
+
+LRESULT CPlatformWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    return DefWindowProc(message, wParam, lParam);
+}
+
+LRESULT CPlatformWnd::DefWindowProc(UINT message, WPARAM /*wParam*/, LPARAM /*lParam*/)
+{
+    switch (message) {
+    case WM_CLOSE:
+        DestroyWindow();
+        return 0;
+    case WM_SETCURSOR:
+        SDL_ShowCursor(SDL_ENABLE);
+        return 1;
+    default:
+        return 0;
+    }
+}
+
+void CPlatformWnd::ToggleFullscreen()
+{
+    if (!sdlWindow)
+        return;
+    const bool fullscreen = (SDL_GetWindowFlags(sdlWindow) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
+    if (fullscreen) {
+        SDL_SetWindowFullscreen(sdlWindow, 0);
+        SDL_SetWindowBordered(sdlWindow, SDL_TRUE);
+        if (windowedWidth > 0)
+            SDL_SetWindowSize(sdlWindow, windowedWidth, windowedHeight);
+        SDL_SetWindowPosition(sdlWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+    } else {
+        SDL_SetWindowFullscreen(sdlWindow, SDL_WINDOW_FULLSCREEN_DESKTOP);
+    }
+}
+
+CPlatformWnd* CPlatformWnd::FromSdlId(std::uint32_t id)
+{
+    for (CPlatformWnd* w : liveWindows())
+        if (w->sdlWindow && SDL_GetWindowID(w->sdlWindow) == id)
+            return w;
+    return nullptr;
+}
+
+CPlatformWnd* CPlatformWnd::AnyWindow()
+{
+    return liveWindows().empty() ? nullptr : liveWindows().front();
+}

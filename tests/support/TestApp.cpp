@@ -1,0 +1,61 @@
+#include "support/TestApp.h"
+
+#include <atomic>
+#include <unistd.h>
+
+namespace qvtest {
+
+ScopedWorkDir::ScopedWorkDir()
+{
+    static std::atomic<int> counter{0};
+    previous = std::filesystem::current_path();
+    dir = std::filesystem::temp_directory_path() /
+          ("qvtest-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    std::filesystem::current_path(dir);
+}
+
+ScopedWorkDir::~ScopedWorkDir()
+{
+    std::error_code ignored;
+    std::filesystem::current_path(previous, ignored);
+    std::filesystem::remove_all(dir, ignored);
+}
+
+FakeClock::FakeClock()
+{
+    Platform::SetClockSource([this] { return now; });
+    Platform::SetSleepHandler([this](std::uint32_t ms) { slept += ms; });
+}
+
+FakeClock::~FakeClock()
+{
+    Platform::SetClockSource(nullptr);
+    Platform::SetSleepHandler(nullptr);
+}
+
+TraceRecorder::TraceRecorder()
+{
+    CGameApp::SetTraceSink([this](const TraceLine& line) { lines.push_back(line); });
+}
+
+TraceRecorder::~TraceRecorder()
+{
+    CGameApp::SetTraceSink(nullptr);
+}
+
+std::vector<std::string> TraceRecorder::Texts() const
+{
+    std::vector<std::string> texts;
+    for (const auto& line : lines)
+        texts.push_back(line.text);
+    return texts;
+}
+
+TestApp::TestApp(std::uint32_t seed) : app(std::make_unique<CGameApp>())
+{
+    app->SeedRandom(seed);
+}
+
+} // namespace qvtest
