@@ -1,16 +1,79 @@
 #pragma once
+#include "frontend/HighScoreTable.h"
+#include "frontend/MenuOption.h"
+#include "frontend/MenuPage.h"
 #include "platform/Types.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
-// The menus, the options and the high scores.
+// Which screen the menus show.
+enum MenuScreen : std::int32_t {
+    ScreenMainMenu = 0,
+    ScreenHelp = 1,
+    ScreenAbout = 2,
+    ScreenOptions = 3,
+    ScreenHighScores = 4,
+};
+
+// The game outside play: the main menu and its screens, the options the rest
+// of the game consults, and the high scores. The options and scores are read
+// from the settings file when the menus are made and written back when they go.
 class CMenuSystem {
 public:
-    void OnKey(UINT /*key*/, bool /*pressed*/) {}
-    std::int32_t GetStartLevel() const { return 1; }
-    void AddHighScore(std::int32_t /*score*/) {}
-    bool IsMusicOn() const { return true; }
-    bool IsSoundOn() const { return true; }
-    bool IsStarsOn() const { return true; }
-    bool IsStatsOn() const { return false; }
+    static constexpr const char* SettingsFile = "quelvarion.ini";
+
+    CMenuSystem();
+    ~CMenuSystem();
+    CMenuSystem(const CMenuSystem&) = delete;
+    CMenuSystem& operator=(const CMenuSystem&) = delete;
+
+    // A key event while the menus are up; key-ups only matter to name entry.
+    void OnKey(UINT key, bool pressed);
+    void DoAction(std::int32_t action);
+    // Draws the current screen over the frame.
+    void DrawScreen();
+
+    bool IsMusicOn() const { return IsOptionOn(OptionMusic); }
+    bool IsSoundOn() const { return IsOptionOn(OptionSound); }
+    bool IsStarsOn() const { return IsOptionOn(OptionStars); }
+    bool IsStatsOn() const { return IsOptionOn(OptionStats); }
+    std::int32_t GetStartLevel() const;
+
+    // Offers a finished game's score to the table and shows the high scores.
+    void AddHighScore(std::int32_t score);
+
+    // The options file: every option and score, as the game keeps them.
+    void LoadSettings();
+    void SaveSettings();
+    // The file's text for the current options and scores, and the reading of one.
+    std::string SettingsText();
+    void ApplySettingsText(const std::string& text);
+
+    // The option with this identity, or null.
+    CMenuOption* FindOption(OptionId id);
+    const CMenuOption* FindOption(OptionId id) const;
+    // Sets an on/off option directly, as the options screen would.
+    void SetOptionOn(OptionId id, bool on);
+
+    std::int32_t GetScreen() const { return screen; }
+    std::int16_t GetOptionsCursor() const { return optionsCursor; }
+    const CMenuPage& GetCurrentPage() const { return pages[static_cast<std::size_t>(currentPage)]; }
+    const std::vector<CMenuOption>& GetOptions() const { return options; }
+    const CHighScoreTable& GetHighScores() const { return highScores; }
+
+private:
+    CMenuPage& CurrentPage() { return pages[static_cast<std::size_t>(currentPage)]; }
+    bool IsOptionOn(OptionId id) const;
+    void OnEscape();
+    void OnArrow(std::uint8_t key);
+    void MoveOptionsCursor(int step);
+
+    std::vector<CMenuPage> pages;
+    std::int32_t currentPage = 0;
+    std::int32_t screen = ScreenMainMenu;
+    std::int16_t optionsCursor = 0;
+    std::vector<CMenuOption> options;
+    CHighScoreTable highScores;
 };

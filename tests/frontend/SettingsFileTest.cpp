@@ -1,0 +1,204 @@
+#include "frontend/MenuSystem.h"
+#include "platform/FileStore.h"
+#include "support/TestApp.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string DefaultOptionLines =
+    "Start Level = 1\r\nMusic = On\r\nSound FX = On\r\nBackground Stars = On\r\nShip/Turrent Stats = On\r\n";
+std::string EmptyLines(int n)
+{
+    std::string lines;
+    for (int i = 0; i < n; ++i)
+        lines += "\r\n";
+    return lines;
+}
+
+void WriteSettings(const std::string& text)
+{
+    std::ofstream(CMenuSystem::SettingsFile, std::ios::binary) << text;
+}
+
+std::string ReadSettings()
+{
+    std::ostringstream text;
+    text << std::ifstream(CMenuSystem::SettingsFile, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+std::vector<std::string> Table(const CMenuSystem& menus)
+{
+    std::vector<std::string> entries;
+    for (int i = 0; i < CHighScoreTable::Size; ++i)
+        entries.push_back(menus.GetHighScores().GetName(i) + "|" + std::to_string(menus.GetHighScores().GetScore(i)));
+    return entries;
+}
+
+const std::vector<std::string> EmptyTable(10, "|0");
+
+std::vector<std::string> FilesHere()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator("."))
+        names.push_back(entry.path().filename().string());
+    return names;
+}
+
+class SettingsFileTest : public ::testing::Test {
+protected:
+    qvtest::ScopedWorkDir dir;
+};
+
+TEST_F(SettingsFileTest, OptionLinesAreFoundByNameAndOnlyACapitalOnCounts)
+{
+    WriteSettings("Music = Off");
+    {
+        CMenuSystem menus;
+        EXPECT_FALSE(menus.IsMusicOn());
+        EXPECT_TRUE(menus.IsSoundOn() && menus.IsStarsOn() && menus.IsStatsOn());
+        EXPECT_EQ(menus.GetStartLevel(), 1);
+        EXPECT_EQ(Table(menus), EmptyTable);
+    }
+    // Any order, comments, bare line feeds, a last line without one.
+    WriteSettings("! Music = On\n\nSound FX = on\nmy Background Stars\nStart Level =  -7x\nMusic = Off\n"
+                  "Start Level\nShip/Turrent Stats = Onward\nStart Level = 99999999999");
+    CMenuSystem menus;
+    EXPECT_FALSE(menus.IsMusicOn());
+    EXPECT_FALSE(menus.IsSoundOn());
+    EXPECT_FALSE(menus.IsStarsOn());
+    EXPECT_TRUE(menus.IsStatsOn());
+    EXPECT_EQ(menus.GetStartLevel(), 2147483647);
+}
+
+TEST_F(SettingsFileTest, TheTableNeedsAllTenLinesAfterItsHeader)
+{
+    WriteSettings(DefaultOptionLines + "High Scores\r\nANN = 5\r\n" + EmptyLines(8));
+    {
+        CMenuSystem menus;
+        EXPECT_EQ(Table(menus), EmptyTable);
+    }
+    // The ten lines are entries whatever they hold; reading goes on after them.
+    WriteSettings("High Scores\r\nBob=120\r\nMusic = Off\r\nBob = 120\r\n\r\n! x = 4\r\nStart Level = 9\r\n"
+                  "=7\r\n\r\n\r\nEVE = -30\r\nSound FX = Off\r\n");
+    CMenuSystem menus;
+    EXPECT_EQ(Table(menus), (std::vector<std::string>{"Bob|120", "Music |0", "Bob |120", "|0", "! x |4",
+                                                      "Start Level |9", "|7", "|0", "|0", "EVE |-30"}));
+    EXPECT_TRUE(menus.IsMusicOn());
+    EXPECT_EQ(menus.GetStartLevel(), 1);
+    EXPECT_FALSE(menus.IsSoundOn());
+}
+
+TEST_F(SettingsFileTest, AMissingFileIsCreatedEmptyAndWrittenWholeAtTheEnd)
+{
+    {
+        CMenuSystem menus;
+        EXPECT_EQ(fs::file_size(CMenuSystem::SettingsFile), 0u);
+        menus.AddHighScore(5200);
+        for (char key : std::string("ANN\r"))
+            menus.OnKey(static_cast<UINT>(key), true);
+        menus.AddHighScore(40); // left without a name
+        menus.OnKey(VK_ESCAPE, true);
+        menus.SetOptionOn(OptionMusic, false);
+    }
+    const std::string expected = "Start Level = 1\r\nMusic = Off\r\nSound FX = On\r\nBackground Stars = On\r\n"
+                                 "Ship/Turrent Stats = On\r\nHigh Scores\r\nANN = 5200\r\n" + EmptyLines(9);
+    EXPECT_EQ(ReadSettings(), expected);
+    {
+        CMenuSystem menus; // the blank before "=" stays in memory; the nameless score is gone
+        EXPECT_EQ(Table(menus)[0], "ANN |5200");
+        EXPECT_EQ(Table(menus)[1], "|0");
+    }
+    EXPECT_EQ(ReadSettings(), expected);
+
+    fs::remove(CMenuSystem::SettingsFile);
+    {
+        CMenuSystem menus;
+        EXPECT_TRUE(menus.IsMusicOn());
+        EXPECT_EQ(Table(menus), EmptyTable);
+    }
+    EXPECT_EQ(ReadSettings(), DefaultOptionLines + "High Scores\r\n" + EmptyLines(10));
+}
+
+TEST_F(SettingsFileTest, NamesAreTrimmedAndValuesWrittenAsRead)
+{
+    WriteSettings("Start Level = 25\r\nHigh Scores\r\n  Ann \t= 5200\r\nEVE=-30\r\n   = 8\r\n" + EmptyLines(7));
+    fs::permissions(CMenuSystem::SettingsFile, fs::perms::owner_read | fs::perms::owner_write);
+    {
+        CMenuSystem menus;
+    }
+    EXPECT_EQ(ReadSettings(), "Start Level = 25\r\nMusic = On\r\nSound FX = On\r\nBackground Stars = On\r\n"
+                              "Ship/Turrent Stats = On\r\nHigh Scores\r\nAnn = 5200\r\nEVE = -30\r\n = 8\r\n" +
+                                  EmptyLines(7));
+    // The new file keeps the permissions the player gave the old one.
+    EXPECT_EQ(fs::status(CMenuSystem::SettingsFile).permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
+{
+    const std::string old = DefaultOptionLines + "High Scores\r\nANN = 5200\r\n" + EmptyLines(9);
+    WriteSettings(old);
+    // Writes half of what it is given, then reports a full disk.
+    Platform::SetFileWriteHandler([](int fd, const void* data, std::size_t size) -> long {
+        if (::write(fd, data, size / 2) >= 0)
+            errno = ENOSPC;
+        return -1;
+    });
+    {
+        CMenuSystem menus;
+        menus.SetOptionOn(OptionMusic, false);
+        EXPECT_EQ(Platform::ReplaceFile(CMenuSystem::SettingsFile, menus.SettingsText()), ERROR_DISK_FULL);
+    }
+    Platform::SetFileWriteHandler(nullptr);
+    EXPECT_EQ(ReadSettings(), old);
+    EXPECT_EQ(FilesHere(), std::vector<std::string>{CMenuSystem::SettingsFile}); // no half-written leftovers
+}
+
+TEST_F(SettingsFileTest, AFolderThatCannotBeWrittenKeepsTheDefaultsAndSavesNothing)
+{
+    // A working folder that has gone away: nothing can be created in it.
+    fs::create_directory("gone");
+    fs::current_path("gone");
+    fs::remove(fs::current_path());
+    {
+        CMenuSystem menus;
+        EXPECT_EQ(menus.GetStartLevel(), 1);
+        menus.AddHighScore(10);
+    }
+    fs::current_path(dir.Path());
+    EXPECT_TRUE(FilesHere().empty());
+}
+
+// A terminal interrupt, a kill or a logout closes the window like "Exit Game",
+// so the game goes down the normal way and the settings reach the file.
+TEST(SettingsAtShutDown, ACloseSignalEndsTheGameNormallyAndSaves)
+{
+    for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        qvtest::TestApp t;
+        Platform::StartSdl();
+        Platform::InstallCloseSignals();
+        ASSERT_TRUE(t->InitInstance());
+        t->menus.SetOptionOn(OptionStars, false);
+        std::raise(signal);
+        int rounds = 0;
+        while (static_cast<CPlatformApp&>(*t).PumpMessages() && ++rounds < 100) {
+        }
+        EXPECT_LT(rounds, 100) << "the message loop did not end";
+        t.app.reset();
+        EXPECT_NE(ReadSettings().find("Background Stars = Off\r\n"), std::string::npos);
+        std::signal(signal, SIG_DFL);
+    }
+}
+
+} // namespace
