@@ -9,21 +9,21 @@
 
 #include <gtest/gtest.h>
 
-#include <tuple>
-#include <utility>
+#include <functional>
 #include <vector>
 
 namespace {
 
 using qvtest::TestApp;
+using V = std::vector<double>;
+using Stats = std::vector<std::int32_t>;
 
 // Scripts the draws generation takes: each draw returns the next listed value
 // and, once the list is used up, the given fraction of its range. Records the
 // range of every draw asked for.
 class ScriptedDraws {
 public:
-    explicit ScriptedDraws(std::vector<double> listed = {}, double restFraction = 0.0)
-        : values(std::move(listed)), rest(restFraction)
+    explicit ScriptedDraws(V listed = {}, double restFraction = 0.0) : values(std::move(listed)), rest(restFraction)
     {
         CComponent::SetDrawSource([this](double m) {
             ranges.push_back(m);
@@ -32,314 +32,153 @@ public:
     }
     ~ScriptedDraws() { CComponent::SetDrawSource(nullptr); }
 
-    std::vector<double> ranges;
+    V ranges;
 
 private:
-    std::vector<double> values;
+    V values;
     double rest;
     std::size_t next = 0;
 };
 
-constexpr double Top = 1.0;
-
-template <class Kind>
-Kind Generated(std::int32_t level)
+template <class Kind, class... Divisor>
+Kind Generated(std::int32_t level, Divisor... q)
 {
     Kind component;
-    component.Generate(level);
+    component.Generate(level, q...);
     return component;
 }
 
-template <class Kind>
-Kind Generated(std::int32_t level, float q)
+template <class Kind, class... Divisor>
+Kind Scripted(V draws, std::int32_t level, Divisor... q)
 {
-    Kind component;
-    component.Generate(level, q);
-    return component;
+    ScriptedDraws script(std::move(draws));
+    return Generated<Kind>(level, q...);
+}
+
+// The generated values of each kind: size, weight, then the kind's own.
+Stats Of(const CArmour& a) { return {a.GetSize(), a.GetWeight(), a.GetArmourValue()}; }
+Stats Of(const CEngine& e) { return {e.GetSize(), e.GetWeight(), e.GetThrust()}; }
+Stats Of(const CJet& j) { return {j.GetSize(), j.GetWeight(), j.GetTurnThrust()}; }
+Stats Of(const CSubspaceSail& s) { return {s.GetSize(), s.GetWeight(), s.GetMaxSpeed()}; }
+Stats Of(const CShield& s) { return {s.GetSize(), s.GetWeight(), s.GetStrength(), s.GetConversionPercent()}; }
+Stats Of(const CEnergySystem& e) { return {e.GetSize(), e.GetWeight(), e.GetStorage(), e.GetRecharge()}; }
+Stats Of(const CLaser& l)
+{
+    return {l.GetSize(), l.GetWeight(), l.GetDelay(), l.GetEnergyUse(),
+            l.GetSpeed(), l.GetContainment(), l.GetDamage(), l.GetShots()};
 }
 
 TEST(GenerationDraws, EachKindTakesItsDrawsInTheOrderOfItsFormula)
 {
     TestApp app;
-    auto rangesOf = [](auto generate) {
-        ScriptedDraws draws;
+    auto rangesOf = [](std::function<void()> generate, V listed = {}) {
+        ScriptedDraws draws(std::move(listed));
         generate();
         return draws.ranges;
     };
-    using R = std::vector<double>;
-    EXPECT_EQ(rangesOf([] { Generated<CArmour>(1000); }), (R{20}));
-    EXPECT_EQ(rangesOf([] { Generated<CEngine>(1000, 1.0f); }), (R{2000, 20}));
-    EXPECT_EQ(rangesOf([] { Generated<CJet>(1000, 1.0f); }), (R{11, 7}));
-    EXPECT_EQ(rangesOf([] { Generated<CSubspaceSail>(1000, 1.0f); }), (R{11, 7}));
-    EXPECT_EQ(rangesOf([] { Generated<CShield>(1000); }), (R{6, 5}));
-    EXPECT_EQ(rangesOf([] { Generated<CEnergySystem>(1000); }), (R{11, 11, 2.0 / 3}));
-    // With the lowest draws the power budget is 6500; the shot draw's range
-    // depends on it by pattern.
-    EXPECT_EQ(rangesOf([] { Generated<CLaser>(1000); }), (R{6, 16, 16, 840, 840, 46, 2, 0.25, 0.5}));
-    auto laserRanges = [](double patternDraw) {
-        ScriptedDraws draws({patternDraw});
-        Generated<CLaser>(1000);
-        return draws.ranges;
-    };
-    EXPECT_EQ(laserRanges(3)[6], 7);
-    EXPECT_EQ(laserRanges(6)[6], 30);
+    EXPECT_EQ(rangesOf([] { Generated<CArmour>(1000); }), (V{20}));
+    EXPECT_EQ(rangesOf([] { Generated<CEngine>(1000, 1.0f); }), (V{2000, 20}));
+    EXPECT_EQ(rangesOf([] { Generated<CJet>(1000, 1.0f); }), (V{11, 7}));
+    EXPECT_EQ(rangesOf([] { Generated<CSubspaceSail>(1000, 1.0f); }), (V{11, 7}));
+    EXPECT_EQ(rangesOf([] { Generated<CShield>(1000); }), (V{6, 5}));
+    EXPECT_EQ(rangesOf([] { Generated<CEnergySystem>(1000); }), (V{11, 11, 2.0 / 3}));
+    // With the lowest draws the power budget is 6500; the range of the shot
+    // draw follows from it by pattern.
+    auto laser = [] { Generated<CLaser>(1000); };
+    EXPECT_EQ(rangesOf(laser), (V{6, 16, 16, 840, 840, 46, 2, 0.25, 0.5}));
+    EXPECT_EQ(rangesOf(laser, {3})[6], 7);
+    EXPECT_EQ(rangesOf(laser, {6})[6], 30);
 }
 
-TEST(GenerationValues, ControlledDrawsAtTheBaseLevel)
+TEST(GenerationValues, ControlledDrawsGiveExactValues)
 {
     TestApp app;
-    {
-        ScriptedDraws draws({10});  // r = 20
-        const CArmour armour = Generated<CArmour>(1000);
-        EXPECT_EQ(armour.GetWeight(), 20);
-        EXPECT_EQ(armour.GetArmourValue(), 60);
-        EXPECT_EQ(armour.GetSize(), 0);
-    }
-    {
-        ScriptedDraws draws({999, 9});  // X = 4000, Y = 50
-        const CEngine engine = Generated<CEngine>(1000, 1.0f);
-        EXPECT_EQ(engine.GetSize(), 4000);
-        EXPECT_EQ(engine.GetWeight(), 50);
-        EXPECT_EQ(engine.GetThrust(), 110);
-    }
-}
-
-TEST(GenerationValues, HigherLevelsAreCheaperAndStrongerAndDivisorsShrink)
-{
-    TestApp app;
-    {
-        ScriptedDraws draws({10});
-        const CArmour armour = Generated<CArmour>(2000);
-        EXPECT_EQ(armour.GetWeight(), 10);
-        EXPECT_EQ(armour.GetArmourValue(), 120);
-        EXPECT_EQ(armour.GetTechLevel(), 2000);
-    }
-    {
-        ScriptedDraws draws({999, 9});  // X = 2000, Y = 25 after the divisor
-        const CEngine engine = Generated<CEngine>(2000, 2.0f);
-        EXPECT_EQ(engine.GetSize(), 1500);
-        EXPECT_EQ(engine.GetWeight(), 18);
-        EXPECT_EQ(engine.GetThrust(), 165);
-    }
-    {
-        ScriptedDraws draws({6, 3});
-        const CJet jet = Generated<CJet>(1500, 1.0f);
-        EXPECT_EQ(jet.GetSize(), 733);
-        EXPECT_EQ(jet.GetWeight(), 4);
-        EXPECT_EQ(jet.GetTurnThrust(), 42);
-    }
-    {
-        ScriptedDraws draws({7, 6});
-        const CSubspaceSail sail = Generated<CSubspaceSail>(1500, 3.0f);
-        EXPECT_EQ(sail.GetSize(), 355);
-        EXPECT_EQ(sail.GetWeight(), 2);
-        EXPECT_EQ(sail.GetMaxSpeed(), 14);
-    }
-    {
-        ScriptedDraws draws({3, 2});  // X = 8, Y = 6
-        const CShield shield = Generated<CShield>(2000);
-        EXPECT_EQ(shield.GetSize(), 666);
-        EXPECT_EQ(shield.GetWeight(), 5);
-        EXPECT_EQ(shield.GetStrength(), 115);
-        EXPECT_FLOAT_EQ(shield.GetConversionRate(), 1.15f);
-    }
-    {
-        ScriptedDraws draws({5, 4, 1.0 / 3});
-        const CEnergySystem energy = Generated<CEnergySystem>(1500);
-        EXPECT_EQ(energy.GetSize(), 1666);
-        EXPECT_EQ(energy.GetWeight(), 11);
-        EXPECT_EQ(energy.GetStorage(), 557);
-        EXPECT_EQ(energy.GetRecharge(), 46);
-    }
-    {
-        // Spread, A = 13, B = 9, delay base 400, D = 25: a budget of 10050
-        // split over three shots, then into speed, lifetime and damage.
-        ScriptedDraws draws({3, 8, 4, 500, 100, 20, 2.5, 0.1, 0.25});
-        const CLaser laser = Generated<CLaser>(1500);
-        EXPECT_EQ(laser.GetPattern(), CLaser::Spread);
-        EXPECT_EQ(laser.GetSize(), 541);
-        EXPECT_EQ(laser.GetWeight(), 7);
-        EXPECT_EQ(laser.GetDelay(), 333);
-        EXPECT_EQ(laser.GetEnergyUse(), 20);
-        EXPECT_EQ(laser.GetShots(), 3);
-        EXPECT_EQ(laser.GetSpeed(), 162);
-        EXPECT_EQ(laser.GetContainment(), 1861);
-        EXPECT_EQ(laser.GetDamage(), 43);
-    }
-}
-
-TEST(GenerationValues, LowestAndHighestDrawsReachTheEndsOfEachRange)
-{
-    TestApp app;
-    // Every draw at the bottom of its range, then every draw at the top.
-    auto ends = [](auto generate) {
-        auto generateAt = [&](double fraction) {
-            ScriptedDraws script({}, fraction);
-            return generate();
-        };
-        return std::pair{generateAt(0.0), generateAt(Top)};
-    };
-    {
-        const auto [low, high] = ends([] { return Generated<CArmour>(1000); });
-        EXPECT_EQ(low.GetWeight(), 10);
-        EXPECT_EQ(low.GetArmourValue(), 30);
-        EXPECT_EQ(high.GetWeight(), 30);
-        EXPECT_EQ(high.GetArmourValue(), 90);
-    }
-    {
-        const auto [low, high] = ends([] { return Generated<CEngine>(1000, 1.0f); });
-        EXPECT_EQ(std::tuple(low.GetSize(), low.GetWeight(), low.GetThrust()), std::tuple(3001, 41, 86));
-        EXPECT_EQ(std::tuple(high.GetSize(), high.GetWeight(), high.GetThrust()), std::tuple(5001, 61, 135));
-    }
-    {
-        const auto [low, high] = ends([] { return Generated<CJet>(1000, 1.0f); });
-        EXPECT_EQ(std::tuple(low.GetSize(), low.GetWeight(), low.GetTurnThrust()), std::tuple(500, 2, 9));
-        EXPECT_EQ(std::tuple(high.GetSize(), high.GetWeight(), high.GetTurnThrust()), std::tuple(1600, 9, 34));
-    }
-    {
-        const auto [low, high] = ends([] { return Generated<CSubspaceSail>(1000, 1.0f); });
-        EXPECT_EQ(std::tuple(low.GetSize(), low.GetWeight(), low.GetMaxSpeed()), std::tuple(500, 0, 10));
-        EXPECT_EQ(std::tuple(high.GetSize(), high.GetWeight(), high.GetMaxSpeed()), std::tuple(1600, 7, 32));
-    }
-    {
-        const auto [low, high] = ends([] { return Generated<CShield>(1000); });
-        EXPECT_EQ(std::tuple(low.GetSize(), low.GetWeight(), low.GetStrength()), std::tuple(500, 4, 22));
-        EXPECT_EQ(std::tuple(high.GetSize(), high.GetWeight(), high.GetStrength()), std::tuple(1100, 9, 24));
-        EXPECT_FLOAT_EQ(low.GetConversionRate(), 1.5f);
-        EXPECT_FLOAT_EQ(high.GetConversionRate(), 2.1f);
-    }
-    {
-        // Capacity and recharge speed share one total, so their ends come
-        // from different splits.
-        auto energy = [](std::vector<double> draws) {
-            ScriptedDraws script(std::move(draws));
-            return Generated<CEnergySystem>(1000);
-        };
-        const CEnergySystem smallest = energy({0, 0, 0});
-        EXPECT_EQ(std::tuple(smallest.GetSize(), smallest.GetWeight(), smallest.GetStorage()),
-                  std::tuple(2000, 10, 68));
-        EXPECT_EQ(energy({0, 0, 2.0 / 3}).GetRecharge(), 99);
-        const CEnergySystem largest = energy({11, 11, 2.0 / 3});
-        EXPECT_EQ(std::tuple(largest.GetSize(), largest.GetWeight(), largest.GetStorage()),
-                  std::tuple(3100, 21, 673));
-        EXPECT_EQ(energy({11, 11, 0}).GetRecharge(), 50);
-    }
-    {
-        const auto [low, high] = ends([] { return Generated<CLaser>(1000); });
-        EXPECT_EQ(std::tuple(low.GetSize(), low.GetWeight(), low.GetEnergyUse()), std::tuple(250, 5, 5));
-        EXPECT_EQ(std::tuple(high.GetSize(), high.GetWeight(), high.GetEnergyUse()), std::tuple(1050, 21, 51));
-        // The delay is longest when both of its draws are lowest (or both
-        // highest), shortest when they add up to their range.
-        EXPECT_EQ(low.GetDelay(), 1000);
-        EXPECT_EQ(high.GetDelay(), 1000);
-        ScriptedDraws middle({0, 0, 0, 420, 420});
-        EXPECT_EQ(Generated<CLaser>(1000).GetDelay(), 160);
-    }
+    // At the base level: r = 20; X = 4000 and Y = 50.
+    EXPECT_EQ(Of(Scripted<CArmour>({10}, 1000)), (Stats{0, 20, 60}));
+    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 1000, 1.0f)), (Stats{4000, 50, 110}));
+    // Higher levels are cheaper and stronger; a divisor shrinks an engine.
+    EXPECT_EQ(Of(Scripted<CArmour>({10}, 2000)), (Stats{0, 10, 120}));
+    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 2000, 2.0f)), (Stats{1500, 18, 165}));
+    EXPECT_EQ(Of(Scripted<CJet>({6, 3}, 1500, 1.0f)), (Stats{733, 4, 42}));
+    EXPECT_EQ(Of(Scripted<CSubspaceSail>({7, 6}, 1500, 3.0f)), (Stats{355, 2, 14}));
+    EXPECT_EQ(Of(Scripted<CShield>({3, 2}, 2000)), (Stats{666, 5, 115, 115}));
+    EXPECT_EQ(Of(Scripted<CEnergySystem>({5, 4, 1.0 / 3}, 1500)), (Stats{1666, 11, 557, 46}));
+    // Spread with a budget of 10050 over three shots, the rest going into
+    // speed, lifetime and damage.
+    const CLaser spread = Scripted<CLaser>({3, 8, 4, 500, 100, 20, 2.5, 0.1, 0.25}, 1500);
+    EXPECT_EQ(Of(spread), (Stats{541, 7, 333, 20, 162, 1861, 43, 3}));
+    // A single Parallel shot keeps the whole budget. The lowest delay draws
+    // give the longest delay, draws adding up to their range the shortest.
+    const CLaser single = Scripted<CLaser>({}, 1000);
+    EXPECT_EQ(Of(single), (Stats{250, 5, 1000, 5, 108, 902, 75, 1}));
+    EXPECT_EQ(Scripted<CLaser>({0, 0, 0, 420, 420}, 1000).GetDelay(), 160);
 }
 
 TEST(GenerationValues, ManyDrawsAtTheBaseLevelStayInTheirRanges)
 {
     TestApp app(20240611);
-    constexpr int Samples = 3000;
-    auto within = [](std::int32_t v, std::int32_t low, std::int32_t high) { return v >= low && v <= high; };
-    for (int i = 0; i < Samples; ++i) {
-        const auto armour = Generated<CArmour>(1000);
-        ASSERT_TRUE(within(armour.GetWeight(), 10, 30) && within(armour.GetArmourValue(), 30, 90));
-        const auto engine = Generated<CEngine>(1000, 1.0f);
-        ASSERT_TRUE(within(engine.GetSize(), 3001, 5001) && within(engine.GetWeight(), 41, 61) &&
-                    within(engine.GetThrust(), 86, 135));
-        const auto jet = Generated<CJet>(1000, 1.0f);
-        ASSERT_TRUE(within(jet.GetSize(), 500, 1600) && within(jet.GetWeight(), 2, 9) &&
-                    within(jet.GetTurnThrust(), 9, 34));
-        const auto sail = Generated<CSubspaceSail>(1000, 1.0f);
-        ASSERT_TRUE(within(sail.GetSize(), 500, 1600) && within(sail.GetWeight(), 0, 7) &&
-                    within(sail.GetMaxSpeed(), 10, 32));
-        const auto shield = Generated<CShield>(1000);
-        ASSERT_TRUE(within(shield.GetSize(), 500, 1100) && within(shield.GetWeight(), 4, 9) &&
-                    within(shield.GetStrength(), 22, 24) && within(shield.GetConversionPercent(), 150, 210));
-        const auto energy = Generated<CEnergySystem>(1000);
-        ASSERT_TRUE(within(energy.GetSize(), 2000, 3100) && within(energy.GetWeight(), 10, 21) &&
-                    within(energy.GetStorage(), 68, 673) && within(energy.GetRecharge(), 50, 99));
-        const auto laser = Generated<CLaser>(1000);
-        ASSERT_TRUE(within(laser.GetSize(), 250, 1050) && within(laser.GetWeight(), 5, 21) &&
-                    within(laser.GetDelay(), 160, 1000) && within(laser.GetEnergyUse(), 5, 51) &&
-                    within(laser.GetSpeed(), 0, 300) && within(laser.GetContainment(), 0, 4000) &&
-                    laser.GetDamage() >= 0);
-        const std::int32_t maxShots[] = {4, 7, 36};
-        const std::int32_t minShots[] = {1, 1, 4};
-        ASSERT_TRUE(within(laser.GetShots(), minShots[laser.GetPattern()], maxShots[laser.GetPattern()]))
-            << laser.GetPatternName() << " with " << laser.GetShots() << " shots";
-    }
-}
-
-TEST(LaserGeneration, PatternsFollowTheirShareOfTheDraw)
-{
-    TestApp app;
-    auto patternFor = [](double draw) {
-        ScriptedDraws script({draw});
-        return Generated<CLaser>(1000).GetPattern();
+    struct Range {
+        std::function<Stats()> generate;
+        Stats low;
+        Stats high;
     };
-    EXPECT_EQ(patternFor(0), CLaser::Parallel);
-    EXPECT_EQ(patternFor(2.999), CLaser::Parallel);
-    EXPECT_EQ(patternFor(3), CLaser::Spread);
-    EXPECT_EQ(patternFor(4.999), CLaser::Spread);
-    EXPECT_EQ(patternFor(5), CLaser::Radiating);
-    EXPECT_EQ(patternFor(6), CLaser::Radiating);
+    const std::vector<Range> ranges = {
+        {[] { return Of(Generated<CArmour>(1000)); }, {0, 10, 30}, {0, 30, 90}},
+        {[] { return Of(Generated<CEngine>(1000, 1.0f)); }, {3001, 41, 86}, {5001, 61, 135}},
+        {[] { return Of(Generated<CJet>(1000, 1.0f)); }, {500, 2, 9}, {1600, 9, 34}},
+        {[] { return Of(Generated<CSubspaceSail>(1000, 1.0f)); }, {500, 0, 10}, {1600, 7, 32}},
+        {[] { return Of(Generated<CShield>(1000)); }, {500, 4, 22, 150}, {1100, 9, 24, 210}},
+        {[] { return Of(Generated<CEnergySystem>(1000)); }, {2000, 10, 68, 50}, {3100, 21, 673, 99}},
+        {[] { return Of(Generated<CLaser>(1000)); }, {250, 5, 160, 5, 0, 0, 0, 1},
+         {1050, 21, 1000, 51, 300, 4000, 9999, 36}},
+    };
+    for (const Range& range : ranges)
+        for (int i = 0; i < 2000; ++i) {
+            const Stats stats = range.generate();
+            for (std::size_t k = 0; k < stats.size(); ++k)
+                ASSERT_TRUE(stats[k] >= range.low[k] && stats[k] <= range.high[k])
+                    << "value " << k << " of kind " << &range - &ranges[0] + 1 << " is " << stats[k];
+        }
 }
 
-TEST(LaserGeneration, ShotsSpeedAndLifetimeAreCapped)
+TEST(LaserGeneration, PatternDrawsAndCaps)
 {
     TestApp app;
-    // At a very high level every highest draw asks for far more than the caps.
+    auto patternFor = [](double draw) { return Scripted<CLaser>({draw}, 1000).GetPattern(); };
+    EXPECT_EQ(std::vector({patternFor(2.999), patternFor(3), patternFor(4.999), patternFor(5)}),
+              (std::vector<std::int32_t>{CLaser::Parallel, CLaser::Spread, CLaser::Spread, CLaser::Radiating}));
+
+    // At a very high level the highest draws ask for far more than the caps.
     auto strongest = [](double patternDraw) {
-        ScriptedDraws script({patternDraw}, Top);
+        ScriptedDraws script({patternDraw}, 1.0);
         return Generated<CLaser>(40000);
     };
-    const CLaser parallel = strongest(0);
-    EXPECT_EQ(parallel.GetShots(), 5);
     EXPECT_EQ(strongest(3).GetShots(), 7);
-    const CLaser radiating = strongest(6);
-    EXPECT_EQ(radiating.GetShots(), 36);
-    for (const CLaser& laser : {parallel, radiating}) {
+    for (const CLaser& laser : {strongest(0), strongest(6)}) {
+        EXPECT_EQ(laser.GetShots(), laser.GetPattern() == CLaser::Parallel ? 5 : 36);
         EXPECT_EQ(laser.GetSpeed(), 300);
         EXPECT_EQ(laser.GetContainment(), 4000);
-        EXPECT_GT(laser.GetDamage(), 0);
     }
-
     // The weakest Radiating laser still fires four shots.
-    ScriptedDraws weakest({6});
-    EXPECT_EQ(Generated<CLaser>(1000).GetShots(), 4);
+    EXPECT_EQ(Scripted<CLaser>({6}, 1000).GetShots(), 4);
 }
 
-TEST(GenerationSerials, EveryGenerationTakesTheNextNumberOfTheRun)
-{
-    TestApp app;
-    const auto sail = Generated<CSubspaceSail>(1250, 1.0f);
-    const auto armour = Generated<CArmour>(1250);
-    CLaser laser;
-    laser.Generate(1250);
-    laser.Generate(1250);  // generated again: number 3 is left unused
-    EXPECT_EQ(sail.GetName(), "+ Subspace Sail1");
-    EXPECT_EQ(armour.GetName(), "+ Armour2");
-    EXPECT_EQ(laser.GetName(), "Laser4");
-    EXPECT_EQ(laser.GetSerialNumber(), 4);
-    EXPECT_EQ(laser.GetCount(), 1);
-    EXPECT_EQ(laser.GetTechLevel(), 1250);
-    EXPECT_FALSE(laser.IsSameAs(armour));
-    EXPECT_EQ(app->NextComponentSerial(), 5);
-}
-
-TEST(GenerationSerials, DrawsComeFromTheGamesSharedGenerator)
+TEST(GenerationSerials, EachGenerationTakesTheNextNumberFromTheGame)
 {
     TestApp app(4242);
     CRandom same;
     same.Seed(4242);
     const double r = 10 + same.Rand() * 20.0 / CRandom::Max;
-    const auto armour = Generated<CArmour>(1000);
-    EXPECT_EQ(armour.GetWeight(), static_cast<int>(r));
-    EXPECT_EQ(armour.GetArmourValue(), static_cast<int>(3 * r));
-    // The next draw of the game is the one after the armour's.
-    EXPECT_EQ(app->Rand(), same.Rand());
+    const auto armour = Generated<CArmour>(1250);
+    EXPECT_EQ(armour.GetWeight(), static_cast<int>(r + (r / 1.25 - r)));
+    EXPECT_EQ(armour.GetName(), "+ Armour1");
+    CLaser laser;
+    laser.Generate(1300);
+    laser.Generate(1300);  // generated again: number 2 goes unused
+    EXPECT_EQ(laser.GetName(), "Laser3");
+    EXPECT_EQ(laser.GetCount(), 1);
+    EXPECT_EQ(laser.GetTechLevel(), 1300);
+    EXPECT_EQ(app->NextComponentSerial(), 4);
 }
 
 } // namespace
