@@ -4,12 +4,14 @@ BUILD ?= build
 JOBS  ?= $(shell nproc)
 PREFIX ?= /usr/local
 ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 CMAKE_FLAGS ?=
 ifdef CI
 CMAKE_FLAGS += -DQV_WERROR=ON
 endif
 
-.PHONY: all deps configure build run test test-asan bench install clean
+.PHONY: all deps configure build run test test-asan fuzz bench install clean
 
 all: build
 
@@ -36,6 +38,13 @@ test-asan: deps
 	@cmake -S . -B $(ASAN_BUILD) -DQV_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS) > /dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# Runs every libFuzzer target for FUZZ_SECONDS each. Inputs that crash are
+# written to $(FUZZ_BUILD)/findings; once fixed, keep them in fuzz/regressions.
+fuzz: deps
+	@cmake -S . -B $(FUZZ_BUILD) -DQV_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > /dev/null
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS)
+	@bash scripts/run-fuzzers.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
 install: build
 	@cmake --install $(BUILD) --prefix $(PREFIX)
