@@ -1,0 +1,8 @@
+#pragma once
+#include "SpritePainter.h"
+
+// A white-hot splinter of debris, tumbling and flickering.
+class ShrapnelPainter : public SpritePainter {
+public:
+    Image Paint(const FrameInfo& info) const override;
+};
