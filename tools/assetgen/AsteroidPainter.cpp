@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int kBumps = 9;
-constexpr int kCraters = 6;
+constexpr int kCraters = 11;
 constexpr int kRaysPerSide = 3;  // rays per pixel = kRaysPerSide squared
 constexpr double kMarginPixels = 0.3;
 constexpr double kMarchStep = 0.06;
@@ -41,8 +41,12 @@ AsteroidPainter::AsteroidPainter(uint32_t seed, Colour litColour, Colour shadeCo
     Random random(seed);
     for (int i = 0; i < kBumps; ++i)
         bumps.push_back({RandomDirection(random), random.Range(-0.22, 0.26), random.Range(2.0, 7.0)});
-    for (int i = 0; i < kCraters; ++i)
-        craters.push_back({RandomDirection(random), std::cos(random.Range(0.22, 0.48)), random.Range(0.05, 0.10)});
+    // Craters spread evenly over the surface, with some jitter, so every
+    // side that turns to the viewer shows a few.
+    for (int i = 0; i < kCraters; ++i) {
+        const Vec3 spot = (FibonacciDirection(i, kCraters) + RandomDirection(random) * 0.35).Normalised();
+        craters.push_back({spot, std::cos(random.Range(0.18, 0.42)), random.Range(0.05, 0.11)});
+    }
     axis = Vec3{random.Range(0.2, 0.5), 1.0, random.Range(0.2, 0.6)}.Normalised();
     // Real asteroids are seldom round: stretch each one into a potato.
     stretch = Vec3{random.Range(1.05, 1.3), random.Range(0.8, 0.95), random.Range(0.85, 1.0)};
