@@ -1,4 +1,6 @@
 // The wave writer, and the five effects as the game's player will read them.
+#include <SDL.h>
+#include <SDL_mixer.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -97,4 +99,21 @@ TEST(SoundFiles, ThePlayersShotAndTheEnemiesShotAreClearlyDifferent) {
     const bool pitchDiffers = higher > 1.3 * lower;
     const bool lengthDiffers = std::fabs(player.Seconds() - enemy.Seconds()) > 0.05;
     EXPECT_TRUE(pitchDiffers || lengthDiffers) << higher << " vs " << lower;
+}
+
+// The game's own mixer decodes every effect and accepts the tune.
+TEST(SoundFiles, TheMixerLoadsEveryEffectAndTheTune) {
+    SDL_SetHint(SDL_HINT_AUDIODRIVER, "dummy");  // no sound card needed
+    ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_AUDIO), 0) << SDL_GetError();
+    ASSERT_EQ(Mix_OpenAudio(44100, AUDIO_S16SYS, 2, 1024), 0) << Mix_GetError();
+    for (const auto& [name, expected] : kSounds) {
+        Mix_Chunk* chunk = Mix_LoadWAV((qvdata::GameDir() / name).string().c_str());
+        EXPECT_NE(chunk, nullptr) << name << ": " << Mix_GetError();
+        if (chunk) Mix_FreeChunk(chunk);
+    }
+    Mix_Music* tune = Mix_LoadMUS((qvdata::GameDir() / "background.mid").string().c_str());
+    EXPECT_NE(tune, nullptr) << Mix_GetError();
+    if (tune) Mix_FreeMusic(tune);
+    Mix_CloseAudio();
+    SDL_QuitSubSystem(SDL_INIT_AUDIO);
 }
