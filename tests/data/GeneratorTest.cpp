@@ -12,6 +12,8 @@
 namespace {
 
 namespace fs = std::filesystem;
+using assetgen::ColourKeyGuard;
+using assetgen::Rgb;
 
 class TempDir {
 public:
@@ -36,8 +38,8 @@ std::map<std::string, std::vector<uint8_t>> Contents(const fs::path& dir) {
 
 TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
     TempDir first("qv-assets-a-"), second("qv-assets-b-");
-    ASSERT_TRUE(AssetGenerator::Generate(first.path.string()).ok);
-    ASSERT_TRUE(AssetGenerator::Generate(second.path.string()).ok);
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate(first.path.string()).ok);
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate(second.path.string()).ok);
     const auto a = Contents(first.path), b = Contents(second.path);
     EXPECT_GT(a.size(), 300u);
     EXPECT_TRUE(a == b);
@@ -53,7 +55,7 @@ TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
 TEST(AssetGenerator, ReportsAFolderItCannotCreate) {
     TempDir blocker("qv-assets-file-");
     { std::ofstream(blocker.path) << "not a folder"; }
-    const auto result = AssetGenerator::Generate((blocker.path / "game").string());
+    const auto result = assetgen::AssetGenerator::Generate((blocker.path / "game").string());
     EXPECT_FALSE(result.ok);
     EXPECT_FALSE(result.error.empty());
 }

@@ -16,7 +16,7 @@ constexpr uint8_t kDrumChannel = 9;
 
 std::vector<uint8_t> Encoded(uint32_t value) {
     std::vector<uint8_t> out;
-    MidiWriter::AppendVariableLength(out, value);
+    assetgen::MidiWriter::AppendVariableLength(out, value);
     return out;
 }
 
@@ -34,7 +34,7 @@ TEST(MidiWriter, EncodesVariableLengthQuantities) {
 }
 
 TEST(MidiWriter, SortsEventsReleasesBeforeRestrikingAndEndsTracksTogether) {
-    MidiWriter midi(96);
+    assetgen::MidiWriter midi(96);
     const int conductor = midi.AddTrack("tempo");
     midi.Tempo(conductor, 0, 400000);
     const int part = midi.AddTrack("part");

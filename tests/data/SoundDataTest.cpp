@@ -48,7 +48,7 @@ double CrossingsPerSecond(const qvdata::WaveFile& w) {
 
 TEST(WavWriter, WritesAPlainMono16BitPcmFileThatReadsBack) {
     const std::vector<int16_t> pcm{0, 1000, -1000, kFullScale, -kFullScale};
-    const auto bytes = WavWriter::Encode(pcm, 22050);
+    const auto bytes = assetgen::WavWriter::Encode(pcm, 22050);
     ASSERT_EQ(bytes.size(), 44u + 2 * pcm.size());
     const auto w = qvdata::WaveFile::Parse(bytes);
     ASSERT_EQ(w.error, "");
@@ -62,12 +62,12 @@ TEST(WavWriter, WritesAPlainMono16BitPcmFileThatReadsBack) {
 }
 
 TEST(WavWriter, ScalesToThePeakWithoutClippingOrWrapping) {
-    const auto pcm = WavWriter::ToPcm({0.0f, 0.5f, -2.0f, 1.0f}, 0.5);
+    const auto pcm = assetgen::WavWriter::ToPcm({0.0f, 0.5f, -2.0f, 1.0f}, 0.5);
     EXPECT_EQ(pcm, (std::vector<int16_t>{0, 4096, -16384, 8192}));
     // A peak asked above full scale still stops at full scale.
-    const auto loud = WavWriter::ToPcm({1.0f, -1.0f}, 1.5);
+    const auto loud = assetgen::WavWriter::ToPcm({1.0f, -1.0f}, 1.5);
     EXPECT_EQ(loud, (std::vector<int16_t>{kFullScale, -kFullScale}));
-    EXPECT_EQ(WavWriter::ToPcm({0.0f, 0.0f}, 0.9), (std::vector<int16_t>{0, 0}));
+    EXPECT_EQ(assetgen::WavWriter::ToPcm({0.0f, 0.0f}, 0.9), (std::vector<int16_t>{0, 0}));
 }
 
 TEST(SoundFiles, EachIsMono16BitPcmOfTheRightLengthAndNeverClips) {

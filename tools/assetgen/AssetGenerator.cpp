@@ -13,6 +13,8 @@
 #include "Tune.h"
 #include "WavWriter.h"
 
+namespace assetgen {
+
 namespace {
 
 // Sounds peak a little below full scale so that nothing clips on playback.
@@ -77,3 +79,5 @@ AssetGenerator::Result AssetGenerator::WriteSounds(const std::string& gameDir) {
 AssetGenerator::Result AssetGenerator::WriteMusic(const std::string& gameDir) {
     return Save(gameDir + "/background.mid", Tune::Compose());
 }
+
+}  // namespace assetgen

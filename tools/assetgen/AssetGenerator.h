@@ -1,6 +1,8 @@
 #pragma once
 #include <string>
 
+namespace assetgen {
+
 // Writes the game's whole working directory: the sprite list, the art
 // folder (sprite frames, palette, blank and title pictures), the sound
 // effects and the background tune. The same bytes come out on every run.
@@ -22,3 +24,5 @@ private:
     static Result WriteSounds(const std::string& gameDir);
     static Result WriteMusic(const std::string& gameDir);
 };
+
+}  // namespace assetgen

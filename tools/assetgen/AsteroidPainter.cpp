@@ -6,6 +6,8 @@
 
 #include "Random.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr int kBumps = 9;
@@ -148,3 +150,5 @@ Image AsteroidPainter::Paint(const FrameInfo& info) const {
     }
     return image;
 }
+
+}  // namespace assetgen

@@ -7,6 +7,8 @@
 #include "SpritePainter.h"
 #include "Vec3.h"
 
+namespace assetgen {
+
 // A lumpy, cratered rock that tumbles about a tilted axis. The shape is a
 // sphere pushed in and out by bumps and craters; each pixel is ray-cast and
 // lit from the top left, several rays a pixel for smooth edges. One full
@@ -49,3 +51,5 @@ private:
     Colour shade;
     double largestRadius = 1.0;
 };
+
+}  // namespace assetgen

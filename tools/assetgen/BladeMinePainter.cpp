@@ -6,6 +6,8 @@
 #include "CairoCanvas.h"
 #include "TurnedSpace.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.3;
@@ -53,3 +55,5 @@ Image BladeMinePainter::Paint(const FrameInfo& info) const {
     CairoCanvas::Glow(cr, 0.0, 0.0, flashing ? 0.30 : 0.14, flashing ? kFlash : kCore, 1.0);
     return canvas.ToImage();
 }
+
+}  // namespace assetgen

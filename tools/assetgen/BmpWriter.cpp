@@ -1,5 +1,7 @@
 #include "BmpWriter.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr uint32_t kFileHeaderSize = 14;
@@ -82,3 +84,5 @@ std::vector<uint8_t> BmpWriter::Encode8(int width, int height, const std::vector
     }
     return out;
 }
+
+}  // namespace assetgen

@@ -5,6 +5,8 @@
 
 #include "Image.h"
 
+namespace assetgen {
+
 // Writes Windows bitmap files the game's loader reads: uncompressed,
 // bottom-up rows padded to four bytes, a plain 40-byte information header.
 class BmpWriter {
@@ -18,3 +20,5 @@ public:
     static std::vector<uint8_t> Encode8(int width, int height, const std::vector<uint8_t>& indices,
                                         const Palette& palette);
 };
+
+}  // namespace assetgen

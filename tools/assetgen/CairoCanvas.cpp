@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace assetgen {
+
 namespace {
 
 // Direction of the light in unit space: from the top left toward the bottom right.
@@ -66,3 +68,5 @@ void CairoCanvas::Glow(cairo_t* cr, double x, double y, double radius, const Col
     cairo_fill(cr);
     cairo_pattern_destroy(gradient);
 }
+
+}  // namespace assetgen

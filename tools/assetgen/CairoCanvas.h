@@ -4,6 +4,8 @@
 #include "Colour.h"
 #include "Image.h"
 
+namespace assetgen {
+
 // A transparent Cairo drawing surface with its context. For sprites the
 // origin is put at the centre and one unit is the sprite's radius, so the
 // painters draw in sizes that do not depend on the frame size.
@@ -35,3 +37,5 @@ private:
     cairo_surface_t* surface;
     cairo_t* cr;
 };
+
+}  // namespace assetgen

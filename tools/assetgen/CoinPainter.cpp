@@ -6,6 +6,8 @@
 
 #include "CairoCanvas.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.3;
@@ -78,3 +80,5 @@ Image CoinPainter::Paint(const FrameInfo& info) const {
     if (info.frame == 0) CairoCanvas::Glow(cr, -0.35, -0.45, 0.55, kGlint, 0.9);
     return canvas.ToImage();
 }
+
+}  // namespace assetgen

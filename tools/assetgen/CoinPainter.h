@@ -3,6 +3,8 @@
 
 #include "SpritePainter.h"
 
+namespace assetgen {
+
 // The gold token: a thick coin with an embossed star, spinning about its
 // upright axis, with a glint as its face turns toward the light.
 class CoinPainter : public SpritePainter {
@@ -14,3 +16,5 @@ private:
     static void Face(cairo_t* cr, double squeeze, double shift);
     static void Star(cairo_t* cr, double squeeze, double shift);
 };
+
+}  // namespace assetgen

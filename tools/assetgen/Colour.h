@@ -4,6 +4,8 @@
 
 #include "Image.h"
 
+namespace assetgen {
+
 // A colour in the 0..1 range per channel, used while painting.
 struct Colour {
     double r = 0.0, g = 0.0, b = 0.0;
@@ -20,3 +22,5 @@ struct Colour {
         return Rgb{byte(r), byte(g), byte(b)};
     }
 };
+
+}  // namespace assetgen

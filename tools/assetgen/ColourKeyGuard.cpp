@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace assetgen {
+
 namespace {
 
 // Below this brightness a fringe pixel is too faint to matter: it becomes
@@ -30,3 +32,5 @@ Rgb ColourKeyGuard::Settle(Rgb c) {
 void ColourKeyGuard::Apply(Image& image) {
     for (Rgb& pixel : image.Pixels()) pixel = Settle(pixel);
 }
+
+}  // namespace assetgen

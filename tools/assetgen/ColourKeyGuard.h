@@ -1,6 +1,8 @@
 #pragma once
 #include "Image.h"
 
+namespace assetgen {
+
 // The game draws sprites with black as the transparent colour on a 16-bit
 // 5-6-5 display. A very dark pixel whose top bits are all zero would turn
 // into that key and punch a hole in the sprite, so every pixel is settled
@@ -13,3 +15,5 @@ public:
     static Rgb Settle(Rgb colour);
     static void Apply(Image& image);
 };
+
+}  // namespace assetgen

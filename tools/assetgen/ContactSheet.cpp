@@ -7,6 +7,8 @@
 
 #include "CairoCanvas.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr int kSheetWidth = 1200;
@@ -87,3 +89,5 @@ bool ContactSheet::Write(const SpriteCatalogue& catalogue, const std::string& pn
     for (const SpriteEntry& e : catalogue.Entries()) top = DrawSection(cr, e, top);
     return cairo_surface_write_to_png(canvas.Surface(), pngPath.c_str()) == CAIRO_STATUS_SUCCESS;
 }
+
+}  // namespace assetgen

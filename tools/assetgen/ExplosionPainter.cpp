@@ -6,6 +6,8 @@
 
 #include "Random.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr uint32_t kSeed = 0x5EED0F1Eu;
@@ -106,3 +108,5 @@ Image ExplosionPainter::Paint(const FrameInfo& info) const {
     }
     return image;
 }
+
+}  // namespace assetgen

@@ -5,6 +5,8 @@
 #include "Noise.h"
 #include "SpritePainter.h"
 
+namespace assetgen {
+
 // A one-shot fireball: a white flash and shock ring, a churning ball that
 // swells and cools from yellow through orange to red, flying sparks, and a
 // last wisp of smoke. Painted pixel by pixel from turbulent noise.
@@ -29,3 +31,5 @@ private:
     Noise turbulence;
     std::vector<Spark> sparks;
 };
+
+}  // namespace assetgen

@@ -2,6 +2,8 @@
 
 #include <cairo.h>
 
+namespace assetgen {
+
 Image::Image(int w, int h) : width(w), height(h), pixels(static_cast<size_t>(w) * h) {}
 
 Image Image::FromCairo(cairo_surface_t* surface) {
@@ -21,3 +23,5 @@ Image Image::FromCairo(cairo_surface_t* surface) {
     }
     return image;
 }
+
+}  // namespace assetgen

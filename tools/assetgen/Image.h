@@ -5,6 +5,8 @@
 
 struct _cairo_surface;
 
+namespace assetgen {
+
 struct Rgb {
     uint8_t r = 0, g = 0, b = 0;
     bool operator==(const Rgb&) const = default;
@@ -36,3 +38,5 @@ private:
     int height = 0;
     std::vector<Rgb> pixels;
 };
+
+}  // namespace assetgen

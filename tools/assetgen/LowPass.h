@@ -2,6 +2,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace assetgen {
+
 // Two one-pole low-pass stages in a row (12 dB an octave), with a cutoff
 // that may move every sample.
 class LowPass {
@@ -20,3 +22,5 @@ private:
     double first = 0.0;
     double second = 0.0;
 };
+
+}  // namespace assetgen

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace assetgen {
+
 namespace {
 
 constexpr uint16_t kFormatMultiTrack = 1;
@@ -128,3 +130,5 @@ std::vector<uint8_t> MidiWriter::Encode() const {
     }
     return out;
 }
+
+}  // namespace assetgen

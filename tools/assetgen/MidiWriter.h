@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace assetgen {
+
 // Builds a Standard MIDI File (format 1: one track per part, the first
 // carrying tempo and metre). Events are given at absolute tick times in any
 // order; Encode sorts them and writes delta times.
@@ -50,3 +52,5 @@ private:
     uint32_t nextSequence = 0;
     std::vector<Track> tracks;
 };
+
+}  // namespace assetgen

@@ -5,6 +5,8 @@
 
 #include "Random.h"
 
+namespace assetgen {
+
 namespace {
 
 double Fade(double t) { return t * t * (3.0 - 2.0 * t); }
@@ -48,3 +50,5 @@ double Noise::Fractal(double x, double y, double z, int octaves) const {
     }
     return sum / norm;
 }
+
+}  // namespace assetgen

@@ -2,6 +2,8 @@
 #include <array>
 #include <cstdint>
 
+namespace assetgen {
+
 // Smooth value noise on an integer lattice, seeded so that every picture
 // made with it is repeatable. Values lie in about [-1, 1].
 class Noise {
@@ -18,3 +20,5 @@ private:
     std::array<uint8_t, 512> permutation{};
     std::array<double, 256> values{};
 };
+
+}  // namespace assetgen

@@ -2,6 +2,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace assetgen {
+
 // A phase-accumulating oscillator whose frequency may change every sample
 // (for sweeps and glides). Saw and square are band-limited with PolyBLEP
 // corrections so high notes do not alias into harsh whistles.
@@ -48,3 +50,5 @@ private:
     double rate;
     double phase;
 };
+
+}  // namespace assetgen

@@ -1,5 +1,7 @@
 #include "PaletteBitmap.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr int kSide = 16;
@@ -31,3 +33,5 @@ std::vector<uint8_t> PaletteBitmap::Encode() {
     for (int i = 0; i < kSide * kSide; ++i) indices[i] = static_cast<uint8_t>(i);
     return BmpWriter::Encode8(kSide, kSide, indices, Colours());
 }
+
+}  // namespace assetgen

@@ -8,6 +8,8 @@
 #include "Noise.h"
 #include "Vec3.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr uint32_t kSeed = 77u;
@@ -71,3 +73,5 @@ void PlanetPainter::Paint(cairo_surface_t* surface, double cx, double cy, double
     }
     cairo_surface_mark_dirty(surface);
 }
+
+}  // namespace assetgen

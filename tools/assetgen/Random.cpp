@@ -1,5 +1,7 @@
 #include "Random.h"
 
+namespace assetgen {
+
 Random::Random(uint32_t seed) : state(seed != 0 ? seed : 0x9E3779B9u) {}
 
 uint32_t Random::Next() {
@@ -20,3 +22,5 @@ double Random::Range(double low, double high) {
 double Random::Signed() {
     return Range(-1.0, 1.0);
 }
+
+}  // namespace assetgen

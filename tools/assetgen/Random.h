@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
 
+namespace assetgen {
+
 // A small fixed-seed generator (xorshift32). The data files must come out
 // byte for byte the same on every run, so nothing here looks at the clock.
 class Random {
@@ -18,3 +20,5 @@ public:
 private:
     uint32_t state;
 };
+
+}  // namespace assetgen

@@ -3,6 +3,8 @@
 #include "CairoCanvas.h"
 #include "TurnedSpace.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.4;
@@ -129,3 +131,5 @@ void ShipPainter::Lights(cairo_t* cr, double facing) {
     CairoCanvas::Glow(cr, -0.90, 0.68, 0.13, kPortLight, 1.0);
     CairoCanvas::Glow(cr, 0.90, 0.68, 0.13, kStarboardLight, 1.0);
 }
+
+}  // namespace assetgen

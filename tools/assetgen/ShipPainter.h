@@ -3,6 +3,8 @@
 
 #include "SpritePainter.h"
 
+namespace assetgen {
+
 // The player's fighter: a silver-blue delta with a cyan canopy and twin
 // engines, drawn nose up and turned to each facing.
 class ShipPainter : public SpritePainter {
@@ -20,3 +22,5 @@ private:
     static void Engines(cairo_t* cr, double facing, double engineGlow);
     static void Lights(cairo_t* cr, double facing);
 };
+
+}  // namespace assetgen

@@ -6,6 +6,8 @@
 #include "CairoCanvas.h"
 #include "TurnedSpace.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.1;
@@ -39,3 +41,5 @@ Image ShotPainter::Paint(const FrameInfo& info) const {
     CairoCanvas::Glow(cr, 0.0, 0.0, 0.45 + 0.15 * pulse, core, 1.0);
     return canvas.ToImage();
 }
+
+}  // namespace assetgen

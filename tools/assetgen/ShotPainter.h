@@ -2,6 +2,8 @@
 #include "Colour.h"
 #include "SpritePainter.h"
 
+namespace assetgen {
+
 // A laser bolt a few pixels across. The player's bolt is a round pulsing orb;
 // the enemies' is a spinning diamond, so the two read differently even
 // before their colours are taken in.
@@ -17,3 +19,5 @@ private:
     Colour glow;
     Colour core;
 };
+
+}  // namespace assetgen

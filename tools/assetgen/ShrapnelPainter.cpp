@@ -6,6 +6,8 @@
 #include "CairoCanvas.h"
 #include "TurnedSpace.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.1;
@@ -34,3 +36,5 @@ Image ShrapnelPainter::Paint(const FrameInfo& info) const {
     cairo_fill(cr);
     return canvas.ToImage();
 }
+
+}  // namespace assetgen

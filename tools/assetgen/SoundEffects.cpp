@@ -8,6 +8,8 @@
 #include "Oscillator.h"
 #include "Random.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kRate = SoundEffects::kSampleRate;
@@ -140,3 +142,5 @@ std::vector<float> SoundEffects::EnemyShot() {
     FinishWithFade(out);
     return out;
 }
+
+}  // namespace assetgen

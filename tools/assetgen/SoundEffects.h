@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace assetgen {
+
 // The game's sound effects, synthesised from oscillators, filtered noise
 // and envelopes. Each returns a mono signal at kSampleRate, in about
 // [-1, 1]; the writer scales it to a fixed peak.
@@ -20,3 +22,5 @@ public:
     // The enemies' laser: a lower, longer, buzzing sawtooth zap.
     static std::vector<float> EnemyShot();
 };
+
+}  // namespace assetgen

@@ -6,6 +6,8 @@
 #include "CairoCanvas.h"
 #include "TurnedSpace.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.3;
@@ -55,3 +57,5 @@ Image SpikedMinePainter::Paint(const FrameInfo& info) const {
     CairoCanvas::Glow(cr, 0.0, 0.0, 0.16, kLampCore, 0.35 + 0.65 * throb);
     return canvas.ToImage();
 }
+
+}  // namespace assetgen

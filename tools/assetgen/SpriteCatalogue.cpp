@@ -15,6 +15,8 @@
 #include "SpikedMinePainter.h"
 #include "TurretPainter.h"
 
+namespace assetgen {
+
 namespace {
 
 // 72 directions: a 5-degree step, fine enough that turning looks smooth.
@@ -103,3 +105,5 @@ std::vector<Image> SpriteCatalogue::RenderFrames(const SpriteEntry& e) {
     }
     return frames;
 }
+
+}  // namespace assetgen

@@ -6,6 +6,8 @@
 #include "Image.h"
 #include "SpritePainter.h"
 
+namespace assetgen {
+
 // One line of the game's sprite list and the painter of its frames.
 struct SpriteEntry {
     std::string name;
@@ -39,3 +41,5 @@ public:
 private:
     std::vector<SpriteEntry> entries;
 };
+
+}  // namespace assetgen

@@ -1,6 +1,8 @@
 #pragma once
 #include "Image.h"
 
+namespace assetgen {
+
 // What one frame shows: its size, the way the object faces (radians, 0 up
 // the screen, growing clockwise, as the game turns its objects) and where
 // the animation stands.
@@ -25,3 +27,5 @@ public:
     virtual ~SpritePainter() = default;
     virtual Image Paint(const FrameInfo& info) const = 0;
 };
+
+}  // namespace assetgen

@@ -11,6 +11,8 @@
 #include "Random.h"
 #include "ShipPainter.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr const char* kName = "QUELVARION";
@@ -229,3 +231,5 @@ void TitleScreen::Subtitle(cairo_t* cr, int width) {
     }
     cairo_stroke(cr);
 }
+
+}  // namespace assetgen

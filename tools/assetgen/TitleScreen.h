@@ -3,6 +3,8 @@
 
 #include "Image.h"
 
+namespace assetgen {
+
 // The picture on screen while the game starts: the name in large chrome
 // lettering over a nebula and starfield, a planet's limb, and the player's
 // ship climbing away with its engines lit.
@@ -19,3 +21,5 @@ private:
     static void Title(cairo_t* cr, int width);
     static void Subtitle(cairo_t* cr, int width);
 };
+
+}  // namespace assetgen

@@ -5,6 +5,8 @@
 
 #include "MidiWriter.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr uint32_t kBeat = Tune::kTicksPerQuarter;
@@ -202,3 +204,5 @@ void Tune::Drums(MidiWriter& midi) {
     for (int e = 1; e < 8; e += 2)
         midi.Note(track, BarStart(kBars - 1) + e * kEighth, kSixteenth, kDrumChannel, kClosedHat, 40);
 }
+
+}  // namespace assetgen

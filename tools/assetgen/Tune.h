@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace assetgen {
+
 class MidiWriter;
 
 // The background tune: 32 bars in A minor at 100 beats a minute (76.8 s),
@@ -24,3 +26,5 @@ private:
     static void Bells(MidiWriter& midi);
     static void Drums(MidiWriter& midi);
 };
+
+}  // namespace assetgen

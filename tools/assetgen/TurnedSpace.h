@@ -1,6 +1,8 @@
 #pragma once
 #include <cairo.h>
 
+namespace assetgen {
+
 // While alive, paths are built turned clockwise by an angle (radians) about
 // the current origin. Leaving the scope restores the drawing space but keeps
 // the path, so a fill afterwards can light it in screen directions.
@@ -17,3 +19,5 @@ public:
 private:
     cairo_t* cr;
 };
+
+}  // namespace assetgen

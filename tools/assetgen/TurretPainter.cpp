@@ -6,6 +6,8 @@
 #include "CairoCanvas.h"
 #include "TurnedSpace.h"
 
+namespace assetgen {
+
 namespace {
 
 constexpr double kMarginPixels = 0.4;
@@ -81,3 +83,5 @@ void TurretPainter::Dome(cairo_t* cr, double facing) {
     }
     CairoCanvas::FillLit(cr, kDomeLit, kDomeShade);
 }
+
+}  // namespace assetgen

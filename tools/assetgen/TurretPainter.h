@@ -3,6 +3,8 @@
 
 #include "SpritePainter.h"
 
+namespace assetgen {
+
 // The enemy gun platform: a crimson armoured octagon with a glowing dome and
 // twin barrels that point the way it faces.
 class TurretPainter : public SpritePainter {
@@ -14,3 +16,5 @@ private:
     static void Base(cairo_t* cr, double facing);
     static void Dome(cairo_t* cr, double facing);
 };
+
+}  // namespace assetgen

@@ -1,6 +1,8 @@
 #pragma once
 #include <cmath>
 
+namespace assetgen {
+
 struct Vec3 {
     double x = 0.0, y = 0.0, z = 0.0;
 
@@ -20,3 +22,5 @@ struct Vec3 {
         return *this * c + axis.Cross(*this) * s + axis * (axis.Dot(*this) * (1.0 - c));
     }
 };
+
+}  // namespace assetgen

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace assetgen {
+
 namespace {
 
 constexpr uint16_t kFormatPcm = 1;
@@ -60,3 +62,5 @@ std::vector<int16_t> WavWriter::ToPcm(const std::vector<float>& signal, double p
     }
     return pcm;
 }
+
+}  // namespace assetgen

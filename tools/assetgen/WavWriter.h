@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace assetgen {
+
 // Encodes mono 16-bit PCM wave files ("RIFF"/"WAVE" with one "fmt " and one
 // "data" chunk), the plainest form every wave player accepts.
 class WavWriter {
@@ -12,3 +14,5 @@ public:
     // full scale) and rounds it to 16 bits. A silent signal stays silent.
     static std::vector<int16_t> ToPcm(const std::vector<float>& signal, double peak);
 };
+
+}  // namespace assetgen
