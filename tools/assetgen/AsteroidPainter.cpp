@@ -14,7 +14,10 @@ constexpr int kBumps = 9;
 constexpr int kCraters = 11;
 constexpr int kRaysPerSide = 3;  // rays per pixel = kRaysPerSide squared
 constexpr double kMarginPixels = 0.3;
-constexpr double kMarchStep = 0.06;
+constexpr int kMaxMarchSteps = 48;
+constexpr double kMarchShare = 0.6;    // of the outside distance, a safe step for smooth bumps
+constexpr double kMinMarchStep = 0.02;
+constexpr double kCraterReach = 2.0;   // in crater radii
 constexpr int kRefineSteps = 6;
 constexpr double kNormalStep = 0.004;
 constexpr double kAmbient = 0.16;
@@ -58,7 +61,9 @@ AsteroidPainter::AsteroidPainter(uint32_t seed, Colour litColour, Colour shadeCo
 double AsteroidPainter::CraterDepthAt(const Vec3& d) const {
     double depth = 0.0;
     for (const Crater& c : craters) {
-        const double u = std::sqrt(std::max(0.0, (1.0 - d.Dot(c.direction)) / (1.0 - c.cosRadius)));
+        const double u2 = (1.0 - d.Dot(c.direction)) / (1.0 - c.cosRadius);
+        if (u2 > kCraterReach * kCraterReach) continue;  // too far for bowl or rim to matter
+        const double u = std::sqrt(std::max(0.0, u2));
         if (u < 1.0) depth -= c.depth * (1.0 - u * u);
         // A raised rim just outside the bowl.
         const double rim = (u - 1.0) / 0.25;
@@ -98,10 +103,16 @@ AsteroidPainter::Hit AsteroidPainter::CastRay(double x, double y, double turn) c
     const double r2 = largestRadius * largestRadius - x * x - y * y;
     if (r2 <= 0.0) return {};
     const double zEnter = std::sqrt(r2);
+    // March toward the rock in steps scaled by how far outside the surface
+    // the point is, then narrow the crossing down by halving.
     double zOutside = zEnter;
-    for (double z = zEnter; z > -zEnter; z -= kMarchStep) {
-        if (SurfaceInView({x, y, z}, turn) > 0.0) {
+    double outside = SurfaceInView({x, y, zOutside}, turn);
+    for (int step = 0; step < kMaxMarchSteps && zOutside > -zEnter; ++step) {
+        const double z = zOutside - std::max(outside * kMarchShare, kMinMarchStep);
+        const double there = SurfaceInView({x, y, z}, turn);
+        if (there > 0.0) {
             zOutside = z;
+            outside = there;
             continue;
         }
         double zInside = z;
