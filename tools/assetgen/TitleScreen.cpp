@@ -15,7 +15,7 @@ namespace assetgen {
 
 namespace {
 
-constexpr const char* kName = "QUELVARION";
+constexpr const char* kName = "Quelvarion";
 constexpr const char* kTagline = "SPACE  COMBAT";
 constexpr const char* kFontFamily = "DejaVu Sans";
 constexpr uint32_t kStarSeed = 1987u;

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <string>
 
+#include "AppIcon.h"
 #include "AssetGenerator.h"
 #include "ContactSheet.h"
 #include "SpriteCatalogue.h"
@@ -11,7 +12,8 @@ namespace {
 int Usage() {
     std::fprintf(stderr,
                  "usage: quelvarion_assetgen <game-dir>\n"
-                 "       quelvarion_assetgen --contact-sheet <file.png>\n");
+                 "       quelvarion_assetgen --contact-sheet <file.png>\n"
+                 "       quelvarion_assetgen --icon <file.png>\n");
     return 2;
 }
 
@@ -20,6 +22,11 @@ int Usage() {
 int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "--contact-sheet") == 0) {
         if (assetgen::ContactSheet::Write(assetgen::SpriteCatalogue::Game(), argv[2])) return 0;
+        std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", argv[2]);
+        return 1;
+    }
+    if (argc == 3 && std::strcmp(argv[1], "--icon") == 0) {
+        if (assetgen::AppIcon::Write(argv[2])) return 0;
         std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", argv[2]);
         return 1;
     }
