@@ -1,0 +1,184 @@
+#include "ship/Armour.h"
+#include "ship/EnergySystem.h"
+#include "ship/Engine.h"
+#include "ship/Jet.h"
+#include "ship/Laser.h"
+#include "ship/Shield.h"
+#include "ship/SubspaceSail.h"
+#include "support/TestApp.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+namespace {
+
+using qvtest::TestApp;
+using V = std::vector<double>;
+using Stats = std::vector<std::int32_t>;
+
+// Scripts the draws generation takes: each draw returns the next listed value
+// and, once the list is used up, the given fraction of its range. Records the
+// range of every draw asked for.
+class ScriptedDraws {
+public:
+    explicit ScriptedDraws(V listed = {}, double restFraction = 0.0) : values(std::move(listed)), rest(restFraction)
+    {
+        CComponent::SetDrawSource([this](double m) {
+            ranges.push_back(m);
+            return next < values.size() ? values[next++] : m * rest;
+        });
+    }
+    ~ScriptedDraws() { CComponent::SetDrawSource(nullptr); }
+
+    V ranges;
+
+private:
+    V values;
+    double rest;
+    std::size_t next = 0;
+};
+
+template <class Kind, class... Divisor>
+Kind Generated(std::int32_t level, Divisor... q)
+{
+    Kind component;
+    component.Generate(level, q...);
+    return component;
+}
+
+template <class Kind, class... Divisor>
+Kind Scripted(V draws, std::int32_t level, Divisor... q)
+{
+    ScriptedDraws script(std::move(draws));
+    return Generated<Kind>(level, q...);
+}
+
+// The generated values of each kind: size, weight, then the kind's own.
+Stats Of(const CArmour& a) { return {a.GetSize(), a.GetWeight(), a.GetArmourValue()}; }
+Stats Of(const CEngine& e) { return {e.GetSize(), e.GetWeight(), e.GetThrust()}; }
+Stats Of(const CJet& j) { return {j.GetSize(), j.GetWeight(), j.GetTurnThrust()}; }
+Stats Of(const CSubspaceSail& s) { return {s.GetSize(), s.GetWeight(), s.GetMaxSpeed()}; }
+Stats Of(const CShield& s) { return {s.GetSize(), s.GetWeight(), s.GetStrength(), s.GetConversionPercent()}; }
+Stats Of(const CEnergySystem& e) { return {e.GetSize(), e.GetWeight(), e.GetStorage(), e.GetRecharge()}; }
+Stats Of(const CLaser& l)
+{
+    return {l.GetSize(), l.GetWeight(), l.GetDelay(), l.GetEnergyUse(),
+            l.GetSpeed(), l.GetContainment(), l.GetDamage(), l.GetShots()};
+}
+
+TEST(GenerationDraws, EachKindTakesItsDrawsInTheOrderOfItsFormula)
+{
+    TestApp app;
+    auto rangesOf = [](std::function<void()> generate, V listed = {}) {
+        ScriptedDraws draws(std::move(listed));
+        generate();
+        return draws.ranges;
+    };
+    EXPECT_EQ(rangesOf([] { Generated<CArmour>(1000); }), (V{20}));
+    EXPECT_EQ(rangesOf([] { Generated<CEngine>(1000, 1.0f); }), (V{2000, 20}));
+    EXPECT_EQ(rangesOf([] { Generated<CJet>(1000, 1.0f); }), (V{11, 7}));
+    EXPECT_EQ(rangesOf([] { Generated<CSubspaceSail>(1000, 1.0f); }), (V{11, 7}));
+    EXPECT_EQ(rangesOf([] { Generated<CShield>(1000); }), (V{6, 5}));
+    EXPECT_EQ(rangesOf([] { Generated<CEnergySystem>(1000); }), (V{11, 11, 2.0 / 3}));
+    // With the lowest draws the power budget is 6500; the range of the shot
+    // draw follows from it by pattern.
+    auto laser = [] { Generated<CLaser>(1000); };
+    EXPECT_EQ(rangesOf(laser), (V{6, 16, 16, 840, 840, 46, 2, 0.25, 0.5}));
+    EXPECT_EQ(rangesOf(laser, {3})[6], 7);
+    EXPECT_EQ(rangesOf(laser, {6})[6], 30);
+}
+
+TEST(GenerationValues, ControlledDrawsGiveExactValues)
+{
+    TestApp app;
+    // At the base level: r = 20; X = 4000 and Y = 50.
+    EXPECT_EQ(Of(Scripted<CArmour>({10}, 1000)), (Stats{0, 20, 60}));
+    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 1000, 1.0f)), (Stats{4000, 50, 110}));
+    // Higher levels are cheaper and stronger; a divisor shrinks an engine.
+    EXPECT_EQ(Of(Scripted<CArmour>({10}, 2000)), (Stats{0, 10, 120}));
+    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 2000, 2.0f)), (Stats{1500, 18, 165}));
+    EXPECT_EQ(Of(Scripted<CJet>({6, 3}, 1500, 1.0f)), (Stats{733, 4, 42}));
+    EXPECT_EQ(Of(Scripted<CSubspaceSail>({7, 6}, 1500, 3.0f)), (Stats{355, 2, 14}));
+    EXPECT_EQ(Of(Scripted<CShield>({3, 2}, 2000)), (Stats{666, 5, 115, 115}));
+    EXPECT_EQ(Of(Scripted<CEnergySystem>({5, 4, 1.0 / 3}, 1500)), (Stats{1666, 11, 557, 46}));
+    // Spread with a budget of 10050 over three shots, the rest going into
+    // speed, lifetime and damage.
+    const CLaser spread = Scripted<CLaser>({3, 8, 4, 500, 100, 20, 2.5, 0.1, 0.25}, 1500);
+    EXPECT_EQ(Of(spread), (Stats{541, 7, 333, 20, 162, 1861, 43, 3}));
+    // A single Parallel shot keeps the whole budget. The lowest delay draws
+    // give the longest delay, draws adding up to their range the shortest.
+    const CLaser single = Scripted<CLaser>({}, 1000);
+    EXPECT_EQ(Of(single), (Stats{250, 5, 1000, 5, 108, 902, 75, 1}));
+    EXPECT_EQ(Scripted<CLaser>({0, 0, 0, 420, 420}, 1000).GetDelay(), 160);
+}
+
+TEST(GenerationValues, ManyDrawsAtTheBaseLevelStayInTheirRanges)
+{
+    TestApp app(20240611);
+    struct Range {
+        std::function<Stats()> generate;
+        Stats low;
+        Stats high;
+    };
+    const std::vector<Range> ranges = {
+        {[] { return Of(Generated<CArmour>(1000)); }, {0, 10, 30}, {0, 30, 90}},
+        {[] { return Of(Generated<CEngine>(1000, 1.0f)); }, {3001, 41, 86}, {5001, 61, 135}},
+        {[] { return Of(Generated<CJet>(1000, 1.0f)); }, {500, 2, 9}, {1600, 9, 34}},
+        {[] { return Of(Generated<CSubspaceSail>(1000, 1.0f)); }, {500, 0, 10}, {1600, 7, 32}},
+        {[] { return Of(Generated<CShield>(1000)); }, {500, 4, 22, 150}, {1100, 9, 24, 210}},
+        {[] { return Of(Generated<CEnergySystem>(1000)); }, {2000, 10, 68, 50}, {3100, 21, 673, 99}},
+        {[] { return Of(Generated<CLaser>(1000)); }, {250, 5, 160, 5, 0, 0, 0, 1},
+         {1050, 21, 1000, 51, 300, 4000, 9999, 36}},
+    };
+    for (const Range& range : ranges)
+        for (int i = 0; i < 2000; ++i) {
+            const Stats stats = range.generate();
+            for (std::size_t k = 0; k < stats.size(); ++k)
+                ASSERT_TRUE(stats[k] >= range.low[k] && stats[k] <= range.high[k])
+                    << "value " << k << " of kind " << &range - &ranges[0] + 1 << " is " << stats[k];
+        }
+}
+
+TEST(LaserGeneration, PatternDrawsAndCaps)
+{
+    TestApp app;
+    auto patternFor = [](double draw) { return Scripted<CLaser>({draw}, 1000).GetPattern(); };
+    EXPECT_EQ(std::vector({patternFor(2.999), patternFor(3), patternFor(4.999), patternFor(5)}),
+              (std::vector<std::int32_t>{CLaser::Parallel, CLaser::Spread, CLaser::Spread, CLaser::Radiating}));
+
+    // At a very high level the highest draws ask for far more than the caps.
+    auto strongest = [](double patternDraw) {
+        ScriptedDraws script({patternDraw}, 1.0);
+        return Generated<CLaser>(40000);
+    };
+    EXPECT_EQ(strongest(3).GetShots(), 7);
+    for (const CLaser& laser : {strongest(0), strongest(6)}) {
+        EXPECT_EQ(laser.GetShots(), laser.GetPattern() == CLaser::Parallel ? 5 : 36);
+        EXPECT_EQ(laser.GetSpeed(), 300);
+        EXPECT_EQ(laser.GetContainment(), 4000);
+    }
+    // The weakest Radiating laser still fires four shots.
+    EXPECT_EQ(Scripted<CLaser>({6}, 1000).GetShots(), 4);
+}
+
+TEST(GenerationSerials, EachGenerationTakesTheNextNumberFromTheGame)
+{
+    TestApp app(4242);
+    CRandom same;
+    same.Seed(4242);
+    const double r = 10 + same.Rand() * 20.0 / CRandom::Max;
+    const auto armour = Generated<CArmour>(1250);
+    EXPECT_EQ(armour.GetWeight(), static_cast<int>(r + (r / 1.25 - r)));
+    EXPECT_EQ(armour.GetName(), "+ Armour1");
+    CLaser laser;
+    laser.Generate(1300);
+    laser.Generate(1300);  // generated again: number 2 goes unused
+    EXPECT_EQ(laser.GetName(), "Laser3");
+    EXPECT_EQ(laser.GetCount(), 1);
+    EXPECT_EQ(laser.GetTechLevel(), 1300);
+    EXPECT_EQ(app->NextComponentSerial(), 4);
+}
+
+} // namespace
