@@ -198,8 +198,10 @@ bool CWorld::PlaceAtEdge(CGameObject& object, std::int32_t leastSpeed, std::int3
     return false;
 }
 
-void CWorld::FitKit(CBody& /*body*/, const std::vector<CComponent*>& /*kit*/)
+void CWorld::FitKit(CBody& body, const std::vector<CComponent*>& kit)
 {
+    for (CComponent* component : kit)
+        body.AddComponent(component);
 }
 
 void CWorld::RegenerateStock()

@@ -1,6 +1,7 @@
 #include "world/Projectile.h"
 
 #include "app/GameApp.h"
+#include "ship/Ship.h"
 #include "world/Angles.h"
 #include "world/GameObject.h"
 
@@ -25,11 +26,11 @@ std::int16_t VolleyBounds(const CGameObject& ship)
     return ship.GetTeam() == TeamPlayer ? BoundsBounce : BoundsDie;
 }
 
-void LaunchShot(const CGameObject& ship, const ShotSpec& laser, double angle, double direction, std::int16_t bounds)
+void LaunchShot(const CShip& ship, const CLaser& laser, double angle, double direction, std::int16_t bounds)
 {
     const CVector launch = LaunchVector(ship.GetVector(), angle, static_cast<float>(ship.GetRadius()) + MuzzleGap,
-                                        direction, static_cast<float>(laser.speed));
-    LaunchProjectile(launch, laser.damage, ship.GetTeam(), laser.containment, bounds);
+                                        direction, static_cast<float>(laser.GetSpeed()));
+    LaunchProjectile(launch, laser.GetDamage(), ship.GetTeam(), laser.GetContainment(), bounds);
 }
 
 double WrapDown(double a)
@@ -67,9 +68,9 @@ void LaunchProjectile(const CVector& launch, std::int32_t damage, std::int32_t t
     TheApp().world.AddObject(shot);
 }
 
-void FireParallel(const CGameObject& ship, const ShotSpec& laser)
+void FireParallel(const CShip& ship, const CLaser& laser)
 {
-    const std::int32_t n = laser.shots;
+    const std::int32_t n = laser.GetShots();
     const double facing = ship.GetFacing();
     double angle = WrapDown(n > 1 ? facing + Angles::HalfPi : facing);
     const double step = n > 1 ? Angles::Pi / (n + 1) : 0.0;
@@ -80,11 +81,11 @@ void FireParallel(const CGameObject& ship, const ShotSpec& laser)
     }
 }
 
-void FireSpread(const CGameObject& ship, const ShotSpec& laser)
+void FireSpread(const CShip& ship, const CLaser& laser)
 {
     // The first four turns of the fan are left empty, which narrows it.
     constexpr std::int32_t SkippedTurns = 4;
-    const std::int32_t n = laser.shots;
+    const std::int32_t n = laser.GetShots();
     const double facing = ship.GetFacing();
     double angle = WrapDown(n > 1 ? facing + Angles::QuarterPi : facing);
     const double step = n > 1 ? Angles::HalfPi / (n + 7) : 0.0;
@@ -95,9 +96,9 @@ void FireSpread(const CGameObject& ship, const ShotSpec& laser)
     }
 }
 
-void FireRadiating(const CGameObject& ship, const ShotSpec& laser)
+void FireRadiating(const CShip& ship, const CLaser& laser)
 {
-    const std::int32_t n = laser.shots;
+    const std::int32_t n = laser.GetShots();
     double angle = ship.GetFacing();
     const double step = n > 1 ? Angles::TwoPi / n : 0.0;
     for (std::int32_t turn = 0; turn < n; ++turn) {

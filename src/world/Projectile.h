@@ -3,15 +3,8 @@
 
 #include <cstdint>
 
-class CGameObject;
-
-// What one firing of a laser puts into its shots.
-struct ShotSpec {
-    std::int32_t speed = 0;       // pixels per second added to the shooter's own motion
-    std::int32_t containment = 0; // lifetime of each shot, ms
-    std::int32_t shots = 1;       // projectiles per firing
-    std::int32_t damage = 0;      // per projectile
-};
+class CLaser;
+class CShip;
 
 // Shrapnel of an exploding body: weak, short-lived, on no side.
 namespace Shrapnel {
@@ -29,7 +22,8 @@ void LaunchProjectile(const CVector& launch, std::int32_t damage, std::int32_t t
                       std::int16_t bounds);
 
 // The three volleys a laser can fire from a ship: shots side by side along
-// the facing, a fan about it, or a ring.
-void FireParallel(const CGameObject& ship, const ShotSpec& laser);
-void FireSpread(const CGameObject& ship, const ShotSpec& laser);
-void FireRadiating(const CGameObject& ship, const ShotSpec& laser);
+// the facing, a fan about it, or a ring. Each shot gets the laser's speed,
+// damage and containment (its lifetime).
+void FireParallel(const CShip& ship, const CLaser& laser);
+void FireSpread(const CShip& ship, const CLaser& laser);
+void FireRadiating(const CShip& ship, const CLaser& laser);

@@ -9,7 +9,7 @@
 
 namespace {
 
-using qvtest::OpenObject;
+using qvtest::OpenShip;
 using qvtest::TestApp;
 
 constexpr double Pi = 3.14159265358979;
@@ -24,8 +24,14 @@ struct Shot {
 // Fires one volley from a ship of radius 16 at (500, 400) and reads back the shots in launch order.
 struct Volleys : ::testing::Test {
     TestApp t;
-    OpenObject ship{500, 400, 0.0f, 0.0f, 16};
-    ShotSpec laser{300, 1500, 3, 12};
+    OpenShip ship;
+    std::int32_t shots = 3;
+
+    Volleys()
+    {
+        ship.vector = qvtest::At(500, 400);
+        ship.radius = 16;
+    }
 
     // Each shot flies along the angle at which it sits.
     static void ExpectOutward(const std::vector<Shot>& shots, const std::vector<double>& angles)
@@ -39,10 +45,15 @@ struct Volleys : ::testing::Test {
         }
     }
 
-    std::vector<Shot> Fire(void (*pattern)(const CGameObject&, const ShotSpec&))
+    std::vector<Shot> Fire(void (*pattern)(const CShip&, const CLaser&))
     {
         t->world.Clear();
-        pattern(ship, laser);
+        CLaser::Values values;
+        values.speed = 300;
+        values.containment = 1500;
+        values.shots = shots;
+        values.damage = 12;
+        pattern(ship, CLaser(CComponent::Common{}, values));
         std::vector<Shot> shots;
         for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext()) {
             CGameObject* o = n->GetData();
@@ -89,14 +100,14 @@ TEST_F(Volleys, SpreadShotsFanOutSymmetricallyAboutTheFacing)
 TEST_F(Volleys, RadiatingShotsRingTheShipAndNeverBounce)
 {
     ship.team = TeamPlayer;
-    laser.shots = 4;
+    shots = 4;
     ExpectOutward(Fire(FireRadiating), {0.0, 3 * Pi / 2, Pi, Pi / 2}); // up, left, down, right
 }
 
 TEST_F(Volleys, OneShotGoesStraightAheadInEveryPattern)
 {
     ship.facing = Pi / 2;
-    laser.shots = 1;
+    shots = 1;
     for (auto pattern : {FireParallel, FireSpread, FireRadiating}) {
         const auto shots = Fire(pattern);
         ASSERT_EQ(shots.size(), 1u);
@@ -109,7 +120,7 @@ TEST_F(Volleys, OneShotGoesStraightAheadInEveryPattern)
 TEST_F(Volleys, ShotsInheritTheShipsMotion)
 {
     ship.vector.Set(500, 400, 100.0f, 0.0f);
-    laser.shots = 1;
+    shots = 1;
     const auto shots = Fire(FireParallel);
     ASSERT_EQ(shots.size(), 1u);
     EXPECT_NEAR(shots[0].xs, 100.0, 1e-3);
