@@ -14,6 +14,8 @@ CGameObject::CGameObject()
     : masterItem(new CLinkedItem(this)), bandItem(new CLinkedItem(this)), bandItem2(new CLinkedItem(this))
 {
     hitThisFrame.reserve(10);
+    ++created;
+    ++live;
 }
 
 CGameObject::~CGameObject()
@@ -22,6 +24,7 @@ CGameObject::~CGameObject()
     delete masterItem;
     delete bandItem;
     delete bandItem2;
+    --live;
 }
 
 void CGameObject::SetSprite(const std::string& name)

@@ -102,6 +102,11 @@ public:
     CLinkedItem* GetBandItem() const { return bandItem; }
     CLinkedItem* GetBandItem2() const { return bandItem2; }
 
+    // How many objects this run has made, and how many exist now: what a
+    // long run checks to know that nothing is lost or freed twice.
+    static std::uint64_t CreatedCount() { return created; }
+    static std::int64_t LiveCount() { return live; }
+
 protected:
     // Dies on the next update: the object has been destroyed.
     void ExpireNow();
@@ -129,6 +134,9 @@ protected:
     std::int32_t band2 = NoBand;
 
 private:
+    static inline std::uint64_t created = 0;
+    static inline std::int64_t live = 0;
+
     // Keeps a band node in the band list of that index, moving it there if needed.
     void MoveToBand(CLinkedItem* node, std::int32_t& nodeBand, std::int32_t newBand);
     void Bounce(std::int32_t width, std::int32_t height);

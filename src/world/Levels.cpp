@@ -203,15 +203,3 @@ void CWorld::FitKit(CBody& body, const std::vector<CComponent*>& kit)
     for (CComponent* component : kit)
         body.AddComponent(component);
 }
-
-void CWorld::RegenerateStock()
-{
-}
-
-void CWorld::RegenerateKits()
-{
-}
-
-void CWorld::DeleteComponents(std::vector<CComponent*>& /*components*/)
-{
-}

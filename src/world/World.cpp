@@ -1,6 +1,7 @@
 #include "world/World.h"
 
 #include "app/GameApp.h"
+#include "ship/Component.h"
 #include "ship/Ship.h"
 #include "world/GameObject.h"
 
@@ -154,6 +155,8 @@ void CWorld::Clear()
         if (!DeleteObject(tail->GetData()))
             tail->Unlink(); // not a kind the world deletes; let go of it all the same
     }
+    for (auto* components : {&stock, &mineKit1, &mineKit2, &turretKit})
+        DeleteComponents(*components);
     labelList.clear();
     actionList.clear();
 }

@@ -82,7 +82,11 @@ public:
 
     // The offer of the design screen and the kits every new enemy is fitted with.
     void RegenerateStock();
+    // One extra offered component of a random kind, made above the offer's level.
+    void AddBonusComponent();
     void RegenerateKits();
+    // Gives a component back to the offer, unless the offer already holds it.
+    void AddToStock(const CComponent& component);
     const std::vector<CComponent*>& GetStock() const { return stock; }
     const std::vector<CComponent*>& GetMineKit1() const { return mineKit1; }
     const std::vector<CComponent*>& GetMineKit2() const { return mineKit2; }
@@ -96,6 +100,7 @@ private:
     void SetLevelTimings();
     // Hands a placed spawn to the world, or deletes one that found no room.
     bool AddOrDiscard(CGameObject* object, bool placed, bool isEnemy);
+    void MakeTurretKit(std::int32_t techLevel);
     static void FitKit(CBody& body, const std::vector<CComponent*>& kit);
     static void DeleteComponents(std::vector<CComponent*>& components);
 
