@@ -159,4 +159,5 @@ void CWorld::Clear()
         DeleteComponents(*components);
     labelList.clear();
     actionList.clear();
+    player = nullptr; // deleted with the rest; a new game brings the next one
 }
