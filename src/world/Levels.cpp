@@ -1,0 +1,205 @@
+// Starting a game, the spawn clocks that bring objects in from the screen
+// edges, and the change from one level to the next.
+#include "world/World.h"
+
+#include "app/GameApp.h"
+#include "ship/Ship.h"
+
+#include <cmath>
+
+namespace {
+constexpr double FirstLevelMs = 500.0;
+constexpr double LevelMs = 120000.0;
+constexpr double FirstRealLevelMs = 60000.0;
+constexpr double AsteroidIntervalMs = 1100.0;
+constexpr double OpeningEnemyIntervalMs = 130000.0;
+constexpr double LevelOneEnemyIntervalMs = 120000.0;
+constexpr std::int32_t EarlyMineIntervalMs = 120000;
+constexpr double LevelFourTurretIntervalMs = 91000.0;
+constexpr double MineIntervalScale = 21109.0;
+constexpr double TurretIntervalScale = 55402.0;
+constexpr std::int32_t PlacementAttempts = 11;
+
+void ResetClock(CWorld::SpawnClock& clock, double interval)
+{
+    clock.interval = clock.threshold = interval;
+    clock.accumulated = 0.0;
+}
+
+void SetInterval(CWorld::SpawnClock& clock, double interval)
+{
+    clock.interval = clock.threshold = interval;
+}
+
+// Half the range as two halves: the middle of the edge comes up more often.
+std::int32_t AlongEdge(std::int32_t length)
+{
+    CGameApp& app = TheApp();
+    const auto first = static_cast<std::int32_t>(app.Draw(length));
+    const auto second = static_cast<std::int32_t>(app.Draw(length));
+    return first / 2 + second / 2;
+}
+} // namespace
+
+void CWorld::NewGame(std::int32_t startLevel)
+{
+    Clear();
+    bandHeight = TheApp().screenHeight / BandCount;
+    auto* ship = new CShip;
+    ship->SetPlayerShip();
+    AdoptPlayer(ship);
+    ResetClock(asteroidClock, AsteroidIntervalMs);
+    ResetClock(mineClock, OpeningEnemyIntervalMs);
+    ResetClock(turretClock, OpeningEnemyIntervalMs);
+    score = 0;
+    enemiesLeft = 0;
+    powerupsTaken = 0;
+    level = static_cast<std::int16_t>(startLevel - 1);
+    timeLeft = FirstLevelMs;
+}
+
+void CWorld::AdvanceClocks(double elapsedMs)
+{
+    AdvanceClock(asteroidClock, elapsedMs, &CWorld::SpawnAsteroids);
+    AdvanceClock(mineClock, elapsedMs, &CWorld::SpawnMines);
+    AdvanceClock(turretClock, elapsedMs, &CWorld::SpawnTurrets);
+}
+
+void CWorld::AdvanceClock(SpawnClock& clock, double elapsedMs, SpawnOperation spawn)
+{
+    clock.accumulated += elapsedMs;
+    if (clock.accumulated <= clock.threshold)
+        return;
+    // The next spacing is drawn before the spawn takes its own draws.
+    clock.threshold = (clock.interval - clock.interval * 0.5) + std::trunc(TheApp().Draw(clock.interval));
+    (this->*spawn)(1);
+    clock.accumulated = 0.0;
+}
+
+void CWorld::BeginNextLevel()
+{
+    ++level;
+    timeLeft = LevelMs;
+    TheApp().SetGameState(StateDesign);
+    RegenerateStock();
+    powerupsTaken = 0;
+    RegenerateKits();
+    if (player) {
+        player->Refill();
+        player->ClearControls();
+    }
+    mineClock.accumulated = 0.0;
+    turretClock.accumulated = 0.0;
+    SetLevelTimings();
+}
+
+void CWorld::SetLevelTimings()
+{
+    if (level == 1) {
+        timeLeft = FirstRealLevelMs;
+        SetInterval(mineClock, LevelOneEnemyIntervalMs);
+        SetInterval(turretClock, LevelOneEnemyIntervalMs);
+    } else if (level >= 2 && level <= 4) {
+        SetInterval(mineClock, EarlyMineIntervalMs / level);
+        if (level == 4)
+            SetInterval(turretClock, LevelFourTurretIntervalMs);
+    } else if (level >= 5) {
+        // From here the spacing shrinks with the inverse square root of the level.
+        turretClock.accumulated = LevelOneEnemyIntervalMs;
+        SetInterval(mineClock, std::sqrt(8.0 * (level - 2)) * MineIntervalScale / (level - 2));
+        SetInterval(turretClock, std::sqrt(10.0 * level) * TurretIntervalScale / level);
+    }
+}
+
+void CWorld::SpawnAsteroids(std::int32_t count)
+{
+    for (std::int32_t i = 0; i < count; ++i) {
+        const auto k = static_cast<std::int32_t>(TheApp().Draw(10));
+        auto* asteroid = new CBody;
+        bool placed;
+        std::int16_t size;
+        if (k < 5) {
+            placed = PlaceAtEdge(*asteroid, 70, 180);
+            size = 1;
+        } else if (k < 8) {
+            placed = PlaceAtEdge(*asteroid, 40, 100);
+            size = 2;
+        } else {
+            placed = PlaceAtEdge(*asteroid, 20, 80);
+            size = 3;
+        }
+        asteroid->SetAsteroid(size);
+        AddOrDiscard(asteroid, placed, false);
+    }
+}
+
+void CWorld::SpawnMines(std::int32_t count)
+{
+    for (std::int32_t i = 0; i < count; ++i) {
+        const auto k = static_cast<std::int32_t>(TheApp().Draw(3));
+        auto* mine = new CBody;
+        const bool placed = PlaceAtEdge(*mine, 10, 20);
+        mine->SetTeam(TeamEnemy);
+        const bool heavy = k >= 2;
+        mine->SetMine(heavy ? 2 : 1);
+        FitKit(*mine, heavy ? mineKit2 : mineKit1);
+        // Whatever space the kit left free goes into the mine's punch.
+        mine->SetContactDamage(mine->GetSpaceLeft() / 8 + level * 5);
+        AddOrDiscard(mine, placed, true);
+    }
+}
+
+void CWorld::SpawnTurrets(std::int32_t count)
+{
+    for (std::int32_t i = 0; i < count; ++i) {
+        auto* turret = new CShip;
+        const bool placed = PlaceAtEdge(*turret, 10, 20);
+        turret->SetTurret(TeamEnemy);
+        FitKit(*turret, turretKit);
+        if (AddOrDiscard(turret, placed, true))
+            turret->ScaleEnergy(0.75f);
+    }
+}
+
+bool CWorld::AddOrDiscard(CGameObject* object, bool placed, bool isEnemy)
+{
+    if (!placed) {
+        delete object;
+        return false;
+    }
+    AddObject(object);
+    if (isEnemy)
+        ++enemiesLeft;
+    return true;
+}
+
+bool CWorld::PlaceAtEdge(CGameObject& object, std::int32_t leastSpeed, std::int32_t greatestSpeed)
+{
+    CGameApp& app = TheApp();
+    const std::int32_t width = app.screenWidth;
+    const std::int32_t height = app.screenHeight;
+    const std::int32_t r = object.GetRadius();
+    const auto sx = static_cast<float>(app.Draw(greatestSpeed));
+    const auto sy = static_cast<float>(app.Draw(greatestSpeed));
+    const float a = static_cast<float>(leastSpeed);
+    const float drift = static_cast<float>(greatestSpeed / 2);
+    for (std::int32_t attempt = 0; attempt < PlacementAttempts; ++attempt) {
+        CVector candidate;
+        switch (app.Rand() % 4) {
+        case 0: candidate.Set(AlongEdge(width), 1 - r, sx - drift, std::max(sy, a)); break;
+        case 1: candidate.Set(AlongEdge(width), r + height - 1, sx - drift, std::min(-sy, -a)); break;
+        case 2: candidate.Set(1 - r, AlongEdge(height), std::max(sx, a), sy - drift); break;
+        default: candidate.Set(r + width - 1, AlongEdge(height), std::min(-sx, -a), sy - drift); break;
+        }
+        object.SetVector(candidate);
+        if (!Overlaps(object))
+            return true;
+    }
+    return false;
+}
+
+void CWorld::FitKit(CBody& body, const std::vector<CComponent*>& kit)
+{
+    for (CComponent* component : kit)
+        body.AddComponent(component);
+}

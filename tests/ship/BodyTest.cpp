@@ -1,0 +1,236 @@
+#include "support/TestApp.h"
+#include "support/WorldObjects.h"
+#include "world/Powerup.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using namespace qvtest;
+
+constexpr double Pi = 3.14159265358979;
+
+struct Bodies : ::testing::Test {
+    TestApp t;
+    CWorld& world = t->world;
+
+    OpenBody* Asteroid(std::int16_t size, std::int32_t x = 300, std::int32_t y = 300)
+    {
+        auto* rock = new OpenBody;
+        rock->SetVector(At(x, y));
+        rock->SetAsteroid(size);
+        world.AddObject(rock);
+        return rock;
+    }
+
+    OpenBody* Mine(std::int16_t kind, std::int32_t x, std::int32_t y)
+    {
+        auto* mine = new OpenBody;
+        mine->SetVector(At(x, y));
+        mine->SetMine(kind);
+        world.AddObject(mine);
+        return mine;
+    }
+
+    // Objects in the world that are asteroids of the given radius, not counting one.
+    std::int32_t Asteroids(std::int32_t radius, const CGameObject* except = nullptr)
+    {
+        std::int32_t n = 0;
+        for (CLinkedItem* node = world.GetMasterList().GetHead(); node; node = node->GetNext()) {
+            CGameObject* o = node->GetData();
+            if (o != except && o->GetType() == ObjectBody &&
+                static_cast<CBody*>(o)->GetBodyKind() == BodyAsteroid && o->GetRadius() == radius)
+                ++n;
+        }
+        return n;
+    }
+};
+
+TEST_F(Bodies, AsteroidsExplodeOnlyBelowOneHullPoint)
+{
+    OpenBody* rock = Asteroid(1);
+    rock->OnHit(74, nullptr);
+    EXPECT_TRUE(rock->IsAlive());
+    EXPECT_EQ(rock->GetHull(), 1);
+    rock->OnHit(1, nullptr);
+    EXPECT_FALSE(rock->IsAlive());
+    EXPECT_FALSE(rock->IsCollidable());
+    EXPECT_FALSE(rock->Update(0)); // gone at its next update
+}
+
+TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
+{
+    struct Case {
+        std::int16_t size;
+        std::int32_t childRadius, children, debris;
+    };
+    for (const Case c : {Case{1, 7, 0, 6}, Case{2, 7, 3, 13}, Case{3, 10, 3, 27}}) {
+        world.Clear();
+        OpenBody* rock = Asteroid(c.size);
+        rock->Explode();
+        rock->Explode(); // a second explosion adds nothing
+        EXPECT_EQ(Asteroids(c.childRadius, rock), c.children) << c.size;
+        EXPECT_EQ(CountObjects(world, ObjectProjectile), c.debris) << c.size;
+    }
+}
+
+TEST_F(Bodies, FragmentsLeaveAThirdOfATurnApartFromTheFacing)
+{
+    OpenBody* rock = Asteroid(3);
+    rock->vector.Set(300, 300, 40.0f, 0.0f);
+    rock->facing = Pi / 2;
+    rock->Explode();
+    std::vector<CGameObject*> fragments;
+    for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
+        if (n->GetData() != rock && n->GetData()->GetType() == ObjectBody)
+            fragments.push_back(n->GetData());
+    ASSERT_EQ(fragments.size(), 3u);
+    const double angles[] = {Pi / 2, Pi / 2 - 2 * Pi / 3, Pi / 2 - 4 * Pi / 3};
+    for (int i = 0; i < 3; ++i) {
+        const CVector v = fragments[static_cast<std::size_t>(i)]->GetVector();
+        const double dx = std::sin(angles[i]);
+        const double dy = -std::cos(angles[i]);
+        EXPECT_NEAR(v.GetXPos(), 300 + 10 * dx, 1e-3); // radius 13 less 3
+        EXPECT_NEAR(v.GetYPos(), 300 + 10 * dy, 1e-3);
+        // The parent's motion plus 20..101 outward.
+        const double outward = (v.GetXSpeed() - 40.0) * dx + v.GetYSpeed() * dy;
+        EXPECT_GE(outward, 19.99);
+        EXPECT_LE(outward, 101.01);
+        EXPECT_NEAR((v.GetXSpeed() - 40.0) * dy - v.GetYSpeed() * dx, 0.0, 1e-3);
+    }
+}
+
+TEST_F(Bodies, OnlySplittingAsteroidsLeavePowerups)
+{
+    int powerups = 0;
+    constexpr int Trials = 1000;
+    for (int i = 0; i < Trials; ++i) {
+        world.Clear();
+        Asteroid(2)->Explode();
+        powerups += CountObjects(world, ObjectPowerup);
+    }
+    EXPECT_GT(powerups, Trials * 10 / 100);
+    EXPECT_LT(powerups, Trials * 20 / 100);
+
+    for (int i = 0; i < 200; ++i) {
+        world.Clear();
+        Asteroid(1)->Explode();
+        Mine(2, 300, 300)->Explode();
+        ASSERT_EQ(CountObjects(world, ObjectPowerup), 0);
+    }
+}
+
+TEST_F(Bodies, MinesAndShipsShowAnExplosionBeforeTheyGo)
+{
+    OpenBody* mine = Mine(1, 300, 300);
+    const std::size_t looks = t->liveSprites.size();
+    mine->Explode(); // mass 0.3: two pieces of debris
+    EXPECT_NE(mine->GetSprite(), nullptr);
+    EXPECT_EQ(t->liveSprites.size(), looks + 2);
+    EXPECT_EQ(mine->GetLifetime(), CBody::ExplosionMs);
+    EXPECT_EQ(mine->GetAge(), 0);
+    EXPECT_TRUE(mine->Update(875));
+    EXPECT_FALSE(mine->Update(1));
+}
+
+TEST_F(Bodies, ADestroyedBodyHandsOnItsContactDamage)
+{
+    OpenBody* rock = Asteroid(1);
+    OpenObject shooter(0, 0);
+    shooter.team = TeamPlayer;
+    shooter.diesOnHit = false;
+    rock->OnHit(100, &shooter);
+    EXPECT_EQ(shooter.hits, 1);
+    EXPECT_EQ(shooter.lastDamage, 0);
+    EXPECT_EQ(shooter.lastOther, nullptr);
+}
+
+TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
+{
+    world.NewGame(1);
+    CShip& player = *world.GetPlayer();
+    OpenBody* mine = Mine(2, 100, 100);
+    mine->SetContactDamage(40);
+    mine->OnHit(5, &player);
+    EXPECT_FALSE(mine->IsAlive());
+    EXPECT_EQ(player.GetHull(), 60);
+
+    OpenBody* calm = Mine(2, 200, 100);
+    calm->SetContactDamage(40);
+    auto* turret = new CShip;
+    turret->SetTurret(TeamEnemy);
+    world.AddObject(turret);
+    calm->OnHit(5, turret);
+    EXPECT_TRUE(calm->IsAlive());
+    OpenBody* rockHit = Mine(2, 300, 100);
+    rockHit->SetContactDamage(40);
+    OpenBody* rock = Asteroid(1, 500, 500);
+    rockHit->OnHit(5, rock);
+    EXPECT_TRUE(rockHit->IsAlive());
+    EXPECT_EQ(turret->GetHull(), 100);
+}
+
+TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
+{
+    world.NewGame(1); // the player's ship at (512, 384)
+    OpenBody* far = Mine(1, 512 + 300, 384);
+    OpenBody* near = Mine(1, 512 + 299, 384);
+    far->Act();
+    near->Act();
+    EXPECT_EQ(far->GetAiMode(), AiWander);
+    EXPECT_EQ(near->GetAiMode(), AiChase);
+    // The chaser heads for the (resting) ship: straight left.
+    EXPECT_NEAR(near->GetAiHeading(), 3 * Pi / 2, 1e-3);
+    EXPECT_NEAR(far->GetAiHeading(),
+                CVector::HeadingOf(static_cast<float>(far->GetTargetX() - far->GetX()),
+                                   static_cast<float>(far->GetTargetY() - far->GetY())),
+                1e-9);
+}
+
+TEST_F(Bodies, AWanderingMineReconsidersItsTargetOnlyWhenItActs)
+{
+    OpenBody* mine = Mine(1, 300, 300);
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_GE(mine->GetTargetX(), 9);
+        EXPECT_LE(mine->GetTargetX(), 1024 - 9);
+        EXPECT_GE(mine->GetTargetY(), 9);
+        EXPECT_LE(mine->GetTargetY(), 768 - 9);
+        mine->wanderTimer = 5000;
+        mine->Act();
+    }
+    mine->targetX = 800;
+    mine->targetY = 600;
+    mine->wanderTimer = 4000;
+    mine->Act(); // neither near nor overdue
+    EXPECT_EQ(mine->GetTargetX(), 800);
+    mine->targetX = 300 + 26; // within three radii
+    mine->targetY = 300;
+    mine->Act();
+    EXPECT_NE(mine->GetTargetX() * 10000 + mine->GetTargetY(), 326 * 10000 + 300);
+    EXPECT_EQ(mine->wanderTimer, 0);
+}
+
+TEST_F(Bodies, MinesAskToActFiveTimesASecondAndThrustTowardTheirHeading)
+{
+    world.NewGame(1);
+    t->SetGameState(StatePlaying);
+    OpenBody* mine = Mine(1, 100, 100);
+    mine->thrust = 10.0f; // 10 / 0.3 px/s added every frame
+    mine->maxSpeed = 1000;
+    mine->aiHeading = Pi / 2; // to the right
+    mine->vector.Set(100, 100, 0.0f, 0.0f);
+    int thoughts = 0;
+    for (int i = 0; i < 13; ++i) {
+        const std::int32_t before = mine->thinkTimer;
+        world.Update(16.0);
+        if (mine->thinkTimer < before)
+            ++thoughts;
+    }
+    EXPECT_EQ(thoughts, 1); // once past 200 ms
+    EXPECT_NEAR(mine->vector.GetXSpeed(), 13 * 10.0f / 0.3f, 1.0);
+    EXPECT_NEAR(mine->vector.GetYSpeed(), 0.0f, 1e-3);
+}
+
+} // namespace

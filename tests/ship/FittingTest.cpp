@@ -1,0 +1,265 @@
+#include "support/Parts.h"
+#include "support/TestApp.h"
+#include "support/WorldObjects.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace qvtest;
+
+// The player's ship, fresh from its set-up: 10000 units of space.
+struct Fitting : ::testing::Test {
+    TestApp t;
+    OpenShip ship;
+
+    Fitting() { ship.SetPlayerShip(); }
+
+    std::vector<CComponent*> Listed()
+    {
+        std::vector<CComponent*> list;
+        ship.ListComponents(list);
+        return list;
+    }
+};
+
+TEST_F(Fitting, TheSpaceBudgetMustKeepOneUnitFree)
+{
+    ship.spaceLeft = 1000;
+    CJet tooBig = Jet(1000);
+    ship.AddComponent(&tooBig);
+    EXPECT_TRUE(Listed().empty());
+    CJet fits = Jet(999);
+    ship.AddComponent(&fits);
+    EXPECT_EQ(ship.GetSpaceLeft(), 1);
+    ASSERT_EQ(Listed().size(), 1u);
+
+    CEngine small = Engine(3000);
+    ship.spaceLeft = 4001;
+    ship.AddComponent(&small);
+    ASSERT_EQ(ship.GetSpaceLeft(), 1001);
+    CEngine bigger = Engine(4000);
+    ship.AddComponent(&bigger); // 1001 - 4000 + 3000 leaves 1
+    EXPECT_EQ(ship.GetSpaceLeft(), 1);
+    EXPECT_TRUE(Listed().front()->IsSameAs(bigger));
+    CEngine biggest = Engine(4001);
+    ship.AddComponent(&biggest);
+    EXPECT_TRUE(Listed().front()->IsSameAs(bigger));
+}
+
+TEST_F(Fitting, StackingKindsCountPiecesAndGiveThemBackOneAtATime)
+{
+    CJet jet = Jet(500);
+    ship.AddComponent(&jet);
+    ship.AddComponent(&jet);
+    ASSERT_EQ(Listed().size(), 1u);
+    EXPECT_EQ(Listed().front()->GetCount(), 2);
+    EXPECT_EQ(Listed().front()->GetDisplayName(), jet.GetName() + "(2)");
+    EXPECT_EQ(ship.GetSpaceLeft(), 9000);
+
+    EXPECT_FALSE(ship.RemoveComponent(jet));
+    EXPECT_EQ(Listed().front()->GetCount(), 1);
+    EXPECT_EQ(ship.GetSpaceLeft(), 9500);
+    EXPECT_TRUE(ship.RemoveComponent(jet));
+    EXPECT_TRUE(Listed().empty());
+    EXPECT_EQ(ship.GetSpaceLeft(), 10000);
+
+    EXPECT_TRUE(ship.RemoveComponent(jet)); // nothing fitted: nothing changes
+    EXPECT_EQ(ship.GetSpaceLeft(), 10000);
+}
+
+TEST_F(Fitting, AKitEntryOfSeveralSailsIsTakenWhole)
+{
+    CSubspaceSail sails = Sail(600);
+    sails.SetCount(5);
+    ship.AddComponent(&sails);
+    ASSERT_EQ(Listed().size(), 1u);
+    EXPECT_EQ(Listed().front()->GetCount(), 5);
+    EXPECT_EQ(ship.GetSpaceLeft(), 7000);
+}
+
+TEST_F(Fitting, ArmourStopsAtTenPiecesHoweverItIsSplit)
+{
+    CArmour six = Armour();
+    CArmour four = Armour();
+    for (int i = 0; i < 6; ++i)
+        ship.AddComponent(&six);
+    for (int i = 0; i < 4; ++i)
+        ship.AddComponent(&four);
+    CArmour more = Armour();
+    ship.AddComponent(&more);
+    ship.AddComponent(&six);
+    ASSERT_EQ(Listed().size(), 2u);
+    EXPECT_EQ(Listed()[0]->GetCount() + Listed()[1]->GetCount(), 10);
+    EXPECT_EQ(ship.GetSpaceLeft(), 10000);
+
+    OpenShip other;
+    other.SetPlayerShip();
+    std::vector<CArmour> singles;
+    for (int i = 0; i < 11; ++i)
+        singles.push_back(Armour());
+    for (CArmour& a : singles)
+        other.AddComponent(&a);
+    std::vector<CComponent*> list;
+    other.ListComponents(list);
+    EXPECT_EQ(list.size(), 10u);
+}
+
+TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
+{
+    CLaser laser = Laser({});
+    for (int i = 0; i < 4; ++i)
+        ship.AddComponent(&laser); // the same offered laser, up to three times
+    ASSERT_EQ(ship.GetLasers().size(), 3u);
+    EXPECT_EQ(ship.GetLasers()[0].GetFireKey(), 'F');
+    EXPECT_EQ(ship.GetLasers()[1].GetFireKey(), 'D');
+    EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'S');
+    EXPECT_EQ(ship.GetSpaceLeft(), 9700);
+
+    ship.RemoveComponent(laser); // the first matching entry goes
+    ASSERT_EQ(ship.GetLasers().size(), 2u);
+    EXPECT_EQ(ship.GetLasers()[0].GetFireKey(), 'D');
+    CLaser another = Laser({});
+    ship.AddComponent(&another);
+    EXPECT_EQ(another.GetFireKey(), 'F'); // the handed laser itself is given the key
+    EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'F');
+}
+
+TEST_F(Fitting, KeysTheDesignScreenChangedAreRespected)
+{
+    CLaser a = Laser({});
+    CLaser b = Laser({});
+    ship.AddComponent(&a);
+    ship.AddComponent(&b);
+    auto lasers = Listed();
+    static_cast<CLaser*>(lasers[0])->SetFireKey('A');
+    static_cast<CLaser*>(lasers[1])->SetFireKey('G');
+    CLaser c = Laser({});
+    ship.AddComponent(&c);
+    EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'F');
+
+    OpenShip full;
+    full.SetPlayerShip();
+    CLaser l1 = Laser({}), l2 = Laser({}), l3 = Laser({});
+    full.AddComponent(&l1);
+    full.AddComponent(&l2);
+    std::vector<CComponent*> list;
+    full.ListComponents(list);
+    static_cast<CLaser*>(list[0])->SetFireKey('S');
+    static_cast<CLaser*>(list[1])->SetFireKey('A');
+    full.RemoveComponent(l1);
+    CLaser l4 = Laser({});
+    full.AddComponent(&l3);
+    full.AddComponent(&l4);
+    EXPECT_EQ(full.GetLasers()[1].GetFireKey(), 'F');
+    EXPECT_EQ(full.GetLasers()[2].GetFireKey(), 'D');
+}
+
+TEST_F(Fitting, EnergySystemsFillUpWhenFittedAndLeaveTheEnergyWhenRemoved)
+{
+    CEnergySystem plant = Plant(300);
+    ship.AddComponent(&plant);
+    EXPECT_EQ(ship.GetEnergy(), 300);
+    EXPECT_EQ(ship.GetEnergyMax(), 300);
+    ship.energy = 120.0f;
+    ship.RemoveComponent(plant);
+    EXPECT_EQ(ship.GetEnergy(), 120);
+    EXPECT_EQ(ship.GetEnergyMax(), 0);
+    EXPECT_EQ(ship.GetSpaceLeft(), 10000);
+}
+
+TEST_F(Fitting, ListsFittedComponentsInSlotOrderAndSkipsEmptySlots)
+{
+    EXPECT_TRUE(Listed().empty());
+    CShield shield = Shield(20, 1.5f);
+    CLaser laser = Laser({});
+    CEnergySystem plant = Plant(100);
+    CArmour armour = Armour();
+    CSubspaceSail sail = Sail(100);
+    CJet jet = Jet(100);
+    CEngine engine = Engine(100);
+    for (CComponent* c : std::initializer_list<CComponent*>{&shield, &laser, &plant, &armour, &sail, &jet, &engine})
+        ship.AddComponent(c);
+    const auto list = Listed();
+    ASSERT_EQ(list.size(), 7u);
+    const std::int32_t kinds[] = {KindEngine, KindJet, KindSubspaceSail, KindArmour, KindEnergySystem, KindLaser,
+                                  KindShield};
+    for (std::size_t i = 0; i < 7; ++i)
+        EXPECT_EQ(list[i]->GetKind(), kinds[i]);
+
+    // An engine, energy system or shield slot empties whatever serial number is asked for.
+    ship.RemoveComponent(CEngine());
+    ship.RemoveComponent(CShield());
+    EXPECT_EQ(Listed().size(), 5u);
+}
+
+TEST_F(Fitting, MassAndHullFollowTheArmourStack)
+{
+    CEngine engine = Engine(1000, 50);
+    ship.AddComponent(&engine);
+    CArmour heavy = Armour(20, 30);
+    CArmour light = Armour(10, 40);
+    ship.AddComponent(&heavy);
+    ship.AddComponent(&heavy);
+    ship.AddComponent(&light);
+    // 1.0 + 0.5 engine + 2 x 0.2 x 1.1 + 1 x 0.1 x 1.1
+    EXPECT_NEAR(ship.GetMass(), 2.05f, 1e-5);
+    EXPECT_EQ(ship.GetHullMax(), 200);
+    EXPECT_EQ(ship.GetHull(), 200);
+    EXPECT_EQ(ship.GetDisplayMass(), 205);
+    EXPECT_FLOAT_EQ(ship.GetThrust(), 1.0f);
+    EXPECT_EQ(ship.GetDisplayThrust(), 48);
+
+    ship.hull = 3.0f;
+    CJet jet = Jet(100);
+    ship.AddComponent(&jet); // every refit repairs the body
+    EXPECT_EQ(ship.GetHull(), 200);
+}
+
+TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
+{
+    CEngine engine = Engine(1000, 0, 500);
+    ship.AddComponent(&engine);
+    EXPECT_EQ(ship.GetMaxSpeed(), 50); // no sails, whatever the engine
+
+    struct Case {
+        std::int32_t sailSpeed, topSpeed;
+    };
+    for (const Case c : {Case{10, 75}, Case{30, 87}, Case{150, 149}}) {
+        OpenShip s;
+        s.SetPlayerShip();
+        CSubspaceSail sail = Sail(100, 0, c.sailSpeed);
+        s.AddComponent(&sail);
+        EXPECT_EQ(s.GetMaxSpeed(), c.topSpeed) << c.sailSpeed;
+    }
+
+    EXPECT_EQ(ship.GetTurnRate(), 0.0); // no jets: cannot turn
+    CJet ten = Jet(100, 0, 10);
+    ship.AddComponent(&ten);
+    EXPECT_NEAR(ship.GetTurnRate(), 0.000742, 1e-6);
+    CJet ninety = Jet(100, 0, 45);
+    ship.AddComponent(&ninety);
+    ship.AddComponent(&ninety);
+    EXPECT_NEAR(ship.GetTurnRate(), 0.00525, 1e-5);
+    EXPECT_EQ(ship.GetDisplayTurnSpeed(), static_cast<std::int32_t>(ship.GetTurnRate() * 10000 / ship.GetMass()));
+}
+
+TEST_F(Fitting, MinesCarryOnlyWhatABodyCarries)
+{
+    CBody mine;
+    mine.SetMine(1);
+    CLaser laser = Laser({});
+    CEnergySystem plant = Plant(100);
+    CSubspaceSail sail = Sail(1000);
+    mine.AddComponent(&laser);
+    mine.AddComponent(&plant);
+    mine.AddComponent(&sail);
+    std::vector<CComponent*> list;
+    mine.ListComponents(list);
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0]->GetKind(), KindSubspaceSail);
+    EXPECT_EQ(mine.GetSpaceLeft(), 4000);
+    EXPECT_EQ(mine.GetHull(), 50); // a refit repairs to the mine's own hull
+}
+
+} // namespace

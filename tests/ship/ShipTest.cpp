@@ -1,0 +1,280 @@
+#include "support/Parts.h"
+#include "support/TestApp.h"
+#include "support/WorldObjects.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using namespace qvtest;
+
+constexpr double Pi = 3.14159265358979;
+constexpr UINT KeyLeft = 37, KeyUp = 38, KeyRight = 39;
+
+// A game whose player's ship the test builds itself.
+struct Ships : ::testing::Test {
+    TestApp t;
+    CWorld& world = t->world;
+    OpenShip* player = nullptr;
+
+    Ships()
+    {
+        world.NewGame(1);
+        world.Clear();
+        player = new OpenShip;
+        player->SetPlayerShip();
+        world.AdoptPlayer(player);
+    }
+
+    static CLaser::Values Shots(std::int32_t energyUse, std::int32_t delay = 400, std::int32_t pattern = 0)
+    {
+        return {.speed = 300, .containment = 1000, .shots = 1, .damage = 10, .delay = delay,
+                .energyUse = energyUse, .pattern = pattern};
+    }
+
+    OpenShip* Turret(std::int32_t x, std::int32_t y)
+    {
+        auto* ship = new OpenShip;
+        ship->vector = At(x, y);
+        ship->SetTurret(TeamEnemy);
+        world.AddObject(ship);
+        return ship;
+    }
+
+    // Runs the ship's part of a frame as the world would: update, then act if it asked to.
+    bool Frame(OpenShip& ship, std::int32_t ms)
+    {
+        world.StepObjects(ms);
+        return std::find(world.GetLabelList().begin(), world.GetLabelList().end(), &ship) !=
+               world.GetLabelList().end();
+    }
+};
+
+TEST_F(Ships, ALaserNeedsMoreEnergyThanItUses)
+{
+    CLaser laser = Laser(Shots(20));
+    player->AddComponent(&laser);
+    player->energy = 20.0f;
+    player->Fire(0);
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 0);
+    player->energy = 20.5f;
+    player->Fire(0);
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 0.5f);
+    EXPECT_EQ(player->GetLasers()[0].GetCooldown(), 400);
+    EXPECT_FLOAT_EQ(player->GetFireTimer(), 100.0f);
+    player->energy = 100.0f;
+    player->Fire(0); // still cooling down
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
+}
+
+TEST_F(Ships, LasersOnOneKeyTakeTurns)
+{
+    CLaser first = Laser(Shots(1));
+    CLaser second = Laser(Shots(1));
+    player->AddComponent(&first);
+    player->AddComponent(&second);
+    std::vector<CComponent*> fitted;
+    player->ListComponents(fitted);
+    static_cast<CLaser*>(fitted[1])->SetFireKey('F'); // as the design screen would
+    player->energy = 1000.0f;
+    player->PlayerKey('F', true);
+
+    std::vector<std::pair<int, int>> firings; // (time, volleys so far)
+    int volleys = 0;
+    for (int ms = 16; ms <= 900; ms += 16) {
+        const int before = CountObjects(world, ObjectProjectile);
+        world.StepObjects(16);
+        if (CountObjects(world, ObjectProjectile) > before)
+            firings.push_back({ms, ++volleys});
+    }
+    // Laser 0 at once, laser 1 about 100 ms later, laser 0 again once its 400 ms have passed.
+    ASSERT_GE(firings.size(), 3u);
+    EXPECT_EQ(firings[0].first, 16);
+    EXPECT_EQ(firings[1].first, 128);
+    EXPECT_EQ(firings[2].first, 416);
+}
+
+TEST_F(Ships, ShieldsTradeEnergyForDamage)
+{
+    CShield shield = Shield(24, 1.5f);
+    player->AddComponent(&shield);
+    player->energy = 100.0f;
+    player->OnHit(30, nullptr);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 64.0f);
+    EXPECT_EQ(player->GetHull(), 94);
+
+    player->energy = 10.0f;
+    player->hull = 100.0f;
+    player->OnHit(30, nullptr);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 1.0f);
+    EXPECT_EQ(player->GetHull(), 76);
+
+    player->energy = 50.0f;
+    player->OnHit(0, nullptr);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 50.0f);
+    EXPECT_EQ(player->GetHull(), 76);
+}
+
+TEST_F(Ships, ArrowKeysSteerAndOtherKeysAreHeld)
+{
+    player->PlayerKey(KeyLeft, true);
+    player->PlayerKey(KeyRight, true);
+    player->PlayerKey(KeyLeft, false);
+    EXPECT_EQ(player->GetTurnInput(), 1);
+    player->PlayerKey(KeyUp, true);
+    EXPECT_EQ(player->GetThrustInput(), 1);
+    player->PlayerKey('F', true);
+    player->PlayerKey('F', true);
+    player->PlayerKey('D', true);
+    EXPECT_EQ(player->GetHeldKeys(), (std::vector<std::uint8_t>{'F', 'D'}));
+    player->PlayerKey('F', false);
+    EXPECT_EQ(player->GetHeldKeys(), (std::vector<std::uint8_t>{'D'}));
+    player->ClearControls();
+    EXPECT_EQ(player->GetTurnInput(), 0);
+    EXPECT_EQ(player->GetThrustInput(), 0);
+    EXPECT_TRUE(player->GetHeldKeys().empty());
+}
+
+TEST_F(Ships, KeyboardFlightTurnsWithTimeAndThrustsAlongTheFacing)
+{
+    CEngine engine = Engine(1000, 0, 1000); // thrust 10
+    CJet jet = Jet(100, 0, 10);
+    CSubspaceSail sail = Sail(100, 0, 150); // top speed 149
+    for (CComponent* c : std::initializer_list<CComponent*>{&engine, &jet, &sail})
+        player->AddComponent(c);
+    player->PlayerKey(KeyRight, true);
+    player->Update(100);
+    EXPECT_NEAR(player->facing, player->GetTurnRate() * 100 / player->GetMass(), 1e-9);
+    player->PlayerKey(KeyRight, false);
+    player->facing = Pi / 2;
+    player->PlayerKey(KeyUp, true);
+    for (int i = 0; i < 5; ++i)
+        player->Update(16);
+    EXPECT_NEAR(player->vector.GetXSpeed(), 50.0f, 1e-3); // 10 a frame, whatever its length
+    for (int i = 0; i < 50; ++i)
+        player->Update(16);
+    EXPECT_NEAR(player->vector.GetXSpeed(), 149.0f, 1e-2);
+}
+
+TEST_F(Ships, EnergyRechargesTowardItsStorageAndRefillTopsUp)
+{
+    CEnergySystem plant = Plant(150, 50);
+    player->AddComponent(&plant);
+    player->energy = 100.0f;
+    player->Update(500);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 110.0f);
+    player->Update(5000);
+    EXPECT_EQ(player->GetEnergy(), 150);
+    player->energy = 100.0f;
+    player->AddEnergy(200);
+    EXPECT_EQ(player->GetEnergy(), 150);
+    player->ScaleEnergy(0.75f);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 112.5f);
+    player->hull = 2.0f;
+    player->Refill();
+    EXPECT_EQ(player->GetEnergy(), 150);
+    EXPECT_EQ(player->GetHull(), 100);
+}
+
+TEST_F(Ships, ShieldedShipsAreLabelled)
+{
+    EXPECT_FALSE(Frame(*player, 16));
+    CShield shield = Shield(10, 1.5f);
+    player->AddComponent(&shield);
+    EXPECT_TRUE(Frame(*player, 16));
+}
+
+TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
+{
+    CLaser laser = Laser(Shots(5, 400, CLaser::Parallel));
+    CEnergySystem plant = Plant(100);
+    OpenShip* near = Turret(512 + 299, 384);
+    OpenShip* far = Turret(512 + 300, 384);
+    for (OpenShip* s : {near, far}) {
+        s->AddComponent(&laser);
+        s->AddComponent(&plant);
+        s->energy = 50.0f; // not full
+        s->thinkTimer = 1000;
+    }
+    world.StepObjects(0);
+    EXPECT_EQ(near->GetAiMode(), AiAttack);
+    EXPECT_EQ(far->GetAiMode(), AiWander);
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1); // only the attacker fires
+    // It keeps away from where the player is heading: here, straight away from the ship.
+    EXPECT_NEAR(near->GetAiHeading(), Pi / 2, 1e-3);
+    // Aimed at the player to its left: facing 3 pi / 2.
+    EXPECT_NEAR(near->facing, 3 * Pi / 2, 1e-3);
+
+    far->energy = 100.0f; // a wanderer fires only with full energy
+    far->thinkTimer = 1000;
+    world.StepObjects(0);
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 2);
+}
+
+TEST_F(Ships, AnEnemyWhollyOffTheScreenNeverFires)
+{
+    CLaser laser = Laser(Shots(5));
+    CEnergySystem plant = Plant(100);
+    OpenShip* away = Turret(-14, 384); // radius 13
+    away->AddComponent(&laser);
+    away->AddComponent(&plant);
+    for (int i = 0; i < 30; ++i)
+        world.StepObjects(16);
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 0);
+    away->vector = At(-12, 384);
+    away->thinkTimer = 1000;
+    world.StepObjects(0);
+    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
+}
+
+TEST_F(Ships, AScriptedPlayerTurnsFiresAndBreaksAnAsteroid)
+{
+    // Engine, two jets, an energy system and one Parallel laser strong enough for a medium asteroid.
+    CEngine engine = Engine(3000, 40, 1000);
+    CJet jet = Jet(500, 2, 50);
+    CEnergySystem plant = Plant(300, 60);
+    CLaser laser = Laser({.speed = 300, .containment = 2000, .shots = 1, .damage = 400, .delay = 300,
+                          .energyUse = 10, .pattern = CLaser::Parallel});
+    for (CComponent* c : std::initializer_list<CComponent*>{&engine, &jet, &jet, &plant, &laser})
+        player->AddComponent(c);
+    auto* rock = new CBody;
+    rock->SetVector(At(512 + 160, 384 - 40));
+    rock->SetAsteroid(2);
+    world.AddObject(rock);
+    const double bearing = std::atan2(160.0, 40.0); // as a facing: clockwise from up
+
+    int frames = 0;
+    t->SetGameState(StatePlaying); // keys reach the ship only in play
+    t->OnKey(KeyRight, true);
+    while (player->facing < bearing && frames < 200) {
+        t->world.StepObjects(16);
+        ++frames;
+    }
+    t->OnKey(KeyRight, false);
+    ASSERT_LT(frames, 200) << "the ship never came round";
+    EXPECT_NEAR(player->facing, bearing, 0.1);
+
+    t->OnKey('F', true);
+    t->world.StepObjects(16);
+    t->OnKey('F', false);
+    ASSERT_EQ(CountObjects(world, ObjectProjectile), 1);
+
+    std::int32_t fragments = 0;
+    for (int i = 0; i < 90 && fragments == 0; ++i) {
+        t->world.StepObjects(16);
+        for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
+            if (n->GetData()->GetType() == ObjectBody && n->GetData()->GetRadius() == 7)
+                ++fragments;
+    }
+    EXPECT_EQ(fragments, 3);
+    std::int32_t debris = 0; // the spent shot is still in the list, dead
+    for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
+        if (n->GetData()->GetType() == ObjectProjectile && n->GetData()->IsAlive())
+            ++debris;
+    EXPECT_EQ(debris, 13); // the medium asteroid's shrapnel
+}
+
+} // namespace

@@ -1,0 +1,124 @@
+#pragma once
+#include "app/GameApp.h"
+#include "ship/Ship.h"
+#include "world/GameObject.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace qvtest {
+
+// A plain game object whose fields a test may set directly. It can record
+// its hits and, when asked, survive them.
+struct OpenObject : CGameObject {
+    using CGameObject::age;
+    using CGameObject::alive;
+    using CGameObject::boundsMode;
+    using CGameObject::collidable;
+    using CGameObject::contactDamage;
+    using CGameObject::facing;
+    using CGameObject::hitThisFrame;
+    using CGameObject::lifetime;
+    using CGameObject::mass;
+    using CGameObject::radius;
+    using CGameObject::team;
+    using CGameObject::type;
+    using CGameObject::vector;
+
+    OpenObject(std::int32_t x, std::int32_t y, float xSpeed = 0.0f, float ySpeed = 0.0f, std::int32_t r = 1)
+    {
+        vector.Set(x, y, xSpeed, ySpeed);
+        radius = r;
+    }
+
+    bool Update(std::int32_t elapsedMs) override
+    {
+        ++updates;
+        if (onUpdate)
+            onUpdate();
+        return CGameObject::Update(elapsedMs);
+    }
+
+    void OnHit(std::int32_t damage, CGameObject* other) override
+    {
+        ++hits;
+        lastDamage = damage;
+        lastOther = other;
+        if (diesOnHit)
+            CGameObject::OnHit(damage, other);
+    }
+
+    void Act() override
+    {
+        ++acts;
+        if (onAct)
+            onAct();
+    }
+
+    int updates = 0;
+    int hits = 0;
+    int acts = 0;
+    std::int32_t lastDamage = -1;
+    CGameObject* lastOther = nullptr;
+    bool diesOnHit = true;
+    std::function<void()> onUpdate;
+    std::function<void()> onAct;
+};
+
+// A body with its fields open to the test.
+struct OpenBody : CBody {
+    using CBody::aiHeading;
+    using CBody::aiMode;
+    using CBody::facing;
+    using CBody::hull;
+    using CBody::lifetime;
+    using CBody::mass;
+    using CBody::maxSpeed;
+    using CBody::targetX;
+    using CBody::targetY;
+    using CBody::thinkTimer;
+    using CBody::thrust;
+    using CBody::vector;
+    using CBody::wanderTimer;
+};
+
+// A ship with its fields open to the test.
+struct OpenShip : CShip {
+    using CShip::aiHeading;
+    using CShip::aiMode;
+    using CShip::energy;
+    using CShip::energyMax;
+    using CShip::energyRecharge;
+    using CShip::facing;
+    using CShip::fireTimer;
+    using CShip::hull;
+    using CShip::mass;
+    using CShip::radius;
+    using CShip::spaceLeft;
+    using CShip::team;
+    using CShip::thinkTimer;
+    using CShip::thrust;
+    using CShip::turnRate;
+    using CShip::vector;
+    using CShip::wanderTimer;
+};
+
+// Sets a vector in one call.
+inline CVector At(std::int32_t x, std::int32_t y, float xSpeed = 0.0f, float ySpeed = 0.0f)
+{
+    CVector v;
+    v.Set(x, y, xSpeed, ySpeed);
+    return v;
+}
+
+// Counts the objects in the world's master list.
+inline std::int32_t CountObjects(const CWorld& world, std::int32_t type)
+{
+    std::int32_t n = 0;
+    for (CLinkedItem* node = world.GetMasterList().GetHead(); node; node = node->GetNext())
+        if (node->GetData()->GetType() == type)
+            ++n;
+    return n;
+}
+
+} // namespace qvtest

@@ -1,0 +1,163 @@
+#include "display/SpriteInstance.h"
+#include "support/TestApp.h"
+#include "support/WorldObjects.h"
+#include "world/Powerup.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using qvtest::OpenObject;
+using qvtest::TestApp;
+
+// Objects that register in their bands, then one collision pass over them, as
+// the world runs it after every object has moved.
+struct Collisions : ::testing::Test {
+    TestApp t;
+
+    OpenObject* Make(std::int32_t x, std::int32_t y, float xs, float ys, std::int32_t r, float m = 1.0f)
+    {
+        auto* o = new OpenObject(x, y, xs, ys, r);
+        o->mass = m;
+        o->diesOnHit = false;
+        t->world.AddObject(o);
+        return o;
+    }
+
+    void Pass()
+    {
+        for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext())
+            n->GetData()->Update(0);
+        for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext())
+            n->GetData()->CollisionPass();
+    }
+};
+
+TEST_F(Collisions, CirclesTouchBelowTheSumOfTheRadiiOnly)
+{
+    OpenObject* a = Make(300, 300, 0, 0, 10);
+    OpenObject* b = Make(319, 300, 0, 0, 10);
+    OpenObject* c = Make(600, 300, 0, 0, 10);
+    OpenObject* d = Make(620, 300, 0, 0, 10);
+    Pass();
+    EXPECT_EQ(a->hits, 1);
+    EXPECT_EQ(b->hits, 1);
+    EXPECT_EQ(c->hits, 0);
+    EXPECT_EQ(d->hits, 0);
+
+    // The axis distances pass but the corner of the square does not.
+    OpenObject* e = Make(800, 600, 0, 0, 10);
+    OpenObject* f = Make(815, 615, 0, 0, 10);
+    Pass();
+    EXPECT_EQ(e->hits + f->hits, 0);
+}
+
+TEST_F(Collisions, BigObjectsAreFoundAcrossTheSweep)
+{
+    // 60 pixels apart: beyond 51 + a small radius, within 51 + 40.
+    OpenObject* big = Make(300, 300, 0, 0, 40);
+    OpenObject* other = Make(360, 300, 0, 0, 25);
+    OpenObject* between = Make(340, 300, 0, 0, 1);
+    Pass();
+    EXPECT_EQ(big->hits, 2);
+    EXPECT_EQ(other->hits, 2);
+    EXPECT_EQ(between->hits, 2);
+}
+
+TEST_F(Collisions, HeadOnEqualMassesSwapTheirMotionAndSplitTheImpact)
+{
+    // Moving diagonally so that neither heading is bent by a zero difference.
+    OpenObject* a = Make(300, 300, 100.0f, 100.0f, 10);
+    OpenObject* b = Make(310, 310, -100.0f, -100.0f, 10);
+    Pass();
+    const double impact = 2 * 100.0 * std::sqrt(2.0);
+    EXPECT_EQ(a->lastDamage, static_cast<std::int32_t>(impact) / 2);
+    EXPECT_EQ(b->lastDamage, a->lastDamage);
+    EXPECT_NEAR(a->vector.GetXSpeed(), -100.0f, 0.01);
+    EXPECT_NEAR(a->vector.GetYSpeed(), -100.0f, 0.01);
+    EXPECT_NEAR(b->vector.GetXSpeed(), 100.0f, 0.01);
+    EXPECT_NEAR(b->vector.GetYSpeed(), 100.0f, 0.01);
+}
+
+TEST_F(Collisions, AnObjectAtRestAddsNothingToTheImpact)
+{
+    OpenObject* mover = Make(300, 300, 0.0f, 120.0f, 10);
+    OpenObject* rock = Make(300, 315, 0.0f, 0.0f, 10);
+    EXPECT_EQ(mover->ResolveCollision(*rock), 119); // 120 bent by a hair off the line of centres
+    EXPECT_EQ(mover->ResolveCollision(*rock), -1);  // once per pair and frame
+    EXPECT_NEAR(rock->vector.GetYSpeed(), 120.0f, 0.1);
+    EXPECT_NEAR(mover->vector.GetYSpeed(), 0.0f, 0.1);
+}
+
+TEST_F(Collisions, SeparatingObjectsStillHearOfTheHitWithNoDamage)
+{
+    OpenObject* a = Make(300, 300, -50.0f, 0.0f, 10);
+    OpenObject* b = Make(310, 300, 50.0f, 0.0f, 10);
+    Pass();
+    EXPECT_EQ(a->hits, 1);
+    EXPECT_EQ(b->hits, 1);
+    EXPECT_EQ(a->lastDamage, 0);
+    EXPECT_FLOAT_EQ(a->vector.GetXSpeed(), -50.0f);
+}
+
+TEST_F(Collisions, APairSharingTwoBandsMeetsOncePerFrame)
+{
+    // Both straddle the border of bands 1 and 2 (y = 152).
+    OpenObject* a = Make(300, 150, 0, 0, 10);
+    OpenObject* b = Make(305, 152, 0, 0, 10);
+    Pass();
+    ASSERT_NE(a->GetBand2(), -1);
+    ASSERT_NE(b->GetBand2(), -1);
+    EXPECT_EQ(a->hits, 1);
+    EXPECT_EQ(b->hits, 1);
+    Pass(); // a new frame: they meet again
+    EXPECT_EQ(a->hits, 2);
+}
+
+TEST_F(Collisions, ShotsOfOneSideCrossButMeetTheOtherSides)
+{
+    OpenObject* p1 = Make(300, 300, 0, 0, 2, 0.1f);
+    OpenObject* p2 = Make(301, 300, 0, 0, 2, 0.1f);
+    OpenObject* e1 = Make(600, 300, 0, 0, 2, 0.1f);
+    for (OpenObject* o : {p1, p2, e1})
+        o->type = ObjectProjectile;
+    p1->team = p2->team = TeamPlayer;
+    e1->team = TeamEnemy;
+    OpenObject* p3 = Make(601, 300, 0, 0, 2, 0.1f);
+    p3->type = ObjectProjectile;
+    p3->team = TeamPlayer;
+    Pass();
+    EXPECT_EQ(p1->hits + p2->hits, 0);
+    EXPECT_EQ(e1->hits, 1);
+    EXPECT_EQ(p3->hits, 1);
+}
+
+TEST_F(Collisions, PowerupsTouchOnlyThePlayersShip)
+{
+    t->world.NewGame(1); // the player's ship sits at (512, 384)
+    auto* gold = new CPowerup;
+    gold->SetVector(qvtest::At(512, 380));
+    t->world.AddObject(gold);
+    OpenObject* rock = Make(500, 380, 0, 0, 10);
+    Pass();
+    EXPECT_EQ(rock->hits, 1); // met the ship, passed through the gold
+    EXPECT_FALSE(gold->IsAlive());
+    EXPECT_EQ(t->world.GetPowerupsTaken(), 1);
+    Pass(); // no longer collidable: collected once
+    EXPECT_EQ(t->world.GetPowerupsTaken(), 1);
+}
+
+TEST_F(Collisions, CollisionPassKeepsEveryLookOnItsObject)
+{
+    OpenObject* ghost = Make(300, 300, 0, 0, 10);
+    ghost->collidable = false;
+    ghost->SetSprite("shrap");
+    ghost->vector.AddPos(25.0f, -5.0f);
+    Pass();
+    EXPECT_EQ(ghost->GetSprite()->GetX(), 325);
+    EXPECT_EQ(ghost->GetSprite()->GetY(), 295);
+}
+
+} // namespace
