@@ -5,6 +5,7 @@
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 
@@ -28,15 +29,6 @@ void AppendBigEndian(std::vector<std::uint8_t>& out, std::uint32_t value, int by
         out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-// MIDI's variable-length number: seven bits a byte, high bit set on all but the last.
-void AppendDelta(std::vector<std::uint8_t>& out, std::uint32_t value)
-{
-    std::vector<std::uint8_t> groups{static_cast<std::uint8_t>(value & 0x7F)};
-    while (value >>= 7)
-        groups.push_back(static_cast<std::uint8_t>(0x80 | (value & 0x7F)));
-    out.insert(out.end(), groups.rbegin(), groups.rend());
-}
-
 void WriteAll(const std::string& file, const std::vector<std::uint8_t>& bytes)
 {
     std::ofstream out(file, std::ios::binary);
@@ -52,20 +44,16 @@ void WriteWave(const std::string& file, std::uint32_t lengthMs)
 
 void WriteTune(const std::string& file, std::uint32_t noteMs)
 {
-    const std::uint32_t ticks = noteMs * TicksPerQuarter / MsPerQuarter;
-    std::vector<std::uint8_t> track;
-    Append(track, {0x00, 0xC0, 0x00}); // piano
-    for (std::uint8_t note : {60, 64, 67}) {
-        Append(track, {0x00, 0x90, note, 100});
-        AppendDelta(track, ticks);
-        Append(track, {0x80, note, 0});
-    }
+    // Note lengths go in MIDI's variable-length form, here always two bytes of seven bits.
+    const std::uint32_t ticks = std::min(noteMs * TicksPerQuarter / MsPerQuarter, 0x3FFFu);
+    const auto high = static_cast<std::uint8_t>(0x80 | (ticks >> 7));
+    const auto low = static_cast<std::uint8_t>(ticks & 0x7F);
+    std::vector<std::uint8_t> track{0x00, 0xC0, 0x00}; // piano
+    for (std::uint8_t note : {60, 64, 67})
+        Append(track, {0x00, 0x90, note, 100, high, low, 0x80, note, 0});
     Append(track, {0x00, 0xFF, 0x2F, 0x00}); // end of track
 
-    std::vector<std::uint8_t> midi{'M', 'T', 'h', 'd'};
-    AppendBigEndian(midi, 6, 4);
-    AppendBigEndian(midi, 0, 2); // one track
-    AppendBigEndian(midi, 1, 2);
+    std::vector<std::uint8_t> midi{'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 0, 0, 1};
     AppendBigEndian(midi, TicksPerQuarter, 2);
     Append(midi, {'M', 'T', 'r', 'k'});
     AppendBigEndian(midi, static_cast<std::uint32_t>(track.size()), 4);
