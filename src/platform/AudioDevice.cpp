@@ -41,7 +41,9 @@ void ChooseSoundFont()
 
 CAudioDevice& CAudioDevice::Instance()
 {
-    static CAudioDevice device;
+    // Never destroyed: the application object closes it from its own destructor,
+    // after the program's other statics are gone.
+    static CAudioDevice& device = *new CAudioDevice;
     return device;
 }
 

@@ -93,7 +93,8 @@ void CSequencer::Notice::Post(WPARAM code) const
 
 CSequencer& CSequencer::Instance()
 {
-    static CSequencer sequencer;
+    // Never destroyed, like the output it plays on.
+    static CSequencer& sequencer = *new CSequencer;
     return sequencer;
 }
 

@@ -31,7 +31,8 @@ bool PlaySound(const char* file, UINT flags)
 
 CWavePlayer& CWavePlayer::Instance()
 {
-    static CWavePlayer player;
+    // Never destroyed, like the output it plays on.
+    static CWavePlayer& player = *new CWavePlayer;
     return player;
 }
 
