@@ -1,5 +1,6 @@
 #include "platform/App.h"
 
+#include "platform/AudioDevice.h"
 #include "platform/Keys.h"
 #include "platform/MessageQueue.h"
 #include "platform/Window.h"
@@ -52,7 +53,12 @@ CPlatformApp::CPlatformApp()
     (void)quitRegistered;
 }
 
-CPlatformApp::~CPlatformApp() = default;
+// The application's own destructor has run by now and closed its music, so
+// whatever still sounds can go.
+CPlatformApp::~CPlatformApp()
+{
+    Platform::CloseAudio();
+}
 
 bool CPlatformApp::OnIdle(long /*count*/)
 {

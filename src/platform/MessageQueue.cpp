@@ -20,7 +20,9 @@ void WakeMainLoop()
 
 CMessageQueue& CMessageQueue::Instance()
 {
-    static CMessageQueue queue;
+    // Never destroyed: windows forget their messages from the application
+    // object's destructor, and the audio thread may post until the output closes.
+    static CMessageQueue& queue = *new CMessageQueue;
     return queue;
 }
 

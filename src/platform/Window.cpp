@@ -1,6 +1,7 @@
 #include "platform/Window.h"
 
 #include "platform/MessageQueue.h"
+#include "platform/Sequencer.h"
 
 #include <SDL.h>
 
@@ -51,6 +52,9 @@ CPlatformWnd::~CPlatformWnd()
         sdlWindow = nullptr;
     }
     std::erase(liveWindows(), this);
+    // The music's end may be noticed at any moment on the audio thread: it
+    // must never be posted to a window that no longer exists.
+    CSequencer::Instance().ForgetWindow(this);
     CMessageQueue::Instance().ForgetWindow(this);
 }
 

@@ -1,0 +1,117 @@
+#include "platform/WavePlayer.h"
+
+#include "platform/AudioDevice.h"
+#include "platform/WaveFile.h"
+
+#include <SDL.h>
+#include <SDL_mixer.h>
+
+namespace {
+
+// The default sound: a short, bright ping.
+constexpr double DefaultToneHz = 880.0;
+constexpr std::uint32_t DefaultToneMs = 250;
+constexpr int DefaultToneRate = 22050;
+constexpr std::uint32_t SyncPollMs = 5;
+
+} // namespace
+
+namespace Platform {
+
+bool PlaySound(const char* file, UINT flags)
+{
+    if (!file) {
+        CWavePlayer::Instance().Stop();
+        return true;
+    }
+    return CWavePlayer::Instance().Play(file, flags);
+}
+
+} // namespace Platform
+
+CWavePlayer& CWavePlayer::Instance()
+{
+    // Never destroyed, like the output it plays on.
+    static CWavePlayer& player = *new CWavePlayer;
+    return player;
+}
+
+bool CWavePlayer::Play(const std::string& file, UINT flags)
+{
+    if (!CAudioDevice::Instance().Open())
+        return false;
+    if ((flags & SND_NOSTOP) && IsPlaying())
+        return false;
+    Mix_Chunk* chunk = Load(file);
+    const bool useDefault = chunk == nullptr;
+    if (useDefault) {
+        if (flags & SND_NODEFAULT)
+            return false;
+        chunk = DefaultSound();
+    }
+    Mix_HaltChannel(CAudioDevice::Voice);
+    if (!chunk || Mix_PlayChannel(CAudioDevice::Voice, chunk, 0) < 0)
+        return false;
+    playingFile = file;
+    playingDefault = useDefault;
+    if (!(flags & SND_ASYNC))
+        WaitUntilSilent();
+    return true;
+}
+
+void CWavePlayer::Stop()
+{
+    if (CAudioDevice::Instance().IsOpen())
+        Mix_HaltChannel(CAudioDevice::Voice);
+}
+
+bool CWavePlayer::IsPlaying() const
+{
+    return CAudioDevice::Instance().IsOpen() && Mix_Playing(CAudioDevice::Voice) != 0;
+}
+
+std::string CWavePlayer::PlayingFile() const
+{
+    return IsPlaying() ? playingFile : std::string();
+}
+
+void CWavePlayer::Release()
+{
+    Stop();
+    for (auto& [file, chunk] : loaded)
+        Mix_FreeChunk(chunk);
+    loaded.clear();
+    if (defaultSound)
+        Mix_FreeChunk(defaultSound);
+    defaultSound = nullptr;
+    playingFile.clear();
+    playingDefault = false;
+}
+
+// Sounds that loaded are kept for the rest of the run, since the same few
+// effects play again and again; a file that failed is tried afresh next time.
+Mix_Chunk* CWavePlayer::Load(const std::string& file)
+{
+    if (auto found = loaded.find(file); found != loaded.end())
+        return found->second;
+    Mix_Chunk* chunk = Mix_LoadWAV(file.c_str());
+    if (chunk)
+        loaded.emplace(file, chunk);
+    return chunk;
+}
+
+Mix_Chunk* CWavePlayer::DefaultSound()
+{
+    if (!defaultSound) {
+        const auto wave =
+            Platform::EncodeWave(Platform::MakeTone(DefaultToneHz, DefaultToneMs, DefaultToneRate), DefaultToneRate);
+        defaultSound = Mix_LoadWAV_RW(SDL_RWFromConstMem(wave.data(), static_cast<int>(wave.size())), 1);
+    }
+    return defaultSound;
+}
+
+void CWavePlayer::WaitUntilSilent()
+{
+    while (Mix_Playing(CAudioDevice::Voice))
+        SDL_Delay(SyncPollMs);
+}

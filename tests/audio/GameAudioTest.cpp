@@ -1,0 +1,170 @@
+#include "app/GameWnd.h"
+#include "platform/AudioDevice.h"
+#include "platform/Sequencer.h"
+#include "platform/WavePlayer.h"
+#include "support/AudioFiles.h"
+#include "support/TestApp.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace qvtest;
+
+class GameAudioTest : public ::testing::Test {
+protected:
+    GameAudioTest()
+    {
+        for (const char* file : {"startup.wav", "explosion.wav", "green.wav", "bullet1.wav", "bullet2.wav"})
+            WriteWave(file, 3000);
+        WriteTune("background.mid", 2000);
+    }
+    static std::string Playing() { return CWavePlayer::Instance().PlayingFile(); }
+    static std::size_t OpenDevices() { return CSequencer::Instance().OpenDeviceCount(); }
+    bool TunePlays()
+    {
+        MCI_STATUS_PARMS status;
+        status.dwItem = MCI_STATUS_MODE;
+        return Platform::MciSendCommand(t->musicDevice, MCI_STATUS, MCI_STATUS_ITEM, status) == 0 &&
+               status.dwReturn == MCI_MODE_PLAY;
+    }
+    // A started game, whose window receives the tune's notices.
+    void StartUp()
+    {
+        Platform::StartSdl();
+        ASSERT_TRUE(t->InitInstance());
+    }
+    void Deliver(WPARAM notice)
+    {
+        t->mainWnd->PostMessage(MM_MCINOTIFY, notice, static_cast<LPARAM>(t->musicDevice));
+        static_cast<CPlatformApp&>(*t).PumpMessages();
+    }
+
+    AudioScope audio;
+    TestApp t;
+};
+
+TEST_F(GameAudioTest, AnImportantEffectCutsInAndALesserOneWaitsItsTurn)
+{
+    t->PlayStartupSound();
+    t->PlaySoundEffect(1, "explosion.wav"); // every effect waits for the start-up sound
+    EXPECT_EQ(Playing(), "startup.wav");
+    EXPECT_EQ(t->lastSoundPriority, 0);
+    Platform::PlaySound(nullptr, 0);
+
+    t->PlaySoundEffect(1, "explosion.wav");
+    t->PlaySoundEffect(2, "bullet1.wav");
+    EXPECT_EQ(Playing(), "explosion.wav");
+    EXPECT_EQ(t->lastSoundPriority, 1);
+    t->PlaySoundEffect(1, "green.wav");
+    EXPECT_EQ(Playing(), "green.wav");
+
+    WriteWave("short.wav", 80);
+    t->PlaySoundEffect(1, "short.wav");
+    ASSERT_TRUE(WaitUntil([] { return Playing().empty(); }));
+    t->PlaySoundEffect(2, "bullet1.wav");
+    EXPECT_EQ(Playing(), "bullet1.wav");
+    EXPECT_EQ(t->lastSoundPriority, 2);
+    t->PlaySoundEffect(2, "bullet2.wav");
+    EXPECT_EQ(Playing(), "bullet2.wav");
+}
+
+TEST_F(GameAudioTest, WithSoundFxOffOnlyTheStartUpSoundPlays)
+{
+    t->menus.SetOptionOn(OptionSound, false);
+    t->lastSoundPriority = 2;
+    t->PlaySoundEffect(1, "explosion.wav");
+    EXPECT_TRUE(Playing().empty());
+    EXPECT_EQ(t->lastSoundPriority, 2);
+    StartUp();
+    EXPECT_EQ(Playing(), "startup.wav");
+}
+
+TEST_F(GameAudioTest, AMissingWaveFileSoundsTheDefaultToneAndStillCounts)
+{
+    t->PlaySoundEffect(2, "bullet1.wav");
+    t->PlaySoundEffect(1, "lost.wav");
+    EXPECT_TRUE(CWavePlayer::Instance().IsPlayingDefault());
+    EXPECT_EQ(t->lastSoundPriority, 1);
+}
+
+TEST_F(GameAudioTest, TheMusicOptionGatesTheTuneAndANewGameRestartsIt)
+{
+    t->menus.SetOptionOn(OptionMusic, false);
+    t->ApplyMusicOption();
+    t->NewGame();
+    EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
+
+    t->menus.SetOptionOn(OptionMusic, true);
+    t->ApplyMusicOption();
+    const std::uint32_t first = t->musicDevice;
+    EXPECT_TRUE(TunePlays());
+    t->ApplyMusicOption(); // resuming while it plays changes nothing
+    EXPECT_EQ(t->musicDevice, first);
+    EXPECT_TRUE(TunePlays());
+
+    t->NewGame();
+    EXPECT_NE(t->musicDevice, first);
+    EXPECT_TRUE(TunePlays());
+    EXPECT_EQ(OpenDevices(), 1u);
+
+    t->menus.SetOptionOn(OptionMusic, false); // takes effect when next applied
+    EXPECT_TRUE(TunePlays());
+    t->ApplyMusicOption();
+    EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
+    EXPECT_EQ(OpenDevices(), 0u);
+}
+
+TEST_F(GameAudioTest, AFailedOpenLeavesNoDeviceAndTheGameSilent)
+{
+    WriteBytes("background.mid", "not a tune");
+    EXPECT_EQ(t->PlayMusic(false), MCIERR_INVALID_FILE);
+    EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
+
+    // No output: the tune opens but is closed again, and effects are dropped.
+    WriteTune("background.mid", 100);
+    ScopedEnv noDriver("SDL_AUDIODRIVER", "no-such-driver");
+    Platform::CloseAudio();
+    EXPECT_EQ(t->PlayMusic(false), MCIERR_HARDWARE);
+    EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
+    EXPECT_EQ(OpenDevices(), 0u);
+    t->PlaySoundEffect(2, "bullet1.wav");
+    EXPECT_EQ(t->lastSoundPriority, 0);
+    Platform::CloseAudio();
+}
+
+TEST_F(GameAudioTest, OnlyASuccessfulEndRestartsTheTune)
+{
+    StartUp();
+    ASSERT_EQ(t->PlayMusic(false), 0u);
+    const std::uint32_t device = t->musicDevice;
+    ASSERT_EQ(Platform::MciSendCommand(device, MCI_SEEK, MCI_SEEK_TO_END, MCI_SEEK_PARMS{}), 0u);
+
+    for (WPARAM notice : {MCI_NOTIFY_ABORTED, MCI_NOTIFY_SUPERSEDED, MCI_NOTIFY_FAILURE})
+        Deliver(notice);
+    t->menus.SetOptionOn(OptionMusic, false);
+    Deliver(MCI_NOTIFY_SUCCESSFUL);
+    EXPECT_FALSE(TunePlays());
+
+    t->menus.SetOptionOn(OptionMusic, true);
+    Deliver(MCI_NOTIFY_SUCCESSFUL);
+    EXPECT_EQ(t->musicDevice, device);
+    EXPECT_TRUE(TunePlays());
+
+    t->Shutdown();
+    EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
+    EXPECT_EQ(OpenDevices(), 0u);
+}
+
+TEST_F(GameAudioTest, TheTuneStartsAgainWhenItHasEnded)
+{
+    WriteTune("background.mid", 60);
+    StartUp();
+    ASSERT_EQ(t->PlayMusic(false), 0u);
+    // Its end is heard on the audio thread; the notice then waits for the message loop.
+    ASSERT_TRUE(WaitUntil([&] { return !TunePlays(); }));
+    static_cast<CPlatformApp&>(*t).PumpMessages();
+    EXPECT_TRUE(TunePlays());
+}
+
+} // namespace

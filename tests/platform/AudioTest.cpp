@@ -1,0 +1,176 @@
+#include "platform/AudioDevice.h"
+#include "platform/MessageQueue.h"
+#include "platform/Sequencer.h"
+#include "platform/WavePlayer.h"
+#include "platform/Window.h"
+#include "support/AudioFiles.h"
+#include "support/TestApp.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+
+namespace {
+
+using namespace qvtest;
+
+constexpr UINT Cut = SND_FILENAME | SND_ASYNC;
+constexpr UINT Yield = SND_FILENAME | SND_NOSTOP | SND_ASYNC;
+using NoticeList = std::vector<std::pair<WPARAM, LPARAM>>; // code and device of each notice
+
+class AudioTest : public ::testing::Test {
+protected:
+    AudioTest() { CMessageQueue::Instance().Clear(); }
+
+    MCIERROR Open(const std::string& file, MCIDEVICEID& id, const std::string& type = "sequencer")
+    {
+        MCI_OPEN_PARMS open;
+        open.lpstrDeviceType = type;
+        open.lpstrElementName = file;
+        const MCIERROR result = Platform::MciSendCommand(0, MCI_OPEN, MCI_OPEN_TYPE | MCI_OPEN_ELEMENT, open);
+        id = open.wDeviceID;
+        return result;
+    }
+    MCIERROR Play(MCIDEVICEID id)
+    {
+        MCI_PLAY_PARMS play;
+        play.dwCallback = &window;
+        return Platform::MciSendCommand(id, MCI_PLAY, MCI_NOTIFY, play);
+    }
+    MCIERROR Seek(MCIDEVICEID id) { return Platform::MciSendCommand(id, MCI_SEEK, MCI_SEEK_TO_START, MCI_SEEK_PARMS{}); }
+    MCIERROR Close(MCIDEVICEID id) { return Platform::MciSendCommand(id, MCI_CLOSE, 0, MCI_GENERIC_PARMS{}); }
+    bool IsPlaying(MCIDEVICEID id)
+    {
+        MCI_STATUS_PARMS status;
+        status.dwItem = MCI_STATUS_MODE;
+        return Platform::MciSendCommand(id, MCI_STATUS, MCI_STATUS_ITEM, status) == 0 &&
+               status.dwReturn == MCI_MODE_PLAY;
+    }
+    NoticeList Notices()
+    {
+        NoticeList notices;
+        while (auto msg = CMessageQueue::Instance().Take())
+            if (msg->window == &window && msg->message == MM_MCINOTIFY)
+                notices.emplace_back(msg->wParam, msg->lParam);
+        return notices;
+    }
+
+    ScopedWorkDir dir;
+    AudioScope audio;
+    CPlatformWnd window; // all a notice needs is a window to be addressed to
+    CWavePlayer& player = CWavePlayer::Instance();
+};
+
+TEST_F(AudioTest, OneVoiceEitherCutsOffOrYieldsAndUnplayableFilesPing)
+{
+    WriteWave("long.wav", 3000);
+    WriteWave("other.wav", 3000);
+    WriteBytes("broken.wav", "RIFF, but not really");
+    ASSERT_TRUE(Platform::PlaySound("long.wav", Cut));
+    EXPECT_FALSE(Platform::PlaySound("other.wav", Yield));
+    EXPECT_EQ(player.PlayingFile(), "long.wav");
+    EXPECT_TRUE(Platform::PlaySound("other.wav", Cut));
+    EXPECT_EQ(player.PlayingFile(), "other.wav");
+
+    for (const char* file : {"missing.wav", "broken.wav"}) {
+        EXPECT_TRUE(Platform::PlaySound(nullptr, 0));
+        EXPECT_TRUE(Platform::PlaySound(file, Yield)) << file;
+        EXPECT_TRUE(player.IsPlayingDefault()) << file;
+    }
+    Platform::PlaySound(nullptr, 0);
+    EXPECT_FALSE(Platform::PlaySound("missing.wav", Cut | SND_NODEFAULT));
+    EXPECT_FALSE(player.IsPlaying());
+}
+
+TEST_F(AudioTest, TheSequencerOpensOnlyMidiFiles)
+{
+    WriteTune("tune.mid", 100);
+    WriteWave("sound.wav", 100);
+    MCIDEVICEID id = 0;
+    EXPECT_EQ(Open("missing.mid", id), MCIERR_FILE_NOT_FOUND);
+    EXPECT_EQ(Open("sound.wav", id), MCIERR_INVALID_FILE);
+    EXPECT_EQ(Open("tune.mid", id, "waveaudio"), MCIERR_INVALID_DEVICE_NAME);
+    EXPECT_EQ(CSequencer::Instance().OpenDeviceCount(), 0u);
+
+    MCIDEVICEID other = 0;
+    ASSERT_EQ(Open("tune.mid", id, "Sequencer"), 0u);
+    ASSERT_EQ(Open("tune.mid", other), 0u);
+    EXPECT_NE(id, other);
+    EXPECT_EQ(Close(id), 0u);
+    EXPECT_EQ(Play(id), MCIERR_INVALID_DEVICE_ID);
+    EXPECT_EQ(Platform::MciSendCommand(other, MCI_PLAY, 0, MCI_GENERIC_PARMS{}), MCIERR_UNRECOGNIZED_COMMAND);
+}
+
+TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
+{
+    WriteTune("tune.mid", 60);
+    MCIDEVICEID id = 0;
+    MCIDEVICEID other = 0;
+    ASSERT_EQ(Open("tune.mid", id), 0u);
+    ASSERT_EQ(Open("tune.mid", other), 0u);
+
+    ASSERT_EQ(Play(id), 0u);
+    ASSERT_EQ(Play(id), 0u); // a newer play takes the notice over
+    ASSERT_EQ(Seek(id), 0u);
+    ASSERT_EQ(Play(id), 0u);
+    ASSERT_EQ(Play(other), 0u); // one tune at a time
+    EXPECT_FALSE(IsPlaying(id));
+    EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUPERSEDED, id}, {MCI_NOTIFY_ABORTED, id}, {MCI_NOTIFY_ABORTED, id}}));
+    EXPECT_EQ(Close(other), 0u);
+    EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_ABORTED, other}}));
+
+    ASSERT_EQ(Play(id), 0u);
+    ASSERT_TRUE(WaitUntil([&] { return !IsPlaying(id); }));
+    EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUCCESSFUL, id}}));
+    // At its end nothing is left to play until it is sought back to its start.
+    ASSERT_EQ(Play(id), 0u);
+    EXPECT_FALSE(IsPlaying(id));
+    EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUCCESSFUL, id}}));
+
+    // A window that has gone away hears nothing more.
+    ASSERT_EQ(Seek(id), 0u);
+    ASSERT_EQ(Play(id), 0u);
+    CSequencer::Instance().ForgetWindow(&window);
+    EXPECT_EQ(Close(id), 0u);
+    EXPECT_TRUE(Notices().empty());
+}
+
+// SDL's disk driver writes the mixed output (16-bit stereo, 44100 Hz) to a
+// file; QV_RECORDING_DIR keeps the recording for a closer listen.
+TEST_F(AudioTest, AWaveAndATuneReachTheOutput)
+{
+    WriteWave("shot.wav", 400);
+    WriteTune("tune.mid", 300);
+    const char* keep = std::getenv("QV_RECORDING_DIR");
+    const std::string file = std::string(keep ? keep : ".") + "/output.raw";
+    {
+        ScopedEnv driver("SDL_AUDIODRIVER", "disk");
+        ScopedEnv output("SDL_DISKAUDIOFILE", file);
+        Platform::CloseAudio();
+        ASSERT_TRUE(Platform::PlaySound("shot.wav", SND_FILENAME | SND_SYNC));
+        MCIDEVICEID id = 0;
+        ASSERT_EQ(Open("tune.mid", id), 0u);
+        ASSERT_EQ(Play(id), 0u);
+        ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
+        Platform::CloseAudio();
+    }
+    std::ifstream in(file, std::ios::binary);
+    std::vector<double> loudness; // RMS of each tenth of a second
+    std::int16_t block[8820];
+    while (in.read(reinterpret_cast<char*>(block), sizeof block)) {
+        double sum = 0;
+        for (std::int16_t sample : block)
+            sum += static_cast<double>(sample) * sample;
+        loudness.push_back(std::sqrt(sum / std::size(block)));
+    }
+    ASSERT_GE(loudness.size(), 10u);
+    EXPECT_GT(loudness.front(), 1000.0); // the shot
+    const double tune = *std::max_element(loudness.begin() + 5, loudness.end());
+    EXPECT_GT(tune, 300.0);
+    EXPECT_LT(loudness.back(), tune / 10); // the tune has died away
+}
+
+} // namespace
