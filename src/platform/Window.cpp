@@ -42,6 +42,11 @@ int GetSystemMetrics(SystemMetric metric)
     return metric == SM_CXSCREEN ? mode.w : mode.h;
 }
 
+void ShowCursor(bool show)
+{
+    SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
+}
+
 } // namespace Platform
 
 CPlatformWnd::~CPlatformWnd()
@@ -115,7 +120,7 @@ LRESULT CPlatformWnd::DefWindowProc(UINT message, WPARAM /*wParam*/, LPARAM /*lP
         DestroyWindow();
         return 0;
     case WM_SETCURSOR:
-        SDL_ShowCursor(SDL_ENABLE);
+        Platform::ShowCursor(true);
         return 1;
     default:
         return 0;
@@ -127,13 +132,17 @@ void CPlatformWnd::ToggleFullscreen()
     if (!sdlWindow)
         return;
     const bool fullscreen = (SDL_GetWindowFlags(sdlWindow) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
+    // The picture is scaled to whatever size the window has, so either way the
+    // whole playing field shows.
     if (fullscreen) {
         SDL_SetWindowFullscreen(sdlWindow, 0);
+        SDL_SetWindowAlwaysOnTop(sdlWindow, SDL_FALSE);
         SDL_SetWindowBordered(sdlWindow, SDL_TRUE);
         if (windowedWidth > 0)
             SDL_SetWindowSize(sdlWindow, windowedWidth, windowedHeight);
         SDL_SetWindowPosition(sdlWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
     } else {
+        SDL_SetWindowAlwaysOnTop(sdlWindow, SDL_TRUE);
         SDL_SetWindowFullscreen(sdlWindow, SDL_WINDOW_FULLSCREEN_DESKTOP);
     }
 }
