@@ -43,6 +43,7 @@ struct SpriteLine {
     std::int32_t directions = 0;
     std::int32_t frameCount = 0;
     std::int32_t frameTime = 0;
+    friend bool operator==(const SpriteLine&, const SpriteLine&) = default;
 };
 
 // The catalogue of every image the game draws, read from "sprite.ini". The
