@@ -30,7 +30,7 @@ std::vector<CDisplayDevice*>& liveDevices()
 
 bool& runLengthPages()
 {
-    static bool enabled = true;
+    static bool enabled = false;
     return enabled;
 }
 

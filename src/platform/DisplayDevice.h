@@ -66,7 +66,9 @@ public:
     void MarkSurfacesLost();
 
     // Keyed copies from off-screen surfaces made from now on use run-length
-    // encoding when this is on (the default: it copies sprites faster).
+    // encoding when this is on. It is off: a page holds many frames, and an
+    // encoded copy of one of them first walks the encoded rows above and
+    // beside it, which makes a frame's sprites several times slower to draw.
     static void SetRunLengthPages(bool enable);
 
 private:

@@ -250,9 +250,9 @@ Result CSurface::Flip(CSurface* /*target*/, std::uint32_t /*flags*/)
     device->WaitForVerticalBlank();
     const Result shown = device->Present(attached->pixels);
     // What was shown becomes the primary's picture; the back buffer gets the old one.
-    std::swap(pixels, attached->pixels);
-    ApplyKey();
-    attached->ApplyKey();
+    // Only the memory changes hands: copies from the pages keep their prepared
+    // way to this destination instead of rebuilding it every frame.
+    std::swap(pixels->pixels, attached->pixels->pixels);
     return shown;
 }
 

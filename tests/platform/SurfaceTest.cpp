@@ -18,7 +18,7 @@ protected:
     void TearDown() override
     {
         Platform::ClearDisplayFaults();
-        CDisplayDevice::SetRunLengthPages(true);
+        CDisplayDevice::SetRunLengthPages(false);
     }
     SurfacePtr Page(int w, int h)
     {
