@@ -4,6 +4,7 @@
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <set>
 #include <vector>
 
@@ -142,6 +143,13 @@ void CPlatformWnd::ToggleFullscreen()
             SDL_SetWindowSize(sdlWindow, windowedWidth, windowedHeight);
         SDL_SetWindowPosition(sdlWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
     } else {
+        // Back over the whole desktop it came from, also where no window
+        // manager moves and sizes it.
+        SDL_Rect desktop{};
+        if (SDL_GetDisplayBounds(std::max(SDL_GetWindowDisplayIndex(sdlWindow), 0), &desktop) == 0) {
+            SDL_SetWindowPosition(sdlWindow, desktop.x, desktop.y);
+            SDL_SetWindowSize(sdlWindow, desktop.w, desktop.h);
+        }
         SDL_SetWindowAlwaysOnTop(sdlWindow, SDL_TRUE);
         SDL_SetWindowFullscreen(sdlWindow, SDL_WINDOW_FULLSCREEN_DESKTOP);
     }
