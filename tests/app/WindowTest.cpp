@@ -1,6 +1,7 @@
 #include "app/GameWnd.h"
 #include "support/DisplayApp.h"
 
+#include <SDL.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -84,7 +85,11 @@ TEST_F(ActivationTest, ALostFlipIsRestoredOnceWithinTheFrame)
     struct Access : CGameApp {
         using CGameApp::OnIdle;
     };
-    Platform::NotifySurfacesLost();
+    SDL_Event reset{};
+    reset.type = SDL_RENDER_TARGETS_RESET; // the renderer lost what it drew on
+    SDL_PushEvent(&reset);
+    static_cast<CPlatformApp&>(*t).PumpMessages();
+    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DDERR_SURFACELOST);
     t.clock.Advance(16);
     EXPECT_TRUE(static_cast<Access&>(*t).OnIdle(0));
     EXPECT_EQ(Names(), 2u);
