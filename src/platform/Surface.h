@@ -88,8 +88,8 @@ public:
     // Whether keyed copies from this surface may use run-length encoding.
     void SetRunLengthEncoded(bool enable);
 
-    // Called when the display device goes away first.
-    void Detach() { device = nullptr; attached.reset(); }
+    // Called when the display device goes away first: the surface stays a picture in memory.
+    void Detach() { device = nullptr; }
 
 private:
     Result CheckUsable() const;
