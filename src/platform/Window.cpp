@@ -88,6 +88,9 @@ void CPlatformWnd::ShowWindow(int command)
     // A newly shown popup becomes the active window at once; the application
     // hears about it before ShowWindow returns, as on the desktop it was made for.
     SendMessage(WM_ACTIVATEAPP, 1, 0);
+    // The pointer may already rest where the window appeared: the window
+    // chooses its cursor now rather than on the first move.
+    PostMessage(WM_SETCURSOR, 0, 0);
 }
 
 void CPlatformWnd::DestroyWindow()
