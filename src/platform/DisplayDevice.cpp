@@ -75,6 +75,12 @@ void NotifySurfacesLost()
         device->MarkSurfacesLost();
 }
 
+void ForgetDisplayWindow(HWND window)
+{
+    for (CDisplayDevice* device : liveDevices())
+        device->ForgetWindow(window);
+}
+
 } // namespace Platform
 
 Result CDisplayDevice::Create(DisplayDevicePtr& out)
@@ -91,10 +97,28 @@ CDisplayDevice::~CDisplayDevice()
     std::erase(liveDevices(), this);
     for (CSurface* surface : surfaces)
         surface->Detach();
+    DropPresenter();
+}
+
+void CDisplayDevice::DropPresenter()
+{
     if (texture)
         SDL_DestroyTexture(texture);
     if (renderer)
         SDL_DestroyRenderer(renderer);
+    texture = nullptr;
+    renderer = nullptr;
+}
+
+void CDisplayDevice::ForgetWindow(HWND gone)
+{
+    if (window != gone)
+        return;
+    // The renderer belongs to the window: it goes first. What was drawn stays
+    // in the surfaces; nothing is shown any more.
+    DropPresenter();
+    window = nullptr;
+    exclusive = false;
 }
 
 Result CDisplayDevice::QueryDevice2(DisplayDevicePtr& out)

@@ -41,6 +41,8 @@ Result TakeDisplayFault(DisplayOp op);
 // Every surface of every display device is lost: the window was minimised or
 // hidden, or the renderer lost its targets or its device.
 void NotifySurfacesLost();
+// The window is going away: no device may draw on it any more.
+void ForgetDisplayWindow(HWND window);
 } // namespace Platform
 
 // The display device: takes a window for the game's exclusive use, sets the
@@ -64,6 +66,7 @@ public:
     Result CreatePalette(std::uint32_t caps, const CPalette::Entries& entries, PalettePtr& out);
 
     void MarkSurfacesLost();
+    void ForgetWindow(HWND gone);
 
     // Keyed copies from off-screen surfaces made from now on use run-length
     // encoding when this is on. It is off: a page holds many frames, and an
@@ -77,6 +80,7 @@ private:
     Result CreateFlippingChain(const SurfaceDesc& desc, SurfacePtr& out);
     Result MakePresenter();
     Result RemakeTexture();
+    void DropPresenter();
     Result Present(SDL_Surface* picture);
     void WaitForVerticalBlank();
     void Forget(CSurface* surface);

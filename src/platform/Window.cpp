@@ -1,5 +1,6 @@
 #include "platform/Window.h"
 
+#include "platform/DisplayDevice.h"
 #include "platform/MessageQueue.h"
 
 #include <SDL.h>
@@ -53,6 +54,7 @@ void ShowCursor(bool show)
 CPlatformWnd::~CPlatformWnd()
 {
     if (sdlWindow) {
+        Platform::ForgetDisplayWindow(this);
         SDL_DestroyWindow(sdlWindow);
         sdlWindow = nullptr;
     }
@@ -98,6 +100,7 @@ void CPlatformWnd::DestroyWindow()
     if (!sdlWindow)
         return;
     WindowProc(WM_DESTROY, 0, 0);
+    Platform::ForgetDisplayWindow(this);
     SDL_DestroyWindow(sdlWindow);
     sdlWindow = nullptr;
     std::erase(liveWindows(), this);

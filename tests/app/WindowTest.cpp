@@ -52,6 +52,7 @@ TEST(GameWindow, HidesThePointerAndHandsOnActivationAndDestruction)
     window.WindowProc(MM_MCINOTIFY, MCI_NOTIFY_ABORTED, 0);
     window.DestroyWindow();
     EXPECT_FALSE(static_cast<CPlatformApp&>(*t).PumpMessages()); // the quit message was posted
+    EXPECT_EQ(t->display.Flip(), DDERR_GENERIC); // nothing left to show on, and nothing breaks
 }
 
 class ActivationTest : public ::testing::Test {

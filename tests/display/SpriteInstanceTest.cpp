@@ -85,29 +85,19 @@ TEST_F(SpriteInstanceTest, AnimationAdvancesOneFrameOnceItsTimeIsExceededAndWrap
     EXPECT_DOUBLE_EQ(still.GetFrameClock(), 0.0);
 }
 
-TEST_F(SpriteInstanceTest, DrawsItsFrameCentredWithTheBlackKey)
+TEST_F(SpriteInstanceTest, DrawsCentredWithTheBlackKeyAndClipsAtEachScreenEdge)
 {
     CSpriteInstance grad = Gradient();
     EXPECT_EQ(grad.GetRadius(), 4);
-    ClearBack();
-    grad.SetPosition(100, 200);
-    grad.Draw(16);
-    EXPECT_EQ(Pixel(96, 196), Backdrop); // the black corner is see-through
-    EXPECT_EQ(Pixel(97, 196), Value(1, 0));
-    EXPECT_EQ(Pixel(103, 203), Value(7, 7));
-    EXPECT_EQ(Pixel(104, 203), Backdrop);
-}
-
-TEST_F(SpriteInstanceTest, ClipsAtEachScreenEdge)
-{
-    CSpriteInstance grad = Gradient();
     struct Case {
         int x, y;                          // the centre
-        int screenX, screenY, column, row; // a screen pixel and the frame pixel it shows (-1: none)
+        int screenX, screenY, column, row; // a screen pixel and the frame pixel it shows; -1: the backdrop
+                                           // (the black corner is see-through; wholly off, nothing at all)
     };
-    for (Case c : {Case{2, 100, 0, 100, 2, 4}, Case{1021, 100, 1023, 100, 6, 4}, Case{100, 1, 100, 0, 4, 3},
+    for (Case c : {Case{100, 200, 97, 196, 1, 0}, Case{100, 200, 103, 203, 7, 7}, Case{100, 200, 96, 196, -1, -1},
+                   Case{100, 200, 104, 203, -1, -1}, Case{2, 100, 0, 100, 2, 4}, Case{1021, 100, 1023, 100, 6, 4}, Case{100, 1, 100, 0, 4, 3},
                    Case{100, 766, 100, 767, 4, 5}, Case{-3, -3, 0, 0, 7, 7}, Case{1026, 770, 1023, 767, 1, 1},
-                   Case{-4, 100, 0, 100, -1, -1}, Case{100, 772, 100, 767, -1, -1}}) { // wholly off: nothing at all
+                   Case{-4, 100, 0, 100, -1, -1}, Case{100, 772, 100, 767, -1, -1}}) {
         SCOPED_TRACE(::testing::Message() << c.x << "," << c.y);
         ClearBack();
         grad.SetPosition(c.x, c.y);

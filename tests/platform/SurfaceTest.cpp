@@ -68,16 +68,6 @@ TEST_F(SurfaceTest, CopiesRefuseWhatTheyCannotDoWithTheirCodes)
     EXPECT_EQ(back->BltFast(0, 0, page.get(), &inside, 0), DD_OK);
 }
 
-TEST_F(SurfaceTest, SurfacesOutliveTheirDevice)
-{
-    SurfacePtr page = Page(8, 8);
-    SurfacePtr back = Page(8, 8);
-    device.reset();
-    EXPECT_EQ(page->ColourFill(nullptr, Blue), DD_OK);
-    EXPECT_EQ(back->BltFast(0, 0, page.get(), nullptr, 0), DD_OK);
-    EXPECT_EQ(Pixel(*back, 7, 7), Blue);
-}
-
 // A page with a blue frame on a black (keyed) square, copied keyed onto green.
 TEST_F(SurfaceTest, KeyedCopiesSkipTheKeyWithOrWithoutRunLengthEncoding)
 {
