@@ -106,4 +106,4 @@ void BM_WorldStep_AllPairs(benchmark::State& state)
 BENCHMARK(BM_WorldStep_BandSweep)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_WorldStep_AllPairs)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMicrosecond);
 
-BENCHMARK_MAIN();
+

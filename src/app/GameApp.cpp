@@ -246,23 +246,30 @@ void CGameApp::OnActivate(bool isActive)
     }
 }
 
+KeyRoute CGameApp::RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer)
+{
+    // The receivers read only the key code's low byte.
+    if (state == StatePlaying && (key & 0xFF) == EscapeKey && pressed)
+        return KeyRoute::Pause;
+    if (state == StatePlaying)
+        return hasPlayer ? KeyRoute::Ship : KeyRoute::Dropped;
+    if (state == StateMenu || state == StatePaused)
+        return KeyRoute::Menus;
+    if (state == StateDesign)
+        return KeyRoute::Designer;
+    return KeyRoute::Dropped;
+}
+
 void CGameApp::OnKey(UINT key, bool pressed)
 {
-    const std::int32_t state = gameState;
-    if (state == StatePlaying && (key & 0xFF) == EscapeKey && pressed) {
-        SetPause(true);
-        return;
+    CShip* player = world.GetPlayer();
+    switch (RouteKey(gameState, key, pressed, player != nullptr)) {
+    case KeyRoute::Pause: SetPause(true); break;
+    case KeyRoute::Ship: player->PlayerKey(key, pressed); break;
+    case KeyRoute::Menus: menus.OnKey(key, pressed); break;
+    case KeyRoute::Designer: designer.OnKey(key, pressed); break;
+    case KeyRoute::Dropped: break;
     }
-    if (state == StatePlaying && world.GetPlayer()) {
-        world.GetPlayer()->PlayerKey(key, pressed);
-        return;
-    }
-    if (state == StateMenu || state == StatePaused) {
-        menus.OnKey(key, pressed);
-        return;
-    }
-    if (state == StateDesign)
-        designer.OnKey(key, pressed);
 }
 
 void CGameApp::Trace(std::string text, std::int32_t flag)

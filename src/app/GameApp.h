@@ -27,6 +27,15 @@ enum GameState : std::int32_t {
     StateDesign = 3,    // the ship design screen between levels
 };
 
+// Where a key goes, by the game state it arrives in.
+enum class KeyRoute {
+    Pause,    // Escape pressed during play
+    Ship,     // the player's ship
+    Menus,    // the menu system
+    Designer, // the ship design screen
+    Dropped,  // nobody: play with no ship of the player's
+};
+
 // One trace call, as a sink attached for diagnostics or tests sees it.
 struct TraceLine {
     enum Kind { Plain, Value, Code };
@@ -64,6 +73,7 @@ public:
     // Window messages.
     void OnActivate(bool isActive);
     void OnKey(UINT key, bool pressed);
+    static KeyRoute RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer);
     HWND GetMainWindowHandle() const;
 
     // Frame composition.

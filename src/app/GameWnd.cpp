@@ -3,8 +3,6 @@
 #include "app/GameApp.h"
 #include "platform/MessageQueue.h"
 
-#include <SDL.h>
-
 LRESULT CGameWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
@@ -15,7 +13,7 @@ LRESULT CGameWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
         TheApp().OnActivate(wParam != 0);
         break;
     case WM_SETCURSOR:
-        SDL_ShowCursor(SDL_DISABLE); // the pointer never shows over the game
+        Platform::ShowCursor(false); // the pointer never shows over the game
         return 1;
     case WM_KEYDOWN:
         TheApp().OnKey(static_cast<UINT>(wParam), true);

@@ -1,19 +1,147 @@
 #include "display/Display.h"
 
-#include "platform/Clock.h"
+#include "app/GameApp.h"
+#include "display/Bitmaps.h"
 
 namespace {
-constexpr std::uint32_t FrameMs = 16;
+
+constexpr const char* PaletteFile = "art/palette.bmp";
+constexpr const char* BlankFile = "art/blank.bmp";
+constexpr const char* TitleFile = "art/title_screen.bmp";
+constexpr const char* SurfaceQueryError = "Error getting DirectDraw2 Surface!";
+
+constexpr std::uint32_t ChainCaps = DDSCAPS_PRIMARYSURFACE | DDSCAPS_FLIP | DDSCAPS_COMPLEX;
+
+// The surface's newer interface in place of the one given up.
+Result TakeSurface2(SurfacePtr& first, SurfacePtr& out)
+{
+    const Result r = first->QuerySurface2(out);
+    first.reset();
+    if (r != DD_OK)
+        CGameApp::TraceCode(r, SurfaceQueryError, 0);
+    return r;
 }
 
-Result CDisplay::Init(HWND /*window*/) { return DD_OK; }
+} // namespace
+
+Result CDisplay::Init(HWND window)
+{
+    CGameApp& app = TheApp();
+    CGameApp::Trace("Creating direct draw object", 0);
+    if (Result r = CDisplayDevice::Create(ddraw))
+        return r;
+
+    CGameApp::Trace("Finding DD v3 interface", 0);
+    const Result queried = ddraw->QueryDevice2(ddraw2);
+    ddraw.reset();
+    if (queried != DD_OK)
+        return queried;
+
+    CGameApp::Trace("Setting Cooperative Level, exclusive, fullscreen", 0);
+    if (Result r = ddraw2->SetCooperativeLevel(window, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN))
+        return r;
+
+    CGameApp::Trace("Set Resolution", 0);
+    CGameApp::TraceValue(app.screenWidth, "Screen Width", 0);
+    if (Result r = ddraw2->SetDisplayMode(app.screenWidth, app.screenHeight, app.bitsPerPixel, 0, 0))
+        return r;
+
+    SurfacePtr firstPrimary;
+    if (Result r = CreateFlippingChain(firstPrimary))
+        return r;
+    SurfacePtr firstBack;
+    if (Result r = firstPrimary->GetAttachedSurface(DDSCAPS_BACKBUFFER, firstBack))
+        return r;
+    if (Result r = TakeSurface2(firstPrimary, primary))
+        return r;
+    if (Result r = TakeSurface2(firstBack, back))
+        return r;
+
+    palette = LoadPalette(ddraw2.get(), PaletteFile);
+    if (!palette)
+        return DD_OK; // usable, without a palette and without clearing the back buffer
+    primary->SetPalette(palette.get()); // no effect in a 16-bit mode
+    return DrawScreenBitmap(back.get(), BlankFile);
+}
+
+Result CDisplay::CreateFlippingChain(SurfacePtr& first)
+{
+    SurfaceDesc desc;
+    desc.flags = DDSD_CAPS | DDSD_BACKBUFFERCOUNT;
+    desc.backBufferCount = 1;
+    desc.caps = ChainCaps | DDSCAPS_VIDEOMEMORY;
+    Result r = ddraw2->CreateSurface(desc, first);
+    if (r == DDERR_OUTOFVIDEOMEMORY) {
+        CGameApp::Trace("Insuficient video memory", 0);
+        desc.caps = ChainCaps;
+        r = ddraw2->CreateSurface(desc, first);
+    }
+    return r;
+}
+
+Result CDisplay::DrawScreenBitmap(CSurface* surface, const char* path)
+{
+    const CGameApp& app = TheApp();
+    return DrawBitmapFile(surface, path, app.screenWidth, app.screenHeight, 0, 0);
+}
 
 Result CDisplay::Flip()
 {
-    Platform::Sleep(FrameMs);
+    if (!primary)
+        return DDERR_GENERIC;
+    const Result r = primary->Flip(nullptr, DDFLIP_WAIT);
+    if (r == DDERR_SURFACELOST)
+        return Restore();
+    return r;
+}
+
+Result CDisplay::Restore()
+{
+    if (primary)
+        primary->Restore();
+    if (back)
+        back->Restore();
+    CSpriteSet& sprites = TheApp().sprites;
+    sprites.RestorePages();
+    sprites.Load();
     return DD_OK;
 }
 
-Result CDisplay::Restore() { return DD_OK; }
-void CDisplay::Release() {}
-Result CDisplay::DrawTitleScreen() { return DD_OK; }
+void CDisplay::Release()
+{
+    if (ddraw2) {
+        primary.reset();
+        back.reset();
+        palette.reset();
+        ddraw2.reset();
+    }
+    ddraw.reset();
+}
+
+SurfacePtr CDisplay::CreateOffscreenSurface()
+{
+    if (!ddraw2)
+        return nullptr;
+    const CGameApp& app = TheApp();
+    SurfaceDesc desc;
+    desc.flags = DDSD_CAPS | DDSD_HEIGHT | DDSD_WIDTH;
+    desc.width = app.screenWidth;
+    desc.height = app.screenHeight;
+    desc.caps = DDSCAPS_OFFSCREENPLAIN;
+    SurfacePtr first;
+    if (ddraw2->CreateSurface(desc, first) != DD_OK)
+        return nullptr;
+    SurfacePtr surface;
+    const Result queried = first->QuerySurface2(surface);
+    first.reset();
+    if (queried != DD_OK)
+        return nullptr;
+    SetColourKey(surface.get(), RGB(0, 0, 0));
+    DrawScreenBitmap(surface.get(), BlankFile); // a missing blank leaves the page as it is
+    return surface;
+}
+
+Result CDisplay::DrawTitleScreen()
+{
+    return DrawScreenBitmap(primary.get(), TitleFile);
+}

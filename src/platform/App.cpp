@@ -1,6 +1,7 @@
 #include "platform/App.h"
 
 #include "platform/AudioDevice.h"
+#include "platform/DisplayDevice.h"
 #include "platform/Keys.h"
 #include "platform/MessageQueue.h"
 #include "platform/Window.h"
@@ -163,10 +164,16 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
         case SDL_WINDOWEVENT_FOCUS_LOST: queue.Post({w, WM_ACTIVATEAPP, 0, 0}); break;
         case SDL_WINDOWEVENT_ENTER: queue.Post({w, WM_SETCURSOR, 0, 0}); break;
         case SDL_WINDOWEVENT_CLOSE: queue.Post({w, WM_CLOSE, 0, 0}); break;
+        case SDL_WINDOWEVENT_MINIMIZED:
+        case SDL_WINDOWEVENT_HIDDEN: Platform::NotifySurfacesLost(); break;
         default: break;
         }
         break;
     }
+    case SDL_RENDER_TARGETS_RESET:
+    case SDL_RENDER_DEVICE_RESET:
+        Platform::NotifySurfacesLost();
+        break;
     default:
         break;
     }

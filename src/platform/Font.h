@@ -1,5 +1,8 @@
 #pragma once
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 // A font request in the shape the game's fonts are described in.
 struct LOGFONT {
@@ -20,12 +23,45 @@ struct LOGFONT {
 };
 
 constexpr std::int32_t FW_NORMAL = 400;
+constexpr std::int32_t FW_BOLD = 700;
 constexpr std::int32_t FW_HEAVY = 900;
 constexpr std::uint8_t ANSI_CHARSET = 0;
 constexpr std::uint8_t OUT_TT_PRECIS = 4;
+constexpr std::uint8_t FIXED_PITCH = 0x01;
+constexpr std::uint8_t FF_ROMAN = 0x10;
+constexpr std::uint8_t FF_SWISS = 0x20;
 constexpr std::uint8_t FF_MODERN = 0x30;
 
-// A font object: empty until a font is made from a request.
+// One character's picture: how much of each pixel it covers (0..255), where
+// it sits relative to the pen, and how far it moves the pen.
+struct Glyph {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::int32_t advance = 0;
+    std::vector<std::uint8_t> coverage;
+};
+
+// A face chosen and sized for one request. Glyphs are rendered once, on first
+// use, and kept, so drawing a frame's texts costs little.
+class CFontFace {
+public:
+    ~CFontFace();
+    static std::unique_ptr<CFontFace> Make(const LOGFONT& request);
+
+    const Glyph& GetGlyph(unsigned char ch);
+    std::int32_t GetHeight() const { return height; }
+
+private:
+    CFontFace() = default;
+
+    struct FontHandle;
+    FontHandle* font = nullptr;
+    std::int32_t height = 0;
+    std::array<std::unique_ptr<Glyph>, 256> glyphs;
+};
+
+// A font object: empty until a font is made from a request. Making one asks
+// the system for the installed face that suits the request best.
 class CFont {
 public:
     CFont() = default;
@@ -35,10 +71,14 @@ public:
 
     bool CreateFontIndirect(const LOGFONT& request);
     void DeleteObject();
-    bool HasHandle() const { return created; }
+    bool HasHandle() const { return face != nullptr; }
     const LOGFONT& GetRequest() const { return logFont; }
+    CFontFace* GetFace() const { return face.get(); }
+
+    // The font text is drawn in when none was chosen: the system font's shape.
+    static CFont& Stock();
 
 private:
     LOGFONT logFont;
-    bool created = false;
+    std::unique_ptr<CFontFace> face;
 };

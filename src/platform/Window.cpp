@@ -1,10 +1,12 @@
 #include "platform/Window.h"
 
+#include "platform/DisplayDevice.h"
 #include "platform/MessageQueue.h"
 #include "platform/Sequencer.h"
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <set>
 #include <vector>
 
@@ -43,11 +45,17 @@ int GetSystemMetrics(SystemMetric metric)
     return metric == SM_CXSCREEN ? mode.w : mode.h;
 }
 
+void ShowCursor(bool show)
+{
+    SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
+}
+
 } // namespace Platform
 
 CPlatformWnd::~CPlatformWnd()
 {
     if (sdlWindow) {
+        Platform::ForgetDisplayWindow(this);
         SDL_DestroyWindow(sdlWindow);
         sdlWindow = nullptr;
     }
@@ -86,6 +94,9 @@ void CPlatformWnd::ShowWindow(int command)
     // A newly shown popup becomes the active window at once; the application
     // hears about it before ShowWindow returns, as on the desktop it was made for.
     SendMessage(WM_ACTIVATEAPP, 1, 0);
+    // The pointer may already rest where the window appeared: the window
+    // chooses its cursor now rather than on the first move.
+    PostMessage(WM_SETCURSOR, 0, 0);
 }
 
 void CPlatformWnd::DestroyWindow()
@@ -93,6 +104,7 @@ void CPlatformWnd::DestroyWindow()
     if (!sdlWindow)
         return;
     WindowProc(WM_DESTROY, 0, 0);
+    Platform::ForgetDisplayWindow(this);
     SDL_DestroyWindow(sdlWindow);
     sdlWindow = nullptr;
     std::erase(liveWindows(), this);
@@ -119,7 +131,7 @@ LRESULT CPlatformWnd::DefWindowProc(UINT message, WPARAM /*wParam*/, LPARAM /*lP
         DestroyWindow();
         return 0;
     case WM_SETCURSOR:
-        SDL_ShowCursor(SDL_ENABLE);
+        Platform::ShowCursor(true);
         return 1;
     default:
         return 0;
@@ -131,13 +143,24 @@ void CPlatformWnd::ToggleFullscreen()
     if (!sdlWindow)
         return;
     const bool fullscreen = (SDL_GetWindowFlags(sdlWindow) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
+    // The picture is scaled to whatever size the window has, so either way the
+    // whole playing field shows.
     if (fullscreen) {
         SDL_SetWindowFullscreen(sdlWindow, 0);
+        SDL_SetWindowAlwaysOnTop(sdlWindow, SDL_FALSE);
         SDL_SetWindowBordered(sdlWindow, SDL_TRUE);
         if (windowedWidth > 0)
             SDL_SetWindowSize(sdlWindow, windowedWidth, windowedHeight);
         SDL_SetWindowPosition(sdlWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
     } else {
+        // Back over the whole desktop it came from, also where no window
+        // manager moves and sizes it.
+        SDL_Rect desktop{};
+        if (SDL_GetDisplayBounds(std::max(SDL_GetWindowDisplayIndex(sdlWindow), 0), &desktop) == 0) {
+            SDL_SetWindowPosition(sdlWindow, desktop.x, desktop.y);
+            SDL_SetWindowSize(sdlWindow, desktop.w, desktop.h);
+        }
+        SDL_SetWindowAlwaysOnTop(sdlWindow, SDL_TRUE);
         SDL_SetWindowFullscreen(sdlWindow, SDL_WINDOW_FULLSCREEN_DESKTOP);
     }
 }

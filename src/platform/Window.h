@@ -15,6 +15,9 @@ enum SystemMetric { SM_CXSCREEN = 0, SM_CYSCREEN = 1 };
 // The desktop's size in pixels, as the display reports it now.
 int GetSystemMetrics(SystemMetric metric);
 
+// Shows or hides the mouse pointer while it is over the program's windows.
+void ShowCursor(bool show);
+
 } // namespace Platform
 
 // The framework's window: an SDL window with a replaceable window procedure.

@@ -1,4 +1,5 @@
 #include "app/GameWnd.h"
+#include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
@@ -247,6 +248,7 @@ TEST(Activation, RegainingItPausesOnlyAGameInPlay)
 TEST(StartUp, InitInstanceRunsItsStepsInOrderAndWaitsTheTitlePause)
 {
     TestApp t;
+    qvtest::WriteBlankArt();
     Platform::StartSdl();
     TraceRecorder trace;
     ASSERT_TRUE(t->InitInstance());
@@ -277,6 +279,7 @@ TEST(StartUp, InitInstanceRunsItsStepsInOrderAndWaitsTheTitlePause)
 TEST(StartUp, ClosingTheWindowEndsTheMessageLoop)
 {
     TestApp t;
+    qvtest::WriteBlankArt();
     Platform::StartSdl();
     ASSERT_TRUE(t->InitInstance());
     t->mainWnd->PostMessage(WM_CLOSE, 0, 0);

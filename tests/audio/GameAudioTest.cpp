@@ -3,6 +3,7 @@
 #include "platform/Sequencer.h"
 #include "platform/WavePlayer.h"
 #include "support/AudioFiles.h"
+#include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +33,7 @@ protected:
     void StartUp()
     {
         Platform::StartSdl();
+        qvtest::WriteBlankArt();
         ASSERT_TRUE(t->InitInstance());
     }
     void Deliver(WPARAM notice)

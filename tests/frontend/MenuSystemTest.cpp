@@ -1,5 +1,6 @@
 #include "app/GameWnd.h"
 #include "frontend/MenuSystem.h"
+#include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
@@ -148,6 +149,7 @@ TEST_F(MenuSystemTest, ExitGameClosesTheMainWindow)
 {
     Menus().DoAction(ActionExitGame); // no window yet: nothing happens
     Platform::StartSdl();
+    qvtest::WriteBlankArt();
     ASSERT_TRUE(t->InitInstance());
     Press(VK_UP);
     ASSERT_EQ(Selected(), "Exit Game");

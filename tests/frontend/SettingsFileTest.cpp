@@ -1,5 +1,6 @@
 #include "frontend/MenuSystem.h"
 #include "platform/FileStore.h"
+#include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
@@ -188,6 +189,7 @@ TEST(SettingsAtShutDown, ACloseSignalEndsTheGameNormallyAndSaves)
         qvtest::TestApp t;
         Platform::StartSdl();
         Platform::InstallCloseSignals();
+        qvtest::WriteBlankArt();
         ASSERT_TRUE(t->InitInstance());
         t->menus.SetOptionOn(OptionStars, false);
         std::raise(signal);

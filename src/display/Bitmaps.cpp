@@ -1,0 +1,136 @@
+#include "display/Bitmaps.h"
+
+#include "platform/Bitmap.h"
+#include "platform/DC.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <fstream>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t FileHeaderBytes = 14;
+constexpr std::size_t InfoHeaderBytes = 40;
+constexpr std::uint32_t ExpectedInfoHeaderSize = 40;
+constexpr int MaxPalettedBits = 8;
+
+std::uint32_t ReadLittle(const std::uint8_t* bytes, int count)
+{
+    std::uint32_t value = 0;
+    for (int i = count - 1; i >= 0; --i)
+        value = (value << 8) | bytes[i];
+    return value;
+}
+
+// Entry i of the default palette: three bits of red, three of green, two of blue.
+CPalette::Entries ColourCube()
+{
+    CPalette::Entries entries;
+    for (int i = 0; i < CPalette::Size; ++i) {
+        entries[i].peRed = static_cast<std::uint8_t>(((i >> 5) & 7) * 255 / 7);
+        entries[i].peGreen = static_cast<std::uint8_t>(((i >> 2) & 7) * 255 / 7);
+        entries[i].peBlue = static_cast<std::uint8_t>((i & 3) * 255 / 3);
+        entries[i].peFlags = 0;
+    }
+    return entries;
+}
+
+// How many entries of the bitmap's colour table are colours.
+int ColourTableSize(const std::array<std::uint8_t, InfoHeaderBytes>& info)
+{
+    const std::uint32_t headerSize = ReadLittle(&info[0], 4);
+    const std::uint32_t bitsPerPixel = ReadLittle(&info[14], 2);
+    const std::uint32_t coloursUsed = ReadLittle(&info[32], 4);
+    if (headerSize != ExpectedInfoHeaderSize || bitsPerPixel > MaxPalettedBits)
+        return 0;
+    const std::uint32_t n = coloursUsed != 0 ? coloursUsed : (1u << bitsPerPixel);
+    return static_cast<int>(std::min<std::uint32_t>(n, CPalette::Size));
+}
+
+} // namespace
+
+Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t width, std::int32_t height,
+                      std::int32_t x, std::int32_t y)
+{
+    CBitmap image;
+    if (const Result error = Platform::LoadImageFile(path, width, height, image)) {
+        Platform::OutputDebugString("handle is null\n");
+        return error;
+    }
+    CDC* dc = nullptr;
+    if (surface && surface->GetDC(dc) == DD_OK) {
+        dc->StretchBlt(x, y, width, height, image, 0, 0, width, height);
+        surface->ReleaseDC(dc);
+    }
+    return 0;
+}
+
+PalettePtr LoadPalette(CDisplayDevice* device, const std::string& path)
+{
+    CPalette::Entries entries = ColourCube();
+    std::ifstream file(path, std::ios::binary);
+    if (file) {
+        std::array<std::uint8_t, FileHeaderBytes> fileHeader{};
+        std::array<std::uint8_t, InfoHeaderBytes> info{};
+        std::array<std::uint8_t, CPalette::Size * 4> table{};
+        file.read(reinterpret_cast<char*>(fileHeader.data()), fileHeader.size());
+        file.read(reinterpret_cast<char*>(info.data()), info.size());
+        file.read(reinterpret_cast<char*>(table.data()), table.size());
+        // The bytes read go straight into the entries; where the file ended, the cube stays.
+        const auto tableBytes = static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0));
+        std::memcpy(entries.data(), table.data(), tableBytes);
+        // The file's colours are blue, green, red; the palette's red, green, blue.
+        const int n = ColourTableSize(info);
+        for (int i = 0; i < n; ++i)
+            std::swap(entries[i].peRed, entries[i].peBlue);
+    }
+    PalettePtr palette;
+    if (!device || device->CreatePalette(DDPCAPS_8BIT, entries, palette) != DD_OK)
+        return nullptr;
+    return palette;
+}
+
+std::uint32_t MatchColour(CSurface* surface, COLORREF colour)
+{
+    if (!surface)
+        return CLR_INVALID;
+    const bool setsPixel = colour != CLR_INVALID;
+    COLORREF remembered = 0;
+    bool changed = false;
+    CDC* dc = nullptr;
+    if (setsPixel && surface->GetDC(dc) == DD_OK) {
+        remembered = dc->GetPixel(0, 0);
+        dc->SetPixel(0, 0, colour);
+        surface->ReleaseDC(dc);
+        changed = true;
+    }
+
+    std::uint32_t value = CLR_INVALID;
+    LockedSurface memory;
+    Result locked = surface->Lock(memory);
+    while (locked == DDERR_WASSTILLDRAWING)
+        locked = surface->Lock(memory);
+    if (locked == DD_OK) {
+        std::uint32_t firstWord = 0;
+        std::memcpy(&firstWord, memory.pixels, sizeof firstWord);
+        const int bits = memory.bitsPerPixel;
+        value = bits < 32 ? firstWord & ((1u << bits) - 1) : firstWord;
+        surface->Unlock();
+    }
+
+    if (changed && surface->GetDC(dc) == DD_OK) {
+        dc->SetPixel(0, 0, remembered);
+        surface->ReleaseDC(dc);
+    }
+    return value;
+}
+
+Result SetColourKey(CSurface* surface, COLORREF colour)
+{
+    if (!surface)
+        return DDERR_INVALIDPARAMS;
+    const std::uint32_t key = MatchColour(surface, colour);
+    return surface->SetColorKey(DDCKEY_SRCBLT, key, key);
+}

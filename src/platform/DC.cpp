@@ -1,0 +1,161 @@
+#include "platform/DC.h"
+
+#include "platform/Bitmap.h"
+#include "platform/Font.h"
+#include "platform/Surface.h"
+
+#include <algorithm>
+#include <utility>
+
+CDC::CDC(std::uint16_t* surfaceBits, std::int32_t pitchInPixels, std::int32_t w, std::int32_t h)
+    : bits(surfaceBits), pitch(pitchInPixels), width(w), height(h)
+{
+}
+
+COLORREF CDC::SetPixel(std::int32_t x, std::int32_t y, COLORREF colour)
+{
+    if (!OnSurface(x, y))
+        return CLR_INVALID;
+    At(x, y) = Platform::PackRgb565(colour);
+    return Platform::UnpackRgb565(At(x, y));
+}
+
+COLORREF CDC::GetPixel(std::int32_t x, std::int32_t y) const
+{
+    return OnSurface(x, y) ? Platform::UnpackRgb565(At(x, y)) : CLR_INVALID;
+}
+
+void CDC::FillRect(const RECT& rect, COLORREF colour)
+{
+    const RECT area = IntersectRect(rect, RECT{0, 0, width, height});
+    const std::uint16_t value = Platform::PackRgb565(colour);
+    for (std::int32_t y = area.top; y < area.bottom; ++y)
+        std::fill(&At(area.left, y), &At(area.left, y) + area.Width(), value);
+}
+
+void CDC::FrameRect(const RECT& rect, COLORREF colour)
+{
+    if (rect.IsEmpty())
+        return;
+    FillRect({rect.left, rect.top, rect.right, rect.top + 1}, colour);
+    FillRect({rect.left, rect.bottom - 1, rect.right, rect.bottom}, colour);
+    FillRect({rect.left, rect.top, rect.left + 1, rect.bottom}, colour);
+    FillRect({rect.right - 1, rect.top, rect.right, rect.bottom}, colour);
+}
+
+bool CDC::Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom)
+{
+    if (right <= left || bottom <= top)
+        return false;
+    // Pixel centres inside the ellipse that fits the box; the pixels on its rim take the pen.
+    const double rx = (right - left) / 2.0;
+    const double ry = (bottom - top) / 2.0;
+    const double cx = left + rx;
+    const double cy = top + ry;
+    auto inside = [&](std::int32_t x, std::int32_t y) {
+        const double dx = (x + 0.5 - cx) / rx;
+        const double dy = (y + 0.5 - cy) / ry;
+        return dx * dx + dy * dy <= 1.0;
+    };
+    const std::uint16_t pen = Platform::PackRgb565(penColour);
+    const std::uint16_t brush = Platform::PackRgb565(brushColour);
+    for (std::int32_t y = std::max(top, 0); y < std::min(bottom, height); ++y) {
+        for (std::int32_t x = std::max(left, 0); x < std::min(right, width); ++x) {
+            if (!inside(x, y))
+                continue;
+            const bool rim = !inside(x - 1, y) || !inside(x + 1, y) || !inside(x, y - 1) || !inside(x, y + 1);
+            At(x, y) = rim ? pen : brush;
+        }
+    }
+    return true;
+}
+
+bool CDC::StretchBlt(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h, const CBitmap& source,
+                     std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth, std::int32_t sourceHeight)
+{
+    if (w <= 0 || h <= 0 || sourceWidth <= 0 || sourceHeight <= 0)
+        return false;
+    const RECT area = IntersectRect({x, y, x + w, y + h}, {0, 0, width, height});
+    for (std::int32_t ty = area.top; ty < area.bottom; ++ty) {
+        const std::int64_t sy = sourceY + static_cast<std::int64_t>(ty - y) * sourceHeight / h;
+        if (sy < 0 || sy >= source.GetHeight())
+            continue;
+        for (std::int32_t tx = area.left; tx < area.right; ++tx) {
+            const std::int64_t sx = sourceX + static_cast<std::int64_t>(tx - x) * sourceWidth / w;
+            if (sx >= 0 && sx < source.GetWidth())
+                At(tx, ty) = Platform::PackRgb565(source.GetPixel(static_cast<std::int32_t>(sx), static_cast<std::int32_t>(sy)));
+        }
+    }
+    return true;
+}
+
+CFont* CDC::SelectObject(CFont* newFont)
+{
+    return std::exchange(font, newFont);
+}
+
+COLORREF CDC::SetTextColor(COLORREF colour)
+{
+    return std::exchange(textColour, colour);
+}
+
+COLORREF CDC::SetBkColor(COLORREF colour)
+{
+    return std::exchange(bkColour, colour);
+}
+
+int CDC::SetBkMode(int mode)
+{
+    return std::exchange(bkMode, mode);
+}
+
+CFont& CDC::TextFont() const
+{
+    return font && font->HasHandle() ? *font : CFont::Stock();
+}
+
+SIZE CDC::GetTextExtent(const std::string& text) const
+{
+    CFontFace* face = TextFont().GetFace();
+    if (!face)
+        return {};
+    SIZE size{0, face->GetHeight()};
+    for (unsigned char ch : text)
+        size.cx += face->GetGlyph(ch).advance;
+    return size;
+}
+
+void CDC::Blend(std::int32_t x, std::int32_t y, COLORREF colour, std::uint8_t coverage)
+{
+    const COLORREF under = Platform::UnpackRgb565(At(x, y));
+    auto mix = [coverage](std::uint8_t over, std::uint8_t below) {
+        return static_cast<std::uint8_t>((over * coverage + below * (255 - coverage)) / 255);
+    };
+    At(x, y) = Platform::PackRgb565(RGB(mix(GetRValue(colour), GetRValue(under)),
+                                        mix(GetGValue(colour), GetGValue(under)),
+                                        mix(GetBValue(colour), GetBValue(under))));
+}
+
+bool CDC::TextOut(std::int32_t x, std::int32_t y, const std::string& text)
+{
+    CFontFace* face = TextFont().GetFace();
+    if (!face)
+        return false;
+    if (bkMode == OPAQUE) {
+        const SIZE extent = GetTextExtent(text);
+        FillRect({x, y, x + extent.cx, y + extent.cy}, bkColour);
+    }
+    std::int32_t pen = x;
+    for (unsigned char ch : text) {
+        const Glyph& glyph = face->GetGlyph(ch);
+        for (std::int32_t gy = 0; gy < glyph.height; ++gy) {
+            for (std::int32_t gx = 0; gx < glyph.width; ++gx) {
+                const std::uint8_t c = glyph.coverage[static_cast<std::size_t>(gy) * glyph.width + gx];
+                if (c != 0 && OnSurface(pen + gx, y + gy))
+                    Blend(pen + gx, y + gy, textColour, c);
+            }
+        }
+        pen += glyph.advance;
+    }
+    return true;
+}

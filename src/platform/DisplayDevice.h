@@ -1,0 +1,99 @@
+#pragma once
+#include "platform/Palette.h"
+#include "platform/Surface.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+struct SDL_Renderer;
+struct SDL_Texture;
+class CDisplayDevice;
+
+using DisplayDevicePtr = std::shared_ptr<CDisplayDevice>;
+
+// The operations of the display device and its surfaces that tests can make fail.
+enum class DisplayOp {
+    Create,
+    QueryDevice2,
+    SetCooperativeLevel,
+    SetDisplayMode,
+    CreateSurface,
+    GetAttachedSurface,
+    QuerySurface2,
+    CreatePalette,
+    SetPalette,
+    SetColorKey,
+    ColourFill,
+    BltFast,
+    Lock,
+    GetDC,
+    Flip,
+};
+
+namespace Platform {
+// Makes the call of op after the next `skip` ones fail with code, `times` calls in a row.
+void InjectDisplayFault(DisplayOp op, Result code, int skip = 0, int times = 1);
+void ClearDisplayFaults();
+// The code an injected fault gives this call of op, or 0.
+Result TakeDisplayFault(DisplayOp op);
+
+// Every surface of every display device is lost: the window was minimised or
+// hidden, or the renderer lost its targets or its device.
+void NotifySurfacesLost();
+// The window is going away: no device may draw on it any more.
+void ForgetDisplayWindow(HWND window);
+} // namespace Platform
+
+// The display device: takes a window for the game's exclusive use, sets the
+// game's display mode and makes surfaces and palettes. The mode becomes a
+// full-screen window over which the game's picture is scaled and letterboxed;
+// a flip uploads the back buffer to a streaming texture and presents it,
+// waiting for the display's vertical blank.
+class CDisplayDevice : public std::enable_shared_from_this<CDisplayDevice> {
+public:
+    static Result Create(DisplayDevicePtr& out);
+    CDisplayDevice(const CDisplayDevice&) = delete;
+    CDisplayDevice& operator=(const CDisplayDevice&) = delete;
+    ~CDisplayDevice();
+
+    // The device's second-version interface: the same device, one more holder.
+    Result QueryDevice2(DisplayDevicePtr& out);
+    Result SetCooperativeLevel(HWND window, std::uint32_t flags);
+    Result SetDisplayMode(std::int32_t width, std::int32_t height, std::int32_t bitsPerPixel,
+                          std::int32_t refreshRate, std::uint32_t flags);
+    Result CreateSurface(const SurfaceDesc& desc, SurfacePtr& out);
+    Result CreatePalette(std::uint32_t caps, const CPalette::Entries& entries, PalettePtr& out);
+
+    void MarkSurfacesLost();
+    void ForgetWindow(HWND gone);
+
+    // Keyed copies from off-screen surfaces made from now on use run-length
+    // encoding when this is on. It is off: a page holds many frames, and an
+    // encoded copy of one of them first walks the encoded rows above and
+    // beside it, which makes a frame's sprites several times slower to draw.
+    static void SetRunLengthPages(bool enable);
+
+private:
+    CDisplayDevice() = default;
+
+    Result CreateFlippingChain(const SurfaceDesc& desc, SurfacePtr& out);
+    Result MakePresenter();
+    Result RemakeTexture();
+    void DropPresenter();
+    Result Present(SDL_Surface* picture);
+    void WaitForVerticalBlank();
+    void Forget(CSurface* surface);
+
+    HWND window = nullptr;
+    bool exclusive = false;
+    std::int32_t modeWidth = 0;
+    std::int32_t modeHeight = 0;
+    SDL_Renderer* renderer = nullptr;
+    SDL_Texture* texture = nullptr;
+    bool presentWaits = false;
+    std::uint32_t lastFlipMs = 0;
+    std::vector<CSurface*> surfaces;
+
+    friend class CSurface;
+};

@@ -1,0 +1,159 @@
+#include "support/DisplayApp.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qvtest::DisplayApp;
+using qvtest::TraceRecorder;
+
+const std::vector<std::string> InitTraces{"Creating direct draw object", "Finding DD v3 interface",
+                                          "Setting Cooperative Level, exclusive, fullscreen", "Set Resolution",
+                                          "Screen Width"};
+
+TEST(DisplayInit, TracesEachStepAndSucceedsWithTheBlankBitmap)
+{
+    DisplayApp t;
+    qvtest::WriteBlankArt();
+    HWND window = t.OpenWindow();
+    ASSERT_NE(window, nullptr);
+    TraceRecorder trace;
+    ASSERT_EQ(t->display.Init(window), 0u);
+    EXPECT_EQ(trace.Texts(), InitTraces);
+    EXPECT_EQ(trace.lines[4].kind, TraceLine::Value);
+    EXPECT_EQ(trace.lines[4].number, 1024);
+    ASSERT_NE(t->display.GetPrimary(), nullptr);
+    ASSERT_NE(t->display.GetBack(), nullptr);
+    EXPECT_NE(t->display.GetPalette(), nullptr);
+    EXPECT_EQ(t->display.GetBack()->GetHeight(), 768);
+    EXPECT_TRUE(t->display.GetPrimary()->GetCaps() & DDSCAPS_VIDEOMEMORY);
+}
+
+TEST(DisplayInit, RetriesTheFlippingChainOnceWithoutVideoMemory)
+{
+    for (int failures : {1, 2}) {
+        DisplayApp t;
+        qvtest::WriteBlankArt();
+        HWND window = t.OpenWindow();
+        Platform::InjectDisplayFault(DisplayOp::CreateSurface, DDERR_OUTOFVIDEOMEMORY, 0, failures);
+        qvtest::TraceRecorder trace;
+        EXPECT_EQ(t->display.Init(window), failures == 1 ? 0u : DDERR_OUTOFVIDEOMEMORY); // the retry decides
+        EXPECT_EQ(trace.lines.back().text, "Insuficient video memory");
+        EXPECT_TRUE(failures == 2 || !(t->display.GetPrimary()->GetCaps() & DDSCAPS_VIDEOMEMORY));
+    }
+}
+
+struct FailingStep {
+    DisplayOp op;
+    int skip;
+    const char* lastTrace;
+};
+
+class DisplayInitFailure : public ::testing::TestWithParam<FailingStep> {};
+
+TEST_P(DisplayInitFailure, StopsAtTheFailingStepWithItsCode)
+{
+    const FailingStep step = GetParam();
+    DisplayApp t;
+    qvtest::WriteBlankArt();
+    HWND window = t.OpenWindow();
+    constexpr Result code = 0x88761234;
+    Platform::InjectDisplayFault(step.op, code, step.skip);
+    TraceRecorder trace;
+    EXPECT_EQ(t->display.Init(window), code);
+    ASSERT_FALSE(trace.lines.empty());
+    EXPECT_EQ(trace.lines.back().text, step.lastTrace);
+    if (trace.lines.back().kind == TraceLine::Code) {
+        EXPECT_EQ(trace.lines.back().number, code);
+    }
+    EXPECT_EQ(t->display.GetBack(), nullptr);
+    EXPECT_EQ(t->display.HasDevice(), step.op != DisplayOp::Create && step.op != DisplayOp::QueryDevice2);
+    t->Shutdown(); // gives up what was held; a second time does nothing
+    t->Shutdown();
+    EXPECT_FALSE(t->display.HasDevice());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EachStep, DisplayInitFailure,
+    ::testing::Values(FailingStep{DisplayOp::Create, 0, "Creating direct draw object"},
+                      FailingStep{DisplayOp::QueryDevice2, 0, "Finding DD v3 interface"},
+                      FailingStep{DisplayOp::SetCooperativeLevel, 0, "Setting Cooperative Level, exclusive, fullscreen"},
+                      FailingStep{DisplayOp::SetDisplayMode, 0, "Screen Width"},
+                      FailingStep{DisplayOp::CreateSurface, 0, "Screen Width"},
+                      FailingStep{DisplayOp::GetAttachedSurface, 0, "Screen Width"},
+                      FailingStep{DisplayOp::QuerySurface2, 0, "Error getting DirectDraw2 Surface!"},
+                      FailingStep{DisplayOp::QuerySurface2, 1, "Error getting DirectDraw2 Surface!"}));
+
+TEST(DisplayInit, TheBlankBitmapDecidesAndWithoutAPaletteItIsNotDrawn)
+{
+    DisplayApp noFolder;
+    EXPECT_EQ(noFolder->display.Init(noFolder.OpenWindow()), ERROR_PATH_NOT_FOUND);
+
+    DisplayApp noFile;
+    qvtest::WriteBitmap("art/title_screen.bmp", 2, 2, [](int, int) { return RGB(9, 9, 9); });
+    EXPECT_EQ(noFile->display.Init(noFile.OpenWindow()), ERROR_FILE_NOT_FOUND);
+
+    DisplayApp noPalette;
+    Platform::InjectDisplayFault(DisplayOp::CreatePalette, DDERR_OUTOFMEMORY);
+    EXPECT_EQ(noPalette->display.Init(noPalette.OpenWindow()), 0u); // the blank is never looked for
+    EXPECT_EQ(noPalette->display.GetPalette(), nullptr);
+}
+
+TEST(DisplayInit, AFailedStartShowsTheErrorAndEndsStartUp)
+{
+    DisplayApp t;
+    std::vector<std::string> boxes;
+    Platform::SetMessageBoxHandler([&](HWND, const std::string& text, const std::string& caption, UINT) {
+        boxes.push_back(caption + ":" + text);
+        return IDOK;
+    });
+    Platform::StartSdl();
+    EXPECT_FALSE(t->InitInstance()); // no art folder at all
+    Platform::SetMessageBoxHandler(nullptr);
+    EXPECT_EQ(boxes, std::vector<std::string>{"ERROR:Direct Draw Init Failed (00000003)\n"});
+    EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
+    EXPECT_FALSE(t->display.HasDevice());
+    EXPECT_EQ(t->ready, 0);
+}
+
+TEST(DisplaySurfaces, PagesAreScreenSizedKeyedOnBlackAndClearedFromTheBlank)
+{
+    DisplayApp t;
+    qvtest::WriteBitmap("art/blank.bmp", 4, 4, [](int, int) { return RGB(0, 0, 255); });
+    ASSERT_TRUE(t.Start());
+    SurfacePtr page = t->display.CreateOffscreenSurface();
+    ASSERT_TRUE(page);
+    EXPECT_EQ(page->GetWidth(), 1024);
+    EXPECT_EQ(page->GetHeight(), 768);
+    EXPECT_TRUE(page->HasColorKey());
+    EXPECT_EQ(page->GetColorKey(), 0u);
+    EXPECT_EQ(DisplayApp::PixelAt(*page, 1023, 767), 0x001F);
+    EXPECT_EQ(DisplayApp::PixelAt(*page, 0, 0), 0x001F); // matching the key left the corner as it was
+
+    Platform::InjectDisplayFault(DisplayOp::CreateSurface, E_FAIL);
+    EXPECT_EQ(t->display.CreateOffscreenSurface(), nullptr);
+    Platform::InjectDisplayFault(DisplayOp::QuerySurface2, E_FAIL);
+    EXPECT_EQ(t->display.CreateOffscreenSurface(), nullptr);
+}
+
+TEST(DisplayFlip, ALostDisplayIsRestoredAndTheSpritesReloadedWithinTheFrame)
+{
+    DisplayApp t;
+    qvtest::WriteFile("sprite.ini", std::string("ship1 8 8\nrock 4 4\n"));
+    qvtest::WriteBitmap("art/ship1.bmp", 8, 8, [](int, int) { return RGB(255, 255, 255); });
+    ASSERT_TRUE(t.Start());
+    ASSERT_EQ(t->sprites.GetEntries().size(), 2u);
+
+    Platform::NotifySurfacesLost(); // as when the window is minimised
+    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DDERR_SURFACELOST);
+    EXPECT_EQ(t->display.Flip(), 0u);
+    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DD_OK);
+    EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
+    ASSERT_EQ(t->sprites.GetEntries().size(), 4u);
+    EXPECT_EQ(t->sprites.GetEntries()[2].name, "ship1");
+    // The first entry's frame shows its image again after the page was wiped.
+    const CSpriteFrame& frame = t->sprites.GetEntries()[0].frames[0];
+    EXPECT_EQ(DisplayApp::PixelAt(*frame.surface, frame.source.left + 3, frame.source.top + 3), 0xFFFF);
+}
+
+} // namespace

@@ -1,0 +1,140 @@
+#include "support/DisplayApp.h"
+
+#include "display/SpriteInstance.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qvtest::DisplayApp;
+
+constexpr std::uint16_t Backdrop = 0x0010; // a dark blue no sprite pixel uses
+constexpr std::uint16_t White = 0xFFFF;
+
+class SpriteInstanceTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(t.Start()); }
+
+    CSpriteInstance Bound(const SpriteLine& line)
+    {
+        t->sprites.AddSprite(line);
+        CSpriteInstance instance;
+        instance.Bind(static_cast<std::int32_t>(t->sprites.GetEntries().size() - 1));
+        return instance;
+    }
+    // An 8 x 8 sprite whose every pixel tells its column and row, black in the corner.
+    CSpriteInstance Gradient()
+    {
+        qvtest::WriteBitmap("art/grad.bmp", 8, 8, [](int x, int y) { return Colour(x, y); });
+        return Bound({"grad", 8, 8, 0, 0, 0});
+    }
+    static COLORREF Colour(int x, int y)
+    {
+        return x == 0 && y == 0 ? RGB(0, 0, 0) : RGB(static_cast<std::uint8_t>(x * 32), static_cast<std::uint8_t>(y * 32), 64);
+    }
+    static std::uint16_t Value(int x, int y) { return Platform::PackRgb565(Colour(x, y)); }
+    std::uint16_t Pixel(int x, int y) { return DisplayApp::PixelAt(t.Back(), x, y); }
+    void ClearBack() { t.Back().ColourFill(nullptr, Backdrop); }
+
+    DisplayApp t;
+};
+
+TEST_F(SpriteInstanceTest, RotationRoundsToTheNearestOfThirtySixDirections)
+{
+    CSpriteInstance ship = Bound({"ship", 8, 8, 36, 0, 0});
+    ship.SetRotation(354);
+    EXPECT_EQ(ship.GetAngle(), 359);
+    EXPECT_EQ(ship.ChosenFrameIndex(), 35);
+    ship.SetRotation(355);
+    EXPECT_EQ(ship.GetAngle(), 0);
+    EXPECT_EQ(ship.ChosenFrameIndex(), 0);
+    ship.SetRotation(-725); // -720 - 5, plus the half step: 0
+    EXPECT_EQ(ship.GetAngle(), 0);
+
+    CSpriteInstance odd = Bound({"odd", 8, 8, 7, 0, 0}); // 51 degrees a step, 7 frames
+    odd.SetRotation(334);
+    EXPECT_EQ(odd.GetAngle(), 359);
+    EXPECT_EQ(odd.ChosenFrameIndex(), -1); // direction 7 does not exist: the placeholder
+}
+
+TEST_F(SpriteInstanceTest, AnimationAdvancesOneFrameOnceItsTimeIsExceededAndWraps)
+{
+    CSpriteInstance boom = Bound({"boom", 8, 8, 0, 8, 60});
+    boom.Draw(30);
+    boom.Draw(30);
+    EXPECT_EQ(boom.GetFrame(), 0); // 60 is not above 60
+    boom.Draw(1);
+    EXPECT_EQ(boom.GetFrame(), 1);
+    EXPECT_DOUBLE_EQ(boom.GetFrameClock(), 0.0);
+    boom.Draw(10000); // one frame a draw, however long the frame took
+    EXPECT_EQ(boom.GetFrame(), 2);
+    for (int i = 0; i < 5; ++i)
+        boom.Draw(61);
+    EXPECT_EQ(boom.GetFrame(), 7);
+    boom.Draw(61);
+    EXPECT_EQ(boom.GetFrame(), 0);
+
+    CSpriteInstance spinner = Bound({"spin", 8, 8, 4, 3, 10});
+    spinner.SetRotation(90);
+    spinner.Draw(11);
+    EXPECT_EQ(spinner.ChosenFrameIndex(), 1 * 3 + 1); // direction-major
+
+    CSpriteInstance still = Bound({"still", 8, 8, 0, 0, 0});
+    still.Draw(500);
+    EXPECT_EQ(still.GetFrame(), 0);
+    EXPECT_DOUBLE_EQ(still.GetFrameClock(), 0.0);
+}
+
+TEST_F(SpriteInstanceTest, DrawsCentredWithTheBlackKeyAndClipsAtEachScreenEdge)
+{
+    CSpriteInstance grad = Gradient();
+    EXPECT_EQ(grad.GetRadius(), 4);
+    struct Case {
+        int x, y;                          // the centre
+        int screenX, screenY, column, row; // a screen pixel and the frame pixel it shows; -1: the backdrop
+                                           // (the black corner is see-through; wholly off, nothing at all)
+    };
+    for (Case c : {Case{100, 200, 97, 196, 1, 0}, Case{100, 200, 103, 203, 7, 7}, Case{100, 200, 96, 196, -1, -1},
+                   Case{100, 200, 104, 203, -1, -1}, Case{2, 100, 0, 100, 2, 4}, Case{1021, 100, 1023, 100, 6, 4}, Case{100, 1, 100, 0, 4, 3},
+                   Case{100, 766, 100, 767, 4, 5}, Case{-3, -3, 0, 0, 7, 7}, Case{1026, 770, 1023, 767, 1, 1},
+                   Case{-4, 100, 0, 100, -1, -1}, Case{100, 772, 100, 767, -1, -1}}) {
+        SCOPED_TRACE(::testing::Message() << c.x << "," << c.y);
+        ClearBack();
+        grad.SetPosition(c.x, c.y);
+        qvtest::TraceRecorder trace;
+        grad.Draw(0);
+        EXPECT_TRUE(trace.lines.empty()); // the copy was never refused
+        EXPECT_EQ(Pixel(c.screenX, c.screenY), c.column < 0 ? Backdrop : Value(c.column, c.row));
+    }
+}
+
+TEST_F(SpriteInstanceTest, PlaceholderWhenUnboundWithoutAnImageOrWhenTheCopyFails)
+{
+    CSpriteInstance unbound;
+    unbound.SetPosition(100, 100);
+    ClearBack();
+    unbound.Draw(16);
+    EXPECT_EQ(Pixel(100, 100), White);
+    EXPECT_EQ(Pixel(84, 100), 0); // the outline, radius 16
+    EXPECT_EQ(Pixel(83, 100), Backdrop);
+
+    CSpriteInstance missing = Bound({"missing", 20, 20, 0, 0, 0});
+    missing.SetPosition(300, 300);
+    missing.Draw(16);
+    EXPECT_EQ(Pixel(300, 300), White);
+    EXPECT_EQ(Pixel(290, 300), 0); // radius 10, half the frame width
+
+    CSpriteInstance grad = Gradient();
+    grad.SetPosition(500, 500);
+    Platform::InjectDisplayFault(DisplayOp::BltFast, DDERR_SURFACEBUSY);
+    qvtest::TraceRecorder trace;
+    grad.Draw(16);
+    ASSERT_EQ(trace.lines.size(), 1u);
+    EXPECT_EQ(trace.lines[0].text, "Failed to draw sprite.");
+    EXPECT_EQ(trace.lines[0].number, DDERR_SURFACEBUSY);
+    EXPECT_EQ(Pixel(500, 500), White);
+    grad.Draw(16); // the next frame tries again
+    EXPECT_EQ(Pixel(500, 500), Value(4, 4));
+}
+
+} // namespace

@@ -1,0 +1,165 @@
+#include "support/DisplayApp.h"
+
+#include "platform/Bitmap.h"
+#include "platform/Font.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qvtest::ScopedDC;
+
+constexpr std::uint16_t Blue = 0x001F;
+constexpr std::uint16_t Green = 0x07E0;
+
+class SurfaceTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(CDisplayDevice::Create(device), DD_OK); }
+    void TearDown() override
+    {
+        Platform::ClearDisplayFaults();
+        CDisplayDevice::SetRunLengthPages(false);
+    }
+    SurfacePtr Page(int w, int h)
+    {
+        SurfaceDesc desc{DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, w, h, 0, DDSCAPS_OFFSCREENPLAIN};
+        SurfacePtr s;
+        EXPECT_EQ(device->CreateSurface(desc, s), DD_OK);
+        return s;
+    }
+    static std::uint16_t Pixel(CSurface& s, int x, int y) { return qvtest::DisplayApp::PixelAt(s, x, y); }
+    DisplayDevicePtr device;
+};
+
+TEST_F(SurfaceTest, CopiesRefuseWhatTheyCannotDoWithTheirCodes)
+{
+    SurfacePtr page = Page(32, 32);
+    SurfacePtr back = Page(64, 64);
+    const RECT inside{0, 0, 16, 16};
+    EXPECT_EQ(back->BltFast(0, 0, nullptr, &inside, 0), DDERR_INVALIDPARAMS);
+    const RECT overSource{20, 20, 40, 40};
+    EXPECT_EQ(back->BltFast(0, 0, page.get(), &overSource, 0), DDERR_INVALIDRECT);
+    EXPECT_EQ(back->BltFast(50, 0, page.get(), &inside, 0), DDERR_INVALIDRECT); // would reach x 66
+    EXPECT_EQ(back->BltFast(-1, 0, page.get(), &inside, 0), DDERR_INVALIDRECT);
+    const RECT empty{5, 5, 5, 9};
+    EXPECT_EQ(back->BltFast(0, 0, page.get(), &empty, 0), DDERR_INVALIDRECT);
+    EXPECT_EQ(back->BltFast(0, 0, page.get(), &inside, DDBLTFAST_SRCCOLORKEY), DDERR_NOCOLORKEY);
+    EXPECT_EQ(back->BltFast(48, 48, page.get(), &inside, DDBLTFAST_NOCOLORKEY), DD_OK); // exactly at the edge
+
+    CDC* dc = nullptr;
+    ASSERT_EQ(page->GetDC(dc), DD_OK);
+    CDC* second = nullptr;
+    EXPECT_EQ(page->GetDC(second), DDERR_DCALREADYCREATED);
+    EXPECT_EQ(back->BltFast(0, 0, page.get(), &inside, 0), DDERR_SURFACEBUSY);
+    EXPECT_EQ(page->ReleaseDC(dc), DD_OK);
+    EXPECT_EQ(page->Unlock(), DDERR_NOTLOCKED);
+
+    page->MarkLost();
+    EXPECT_EQ(back->BltFast(0, 0, page.get(), &inside, 0), DDERR_SURFACELOST);
+    EXPECT_EQ(page->ColourFill(nullptr, Blue), DDERR_SURFACELOST);
+    LockedSurface memory;
+    EXPECT_EQ(page->Lock(memory), DDERR_SURFACELOST);
+    EXPECT_EQ(page->GetDC(dc), DDERR_SURFACELOST);
+    back->ColourFill(nullptr, Blue);
+    back->MarkLost();
+    EXPECT_EQ(page->Restore(), DD_OK);
+    EXPECT_EQ(back->Restore(), DD_OK);
+    EXPECT_EQ(Pixel(*back, 3, 3), 0); // a restored surface has lost its picture
+    EXPECT_EQ(back->BltFast(0, 0, page.get(), &inside, 0), DD_OK);
+}
+
+// A page with a blue frame on a black (keyed) square, copied keyed onto green.
+TEST_F(SurfaceTest, KeyedCopiesSkipTheKeyWithOrWithoutRunLengthEncoding)
+{
+    for (bool runLength : {false, true}) {
+        SCOPED_TRACE(runLength ? "run-length encoded" : "plain");
+        CDisplayDevice::SetRunLengthPages(runLength);
+        SurfacePtr page = Page(16, 16);
+        SurfacePtr back = Page(16, 16);
+        const RECT ring[] = {{2, 2, 14, 4}, {2, 12, 14, 14}, {2, 2, 4, 14}, {12, 2, 14, 14}};
+        for (const RECT& r : ring)
+            page->ColourFill(&r, Blue);
+        ASSERT_EQ(page->SetColorKey(DDCKEY_SRCBLT, 0, 0), DD_OK);
+        for (int round = 0; round < 2; ++round) { // the second copy uses whatever encoding the first built
+            back->ColourFill(nullptr, Green);
+            ASSERT_EQ(back->BltFast(0, 0, page.get(), nullptr, DDBLTFAST_SRCCOLORKEY), DD_OK);
+            EXPECT_EQ(Pixel(*back, 0, 0), Green);
+            EXPECT_EQ(Pixel(*back, 8, 8), Green);
+            EXPECT_EQ(Pixel(*back, 2, 2), Blue);
+            EXPECT_EQ(Pixel(*back, 13, 8), Blue);
+        }
+        // Its memory still reads as it was drawn, first pixel included.
+        page->ColourFill(&ring[0], Green);
+        LockedSurface memory;
+        ASSERT_EQ(page->Lock(memory), DD_OK);
+        const auto* bits = static_cast<const std::uint16_t*>(memory.pixels);
+        EXPECT_EQ(bits[0], 0);
+        EXPECT_EQ(bits[2 * memory.pitch / 2 + 2], Green); // (2, 2)
+        page->Unlock();
+        ASSERT_EQ(back->BltFast(0, 0, page.get(), nullptr, DDBLTFAST_NOCOLORKEY), DD_OK);
+        EXPECT_EQ(Pixel(*back, 8, 8), 0); // unkeyed: black is copied too
+        EXPECT_EQ(Pixel(*back, 3, 3), Green);
+    }
+}
+
+TEST_F(SurfaceTest, TextOfTheGameFontsIsAboutItsNominalWidthAndTransparentWhenAsked)
+{
+    SurfacePtr page = Page(1024, 64);
+    struct FontCase {
+        int height, width, weight;
+    };
+    for (FontCase fc : {FontCase{14, 8, FW_NORMAL}, {10, 7, FW_NORMAL}, {20, 12, FW_NORMAL}, {48, 20, FW_HEAVY}}) {
+        SCOPED_TRACE(fc.height);
+        LOGFONT request{fc.height, fc.width, 0, 0, fc.weight};
+        request.lfOutPrecision = OUT_TT_PRECIS;
+        request.lfPitchAndFamily = FF_MODERN;
+        CFont font;
+        ASSERT_TRUE(font.CreateFontIndirect(request));
+        page->ColourFill(nullptr, Green);
+        ScopedDC dc(*page);
+        dc->SelectObject(&font);
+        const std::string text = "Score: 123456789 Level";
+        const SIZE extent = dc->GetTextExtent(text);
+        const int nominal = static_cast<int>(text.size()) * fc.width;
+        EXPECT_NEAR(extent.cx, nominal, fc.width);
+        EXPECT_NEAR(extent.cy, fc.height, 2);
+
+        dc->SetBkMode(TRANSPARENT);
+        dc->SetTextColor(RGB(200, 0, 0));
+        ASSERT_TRUE(dc->TextOut(0, 0, text));
+        int inked = 0;
+        int untouched = 0;
+        for (int y = 0; y < extent.cy; ++y) {
+            for (int x = 0; x < extent.cx; ++x) {
+                const COLORREF c = dc->GetPixel(x, y);
+                inked += c == RGB(200, 0, 0);
+                untouched += c == Platform::UnpackRgb565(Green);
+            }
+        }
+        EXPECT_GT(inked, 0);
+        EXPECT_GT(untouched, extent.cx * extent.cy / 3); // the background shows between the letters
+        EXPECT_EQ(dc->GetPixel(extent.cx + 2, 2), Platform::UnpackRgb565(Green));
+
+        dc->SetBkMode(OPAQUE);
+        dc->SetBkColor(RGB(0, 0, 248));
+        dc->TextOut(0, 0, " ");
+        EXPECT_EQ(dc->GetPixel(1, 1), RGB(0, 0, 248));
+    }
+}
+
+TEST(BitmapLoading, MissingFileMissingFolderAndJunkHaveTheirCodes)
+{
+    qvtest::ScopedWorkDir dir;
+    CBitmap image;
+    qvtest::WriteFile("art/junk.bmp", std::string("BM this is no bitmap"));
+    auto truncated = qvtest::Bitmap24(8, 8, [](int, int) { return RGB(1, 2, 3); });
+    truncated.resize(40);
+    qvtest::WriteFile("art/short.bmp", truncated);
+    EXPECT_EQ(Platform::LoadImageFile("art/none.bmp", 4, 4, image), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Platform::LoadImageFile("nowhere/none.bmp", 4, 4, image), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(Platform::LoadImageFile("art/junk.bmp", 4, 4, image), ERROR_INVALID_DATA);
+    EXPECT_EQ(Platform::LoadImageFile("art/short.bmp", 4, 4, image), ERROR_INVALID_DATA);
+    EXPECT_EQ(Platform::LoadImageFile("art", 4, 4, image), ERROR_INVALID_DATA);
+}
+
+} // namespace
