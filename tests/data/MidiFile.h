@@ -1,9 +1,9 @@
 #pragma once
-// A reader for Standard MIDI Files: header, tracks, running status, meta and
-// system-exclusive events, and the tempo map needed to time the tune.
+// A strict reader for Standard MIDI Files, as a sequencer reads them: header,
+// tracks, running status, meta and system-exclusive events.
 #include <algorithm>
 #include <cstdint>
-#include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,65 +17,45 @@ struct MidiEvent {
     uint8_t metaType = 0;
     std::vector<uint8_t> data;
 
-    uint8_t Kind() const { return status & 0xF0; }
     uint8_t Channel() const { return status & 0x0F; }
-    bool IsNoteOn() const { return Kind() == 0x90 && data.size() == 2 && data[1] > 0; }
-    bool IsNoteOff() const { return Kind() == 0x80 || (Kind() == 0x90 && data.size() == 2 && data[1] == 0); }
+    bool IsNoteOn() const { return (status & 0xF0) == 0x90 && data[1] > 0; }
+    bool IsNoteOff() const { return (status & 0xF0) == 0x80 || ((status & 0xF0) == 0x90 && data[1] == 0); }
 };
 
 struct MidiFile {
-    std::string error;
-    uint16_t format = 0, trackCount = 0, division = 0;
+    std::string error;  // empty when the file parsed
+    uint16_t format = 0, division = 0;
     std::vector<std::vector<MidiEvent>> tracks;
 
     static MidiFile Parse(const std::vector<uint8_t>& b) {
         MidiFile m;
-        if (Tag(b, 0) != "MThd" || Be32(b, 4) != 6) return Fail("no MThd header");
-        m.format = static_cast<uint16_t>(Be16(b, 8));
-        m.trackCount = static_cast<uint16_t>(Be16(b, 10));
-        m.division = static_cast<uint16_t>(Be16(b, 12));
-        size_t at = 14;
-        for (int t = 0; t < m.trackCount; ++t) {
-            if (Tag(b, at) != "MTrk") return Fail("missing MTrk");
-            const size_t end = at + 8 + Be32(b, at + 4);
-            if (end > b.size()) return Fail("track overruns the file");
-            std::string why;
-            m.tracks.push_back(ReadTrack(b, at + 8, end, why));
-            if (!why.empty()) return Fail(why);
-            at = end;
+        try {
+            m.Read(b);
+        } catch (const std::exception& e) {  // a failed check, or a read past the end
+            m = MidiFile{};
+            m.error = e.what();
         }
-        if (at != b.size()) return Fail("bytes after the last track");
         return m;
     }
 
     uint32_t EndTick() const {
         uint32_t end = 0;
-        for (const auto& track : tracks)
-            if (!track.empty()) end = std::max(end, track.back().tick);
+        for (const auto& track : tracks) end = std::max(end, track.back().tick);
         return end;
     }
 
-    // Seconds from the start to a tick, following every tempo change.
+    // Seconds from the start to a tick at the file's tempo (the game's tune keeps one).
     double SecondsAt(uint32_t tick) const {
-        std::map<uint32_t, uint32_t> tempo{{0, 500000}};
+        uint32_t tempo = 500000;
         for (const auto& track : tracks)
             for (const MidiEvent& e : track)
-                if (e.status == 0xFF && e.metaType == 0x51 && e.data.size() == 3)
-                    tempo[e.tick] = (e.data[0] << 16) | (e.data[1] << 8) | e.data[2];
-        double seconds = 0.0;
-        for (auto it = tempo.begin(); it != tempo.end() && it->first < tick; ++it) {
-            const auto next = std::next(it);
-            const uint32_t until = (next == tempo.end() || next->first > tick) ? tick : next->first;
-            seconds += (until - it->first) * (it->second / 1e6) / division;
-        }
-        return seconds;
+                if (e.status == 0xFF && e.metaType == 0x51) tempo = (e.data.at(0) << 16) | (e.data.at(1) << 8) | e.data.at(2);
+        return tick * (tempo / 1e6) / division;
     }
 
 private:
-    static MidiFile Fail(const std::string& why) {
-        MidiFile m;
-        m.error = why;
-        return m;
+    static void Require(bool ok, const char* why) {
+        if (!ok) throw std::runtime_error(why);
     }
 
     static uint32_t VarLen(const std::vector<uint8_t>& b, size_t& at) {
@@ -88,40 +68,45 @@ private:
         return v;
     }
 
-    static std::vector<MidiEvent> ReadTrack(const std::vector<uint8_t>& b, size_t at, size_t end, std::string& why) {
+    void Read(const std::vector<uint8_t>& b) {
+        Require(Tag(b, 0) == "MThd" && Be32(b, 4) == 6, "no MThd header");
+        format = static_cast<uint16_t>(Be16(b, 8));
+        division = static_cast<uint16_t>(Be16(b, 12));
+        size_t at = 14;
+        for (uint32_t t = Be16(b, 10); t > 0; --t) {
+            Require(Tag(b, at) == "MTrk", "missing MTrk");
+            const size_t end = at + 8 + Be32(b, at + 4);
+            Require(end <= b.size(), "track overruns the file");
+            tracks.push_back(ReadTrack(b, at + 8, end));
+            at = end;
+        }
+        Require(at == b.size(), "bytes after the last track");
+    }
+
+    static std::vector<MidiEvent> ReadTrack(const std::vector<uint8_t>& b, size_t at, size_t end) {
         std::vector<MidiEvent> events;
-        uint32_t tick = 0;
         uint8_t running = 0;
-        while (at < end) {
+        for (uint32_t tick = 0; at < end;) {
             MidiEvent e;
-            tick += VarLen(b, at);
-            e.tick = tick;
-            uint8_t status = b.at(at);
-            if (status & 0x80) {
-                ++at;
-            } else if (running == 0) {
-                why = "data byte without a status";
-                return events;
-            } else {
-                status = running;
-            }
-            e.status = status;
-            if (status == 0xFF) {
-                e.metaType = b.at(at++);
+            e.tick = tick += VarLen(b, at);
+            e.status = (b.at(at) & 0x80) ? b.at(at++) : running;
+            Require(e.status != 0, "data byte without a status");
+            if (e.status == 0xFF) e.metaType = b.at(at++);
+            if (e.status >= 0xF0) {  // meta and system exclusive: a length, then the bytes
                 const uint32_t length = VarLen(b, at);
+                Require(at + length <= end, "event overruns its track");
                 e.data.assign(b.begin() + at, b.begin() + at + length);
                 at += length;
-            } else if (status == 0xF0 || status == 0xF7) {
-                at += VarLen(b, at);
             } else {
-                running = status;
-                const int count = ((status & 0xF0) == 0xC0 || (status & 0xF0) == 0xD0) ? 1 : 2;
+                running = e.status;
+                const int count = (e.status & 0xE0) == 0xC0 ? 1 : 2;  // program and pressure take one byte
                 for (int i = 0; i < count; ++i) e.data.push_back(b.at(at++));
             }
             events.push_back(e);
         }
-        if (events.empty() || events.back().status != 0xFF || events.back().metaType != 0x2F)
-            why = "track does not end with end-of-track";
+        Require(at == end, "event overruns its track");
+        Require(!events.empty() && events.back().status == 0xFF && events.back().metaType == 0x2F,
+                "track does not end with end-of-track");
         return events;
     }
 };

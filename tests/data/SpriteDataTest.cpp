@@ -5,41 +5,47 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 
 #include "GameDataFiles.h"
-#include "SpriteList.h"
+#include "display/SpriteSet.h"
 
 namespace {
 
 using qvdata::GameDir;
 using SurfacePtr = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
 
-// The collision radius of each object that shows the sprite; the game draws a
-// sprite centred on its object using half the frame width as the radius.
-const std::map<std::string, int> kBoundSprites{
-    {"ship1", 14},     {"turrent1", 13}, {"asteroid1", 7}, {"asteroid3", 10},
-    {"asteroid4", 13}, {"spacemine1", 9}, {"spacemine2", 9}, {"explosion", 0},
-    {"bullet1", 2},    {"bullet2", 2},   {"shrap", 2},     {"gold", 7},
+// The collision radius of each object that shows the sprite (the game draws a
+// sprite centred on its object using half the frame width as the radius), and
+// whether it turns to face its heading ('t') or animates ('a').
+struct Bound {
+    int radius;
+    char motion;
+};
+const std::map<std::string, Bound> kBoundSprites{
+    {"ship1", {14, 't'}},      {"turrent1", {13, 't'}},   {"asteroid1", {7, 'a'}}, {"asteroid3", {10, 'a'}},
+    {"asteroid4", {13, 'a'}},  {"spacemine1", {9, 'a'}},  {"spacemine2", {9, 'a'}}, {"explosion", {0, 'a'}},
+    {"bullet1", {2, ' '}},     {"bullet2", {2, ' '}},     {"shrap", {2, ' '}},     {"gold", {7, 'a'}},
 };
 constexpr int kExplosionLifetimeMs = 875;
-constexpr int kMinimumDirections = 36;
 
-std::vector<qvdata::SpriteLine> Sprites() {
+// The catalogue read by the game's own reader.
+std::vector<SpriteLine> Sprites() {
     const auto bytes = qvdata::ReadBytes(GameDir() / "sprite.ini");
-    return qvdata::ParseSpriteList(std::string(bytes.begin(), bytes.end()));
+    return CSpriteSet::ParseCatalogue(std::string(bytes.begin(), bytes.end()));
 }
 
-qvdata::SpriteLine Find(const std::string& name) {
+SpriteLine Find(const std::string& name) {
     for (const auto& s : Sprites())
         if (s.name == name) return s;
     return {};
 }
 
-SurfacePtr Load(const std::filesystem::path& path) {
-    return SurfacePtr(SDL_LoadBMP(path.string().c_str()), SDL_FreeSurface);
+SurfacePtr Load(const std::string& file) {
+    return SurfacePtr(SDL_LoadBMP((GameDir() / file).string().c_str()), SDL_FreeSurface);
 }
 
 SurfacePtr Convert(SDL_Surface* s, Uint32 format) {
@@ -52,97 +58,76 @@ Uint32 PixelAt(const SDL_Surface* s, int x, int y) {
     return reinterpret_cast<const Uint32*>(row)[x] & 0x00FFFFFF;
 }
 
-// The visible pixels' extremes, to tell which way a frame points.
+// Calls back with each pixel of a picture, as 0xRRGGBB.
+void EachPixel(SDL_Surface* picture, const std::function<void(int, int, Uint32)>& visit) {
+    auto rgb = Convert(picture, SDL_PIXELFORMAT_RGB888);
+    for (int y = 0; y < rgb->h; ++y)
+        for (int x = 0; x < rgb->w; ++x) visit(x, y, PixelAt(rgb.get(), x, y));
+}
+
+// The mean column of the topmost visible row, and the mean row of the
+// rightmost visible column: which way a frame points.
 struct Extent {
     int top = 1 << 20, right = -1;
-    int topColumnSum = 0, topCount = 0, rightRowSum = 0, rightCount = 0;
+    double topColumn = 0, rightRow = 0;
 };
 
 Extent Measure(SDL_Surface* frame) {
-    auto rgb = Convert(frame, SDL_PIXELFORMAT_RGB888);
     Extent e;
-    for (int y = 0; y < rgb->h; ++y)
-        for (int x = 0; x < rgb->w; ++x)
-            if (PixelAt(rgb.get(), x, y) != 0) {
-                e.top = std::min(e.top, y);
-                e.right = std::max(e.right, x);
-            }
-    for (int y = 0; y < rgb->h; ++y)
-        for (int x = 0; x < rgb->w; ++x) {
-            if (PixelAt(rgb.get(), x, y) == 0) continue;
-            if (y == e.top) {
-                e.topColumnSum += x;
-                ++e.topCount;
-            }
-            if (x == e.right) {
-                e.rightRowSum += y;
-                ++e.rightCount;
-            }
-        }
+    EachPixel(frame, [&](int x, int y, Uint32 p) {
+        if (p) e.top = std::min(e.top, y), e.right = std::max(e.right, x);
+    });
+    int topCount = 0, rightCount = 0;
+    EachPixel(frame, [&](int x, int y, Uint32 p) {
+        if (p && y == e.top) e.topColumn += x, ++topCount;
+        if (p && x == e.right) e.rightRow += y, ++rightCount;
+    });
+    e.topColumn /= topCount;
+    e.rightRow /= rightCount;
     return e;
 }
 
 }  // namespace
 
-TEST(SpriteList, ListsEveryBoundSpriteOnceWithItsCollisionSize) {
+TEST(SpriteList, ListsEveryBoundSpriteOnceWithItsCollisionSizeAndMotion) {
     const auto sprites = Sprites();
-    for (const auto& [name, radius] : kBoundSprites) {
+    for (const auto& [name, bound] : kBoundSprites) {
         SCOPED_TRACE(name);
-        const auto count = std::count_if(sprites.begin(), sprites.end(), [&](auto& s) { return s.name == name; });
-        ASSERT_EQ(count, 1);
+        ASSERT_EQ(std::count_if(sprites.begin(), sprites.end(), [&](auto& s) { return s.name == name; }), 1);
         const auto s = Find(name);
         EXPECT_EQ(s.width, s.height);
-        if (radius > 0) {
-            EXPECT_EQ(s.width / 2, radius);
+        if (bound.radius > 0) {
+            EXPECT_EQ(s.width / 2, bound.radius);
         }
-    }
-}
-
-TEST(SpriteList, ShipsTurnSmoothlyAndEffectsAnimateInTime) {
-    for (const char* name : {"ship1", "turrent1"}) {
-        const auto s = Find(name);
-        EXPECT_GE(s.directions, kMinimumDirections) << name;
-        // Whole-degree steps, so every facing maps onto a frame.
-        EXPECT_EQ(360 % s.directions, 0) << name;
-    }
-    for (const char* name : {"asteroid1", "asteroid3", "asteroid4", "spacemine1", "spacemine2", "gold", "explosion"}) {
-        const auto s = Find(name);
-        EXPECT_GE(s.frameCount, 2) << name;
-        EXPECT_GT(s.frameTime, 0) << name;
+        if (bound.motion == 't') {
+            EXPECT_GE(s.directions, 36);
+            EXPECT_EQ(360 % s.directions, 0);  // whole-degree steps, so every facing maps onto a frame
+        } else if (bound.motion == 'a') {
+            EXPECT_GE(s.frameCount, 2);
+            EXPECT_GT(s.frameTime, 0);
+        }
     }
     const auto explosion = Find("explosion");
     EXPECT_LT(explosion.frameCount * explosion.frameTime, kExplosionLifetimeMs);
 }
 
-TEST(SpriteFrames, EveryListedFrameLoadsAtItsSizeAndShowsSomething) {
+TEST(SpriteFrames, EveryListedFrameLoadsAtItsSizeShowsSomethingAndKeepsItsPixelsAt16Bits) {
     for (const auto& s : Sprites()) {
-        for (const auto& file : s.FrameFiles()) {
+        for (const auto& file : CSpriteSet::FrameFiles(s.name, s.directions, s.frameCount)) {
             SCOPED_TRACE(file);
-            auto frame = Load(GameDir() / file);
+            auto frame = Load(file);
             ASSERT_TRUE(frame) << SDL_GetError();
             EXPECT_EQ(frame->w, s.width);
             EXPECT_EQ(frame->h, s.height);
-            auto rgb = Convert(frame.get(), SDL_PIXELFORMAT_RGB888);
-            int visible = 0;
-            for (int y = 0; y < rgb->h; ++y)
-                for (int x = 0; x < rgb->w; ++x) visible += PixelAt(rgb.get(), x, y) != 0;
-            EXPECT_GE(visible, 3);
-        }
-    }
-}
-
-TEST(SpriteFrames, NoVisiblePixelTurnsIntoTheColourKeyAt16Bits) {
-    for (const auto& s : Sprites()) {
-        for (const auto& file : s.FrameFiles()) {
-            auto frame = Load(GameDir() / file);
-            ASSERT_TRUE(frame) << file;
-            auto rgb = Convert(frame.get(), SDL_PIXELFORMAT_RGB888);
+            // A visible pixel that packs to 0 would vanish into the colour key.
             auto screen = Convert(frame.get(), SDL_PIXELFORMAT_RGB565);
-            int holes = 0;
-            for (int y = 0; y < rgb->h; ++y)
-                for (int x = 0; x < rgb->w; ++x)
-                    holes += PixelAt(rgb.get(), x, y) != 0 && PixelAt(screen.get(), x, y) == 0;
-            EXPECT_EQ(holes, 0) << file;
+            int visible = 0, holes = 0;
+            EachPixel(frame.get(), [&](int x, int y, Uint32 p) {
+                visible += p != 0;
+                holes += p != 0 && PixelAt(screen.get(), x, y) == 0;
+            });
+            EXPECT_GE(visible, 3);
+            EXPECT_EQ(holes, 0);
         }
     }
 }
@@ -151,50 +136,44 @@ TEST(SpriteFrames, NoVisiblePixelTurnsIntoTheColourKeyAt16Bits) {
 // and the turret's barrels are the top of direction 0, and a quarter of the
 // way round they are the right-hand edge, level with the centre.
 TEST(SpriteFrames, DirectionZeroPointsUpAndDirectionsTurnClockwise) {
-    for (const char* name : {"ship1", "turrent1"}) {
+    for (const std::string name : {"ship1", "turrent1"}) {
         SCOPED_TRACE(name);
         const auto s = Find(name);
         const double centre = (s.width - 1) / 2.0;
-        auto up = Load(GameDir() / ("art/" + std::string(name) + "_0.bmp"));
-        auto right = Load(GameDir() / ("art/" + std::string(name) + "_" + std::to_string(s.directions / 4) + ".bmp"));
+        auto up = Load("art/" + name + "_0.bmp");
+        auto right = Load("art/" + name + "_" + std::to_string(s.directions / 4) + ".bmp");
         ASSERT_TRUE(up && right);
         const Extent a = Measure(up.get()), b = Measure(right.get());
         EXPECT_LE(a.top, 1);
-        EXPECT_NEAR(static_cast<double>(a.topColumnSum) / a.topCount, centre, 2.5);
+        EXPECT_NEAR(a.topColumn, centre, 2.5);
         EXPECT_GE(b.right, s.width - 2);
-        EXPECT_NEAR(static_cast<double>(b.rightRowSum) / b.rightCount, centre, 2.5);
+        EXPECT_NEAR(b.rightRow, centre, 2.5);
     }
 }
 
 TEST(ArtFiles, PaletteBitmapCarriesAFull256ColourTable) {
     const auto b = qvdata::ReadBytes(GameDir() / "art/palette.bmp");
     ASSERT_GE(b.size(), 14u + 40u + 1024u);
-    EXPECT_EQ(qvdata::Le32(b, 14), 40u);     // plain information header
-    EXPECT_EQ(qvdata::Le16(b, 28), 8u);      // 8 bits a pixel
+    EXPECT_EQ(qvdata::Le32(b, 14), 40u);  // plain information header
+    EXPECT_EQ(qvdata::Le16(b, 28), 8u);   // 8 bits a pixel
     const uint32_t used = qvdata::Le32(b, 46);
     EXPECT_TRUE(used == 0 || used == 256) << used;
     EXPECT_EQ(qvdata::Le32(b, 10), 14u + 40u + 1024u);  // pixels follow the table
-    EXPECT_TRUE(Load(GameDir() / "art/palette.bmp"));
+    EXPECT_TRUE(Load("art/palette.bmp"));
 }
 
 TEST(ArtFiles, BlankIsBlackAndTitleIsAFullScreenPicture) {
-    auto blank = Load(GameDir() / "art/blank.bmp");
-    auto title = Load(GameDir() / "art/title_screen.bmp");
+    auto blank = Load("art/blank.bmp");
+    auto title = Load("art/title_screen.bmp");
     ASSERT_TRUE(blank && title);
-    EXPECT_EQ(blank->w, 1024);
-    EXPECT_EQ(blank->h, 768);
-    EXPECT_EQ(title->w, 1024);
-    EXPECT_EQ(title->h, 768);
-    auto black = Convert(blank.get(), SDL_PIXELFORMAT_RGB888);
-    auto picture = Convert(title.get(), SDL_PIXELFORMAT_RGB888);
-    int lit = 0, bright = 0;
-    for (int y = 0; y < 768; ++y)
-        for (int x = 0; x < 1024; ++x) {
-            ASSERT_EQ(PixelAt(black.get(), x, y), 0u);
-            const Uint32 p = PixelAt(picture.get(), x, y);
-            lit += p != 0;
-            bright += ((p >> 16) & 0xFF) > 200 && ((p >> 8) & 0xFF) > 200 && (p & 0xFF) > 200;
-        }
+    EXPECT_TRUE(blank->w == 1024 && blank->h == 768 && title->w == 1024 && title->h == 768);
+    int stray = 0, lit = 0, bright = 0;
+    EachPixel(blank.get(), [&](int, int, Uint32 p) { stray += p != 0; });
+    EXPECT_EQ(stray, 0);
+    EachPixel(title.get(), [&](int, int, Uint32 p) {
+        lit += p != 0;
+        bright += ((p >> 16) & 0xFF) > 200 && ((p >> 8) & 0xFF) > 200 && (p & 0xFF) > 200;
+    });
     EXPECT_GT(lit, 1024 * 768 / 2);
     EXPECT_GT(bright, 2000);  // the lettering and the stars stand out
 }
