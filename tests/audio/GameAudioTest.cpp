@@ -69,6 +69,10 @@ TEST_F(GameAudioTest, AnImportantEffectCutsInAndALesserOneWaitsItsTurn)
     EXPECT_EQ(t->lastSoundPriority, 2);
     t->PlaySoundEffect(2, "bullet2.wav");
     EXPECT_EQ(Playing(), "bullet2.wav");
+    // A missing file sounds the default tone and still counts.
+    t->PlaySoundEffect(1, "lost.wav");
+    EXPECT_TRUE(CWavePlayer::Instance().IsPlayingDefault());
+    EXPECT_EQ(t->lastSoundPriority, 1);
 }
 
 TEST_F(GameAudioTest, WithSoundFxOffOnlyTheStartUpSoundPlays)
@@ -80,14 +84,6 @@ TEST_F(GameAudioTest, WithSoundFxOffOnlyTheStartUpSoundPlays)
     EXPECT_EQ(t->lastSoundPriority, 2);
     StartUp();
     EXPECT_EQ(Playing(), "startup.wav");
-}
-
-TEST_F(GameAudioTest, AMissingWaveFileSoundsTheDefaultToneAndStillCounts)
-{
-    t->PlaySoundEffect(2, "bullet1.wav");
-    t->PlaySoundEffect(1, "lost.wav");
-    EXPECT_TRUE(CWavePlayer::Instance().IsPlayingDefault());
-    EXPECT_EQ(t->lastSoundPriority, 1);
 }
 
 TEST_F(GameAudioTest, TheMusicOptionGatesTheTuneAndANewGameRestartsIt)
@@ -135,13 +131,18 @@ TEST_F(GameAudioTest, AFailedOpenLeavesNoDeviceAndTheGameSilent)
     Platform::CloseAudio();
 }
 
-TEST_F(GameAudioTest, OnlyASuccessfulEndRestartsTheTune)
+TEST_F(GameAudioTest, OnlyASuccessfulEndWithTheMusicOnRestartsTheTune)
 {
+    WriteTune("background.mid", 60);
     StartUp();
     ASSERT_EQ(t->PlayMusic(false), 0u);
     const std::uint32_t device = t->musicDevice;
-    ASSERT_EQ(Platform::MciSendCommand(device, MCI_SEEK, MCI_SEEK_TO_END, MCI_SEEK_PARMS{}), 0u);
+    // Its end is heard on the audio thread; the notice then waits for the message loop.
+    ASSERT_TRUE(WaitUntil([&] { return !TunePlays(); }));
+    static_cast<CPlatformApp&>(*t).PumpMessages();
+    EXPECT_TRUE(TunePlays());
 
+    ASSERT_EQ(Platform::MciSendCommand(device, MCI_SEEK, MCI_SEEK_TO_END, MCI_SEEK_PARMS{}), 0u);
     for (WPARAM notice : {MCI_NOTIFY_ABORTED, MCI_NOTIFY_SUPERSEDED, MCI_NOTIFY_FAILURE})
         Deliver(notice);
     t->menus.SetOptionOn(OptionMusic, false);
@@ -156,17 +157,6 @@ TEST_F(GameAudioTest, OnlyASuccessfulEndRestartsTheTune)
     t->Shutdown();
     EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
     EXPECT_EQ(OpenDevices(), 0u);
-}
-
-TEST_F(GameAudioTest, TheTuneStartsAgainWhenItHasEnded)
-{
-    WriteTune("background.mid", 60);
-    StartUp();
-    ASSERT_EQ(t->PlayMusic(false), 0u);
-    // Its end is heard on the audio thread; the notice then waits for the message loop.
-    ASSERT_TRUE(WaitUntil([&] { return !TunePlays(); }));
-    static_cast<CPlatformApp&>(*t).PumpMessages();
-    EXPECT_TRUE(TunePlays());
 }
 
 } // namespace
