@@ -18,6 +18,12 @@ protected:
     }
     void TearDown() override { Platform::ClearDisplayFaults(); }
     std::uint16_t Pixel(int x, int y) { return DisplayApp::PixelAt(*surface, x, y); }
+    // An entry of the palette loaded from "art/palette.bmp", as red, green, blue and flags.
+    static std::vector<int> Entry(const PalettePtr& palette, int i)
+    {
+        const PALETTEENTRY& e = palette->GetEntries()[static_cast<std::size_t>(i)];
+        return {e.peRed, e.peGreen, e.peBlue, e.peFlags};
+    }
 
     qvtest::ScopedWorkDir dir;
     DisplayDevicePtr device;
@@ -78,17 +84,12 @@ TEST_F(BitmapsTest, PaletteFromAnEightBitBitmapSwapsItsColoursAndKeepsTheBytesAf
     qvtest::WriteFile("art/palette.bmp", bytes);
     PalettePtr palette = LoadPalette(device.get(), "art/palette.bmp");
     ASSERT_TRUE(palette);
-    const auto& e = palette->GetEntries();
-    EXPECT_EQ(e[5].peRed, 80);
-    EXPECT_EQ(e[5].peGreen, 5);
-    EXPECT_EQ(e[5].peBlue, 200);
+    EXPECT_EQ(Entry(palette, 5), (std::vector<int>{80, 5, 200, 0}));
     // Entry 16 holds the first four bytes after the table, unswapped.
-    EXPECT_EQ(e[16].peRed, static_cast<std::uint8_t>(118));
-    EXPECT_EQ(e[16].peBlue, static_cast<std::uint8_t>(120));
+    EXPECT_EQ(Entry(palette, 16), (std::vector<int>{118, 119, 120, 121}));
     // The file ends after 8 pixel bytes: the rest is the default cube (entry 255 is white).
-    EXPECT_EQ(e[255].peRed, 255);
-    EXPECT_EQ(e[18].peGreen, 145);
-    EXPECT_EQ(e[18].peBlue, 170);
+    EXPECT_EQ(Entry(palette, 18), (std::vector<int>{0, 145, 170, 0}));
+    EXPECT_EQ(Entry(palette, 255)[0], 255);
 }
 
 TEST_F(BitmapsTest, PaletteFromATrueColourBitmapTakesItsBytesAsTheyAre)
@@ -96,14 +97,10 @@ TEST_F(BitmapsTest, PaletteFromATrueColourBitmapTakesItsBytesAsTheyAre)
     qvtest::WriteBitmap("art/palette.bmp", 2, 1, [](int x, int) { return x ? RGB(1, 2, 3) : RGB(4, 5, 6); });
     PalettePtr palette = LoadPalette(device.get(), "art/palette.bmp");
     ASSERT_TRUE(palette);
-    const auto& e = palette->GetEntries();
     // Pixel bytes are blue, green, red: 6 5 4 3 2 1, then row padding 0 0.
-    EXPECT_EQ(e[0].peRed, 6);
-    EXPECT_EQ(e[0].peGreen, 5);
-    EXPECT_EQ(e[0].peBlue, 4);
-    EXPECT_EQ(e[0].peFlags, 3);
-    EXPECT_EQ(e[1].peRed, 2);
-    EXPECT_EQ(e[2].peBlue, 170); // the file has ended: cube entry 2 is red 0, green 0, blue 170
+    EXPECT_EQ(Entry(palette, 0), (std::vector<int>{6, 5, 4, 3}));
+    EXPECT_EQ(Entry(palette, 1), (std::vector<int>{2, 1, 0, 0}));
+    EXPECT_EQ(Entry(palette, 2)[2], 170); // the file has ended: cube entry 2 is red 0, green 0, blue 170
 
     std::filesystem::remove("art/palette.bmp"); // no file: the cube alone
     EXPECT_EQ(LoadPalette(device.get(), "art/palette.bmp")->GetEntries()[0b01001001].peGreen, 72);

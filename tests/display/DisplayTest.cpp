@@ -7,10 +7,6 @@ namespace {
 using qvtest::DisplayApp;
 using qvtest::TraceRecorder;
 
-const std::vector<std::string> InitTraces{"Creating direct draw object", "Finding DD v3 interface",
-                                          "Setting Cooperative Level, exclusive, fullscreen", "Set Resolution",
-                                          "Screen Width"};
-
 TEST(DisplayInit, TracesEachStepAndSucceedsWithTheBlankBitmap)
 {
     DisplayApp t;
@@ -19,7 +15,9 @@ TEST(DisplayInit, TracesEachStepAndSucceedsWithTheBlankBitmap)
     ASSERT_NE(window, nullptr);
     TraceRecorder trace;
     ASSERT_EQ(t->display.Init(window), 0u);
-    EXPECT_EQ(trace.Texts(), InitTraces);
+    EXPECT_EQ(trace.Texts(), (std::vector<std::string>{"Creating direct draw object", "Finding DD v3 interface",
+                                                       "Setting Cooperative Level, exclusive, fullscreen",
+                                                       "Set Resolution", "Screen Width"}));
     EXPECT_EQ(trace.lines[4].kind, TraceLine::Value);
     EXPECT_EQ(trace.lines[4].number, 1024);
     ASSERT_NE(t->display.GetPrimary(), nullptr);
@@ -134,26 +132,6 @@ TEST(DisplaySurfaces, PagesAreScreenSizedKeyedOnBlackAndClearedFromTheBlank)
     EXPECT_EQ(t->display.CreateOffscreenSurface(), nullptr);
     Platform::InjectDisplayFault(DisplayOp::QuerySurface2, E_FAIL);
     EXPECT_EQ(t->display.CreateOffscreenSurface(), nullptr);
-}
-
-TEST(DisplayFlip, ALostDisplayIsRestoredAndTheSpritesReloadedWithinTheFrame)
-{
-    DisplayApp t;
-    qvtest::WriteFile("sprite.ini", std::string("ship1 8 8\nrock 4 4\n"));
-    qvtest::WriteBitmap("art/ship1.bmp", 8, 8, [](int, int) { return RGB(255, 255, 255); });
-    ASSERT_TRUE(t.Start());
-    ASSERT_EQ(t->sprites.GetEntries().size(), 2u);
-
-    Platform::NotifySurfacesLost(); // as when the window is minimised
-    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DDERR_SURFACELOST);
-    EXPECT_EQ(t->display.Flip(), 0u);
-    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DD_OK);
-    EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
-    ASSERT_EQ(t->sprites.GetEntries().size(), 4u);
-    EXPECT_EQ(t->sprites.GetEntries()[2].name, "ship1");
-    // The first entry's frame shows its image again after the page was wiped.
-    const CSpriteFrame& frame = t->sprites.GetEntries()[0].frames[0];
-    EXPECT_EQ(DisplayApp::PixelAt(*frame.surface, frame.source.left + 3, frame.source.top + 3), 0xFFFF);
 }
 
 } // namespace
