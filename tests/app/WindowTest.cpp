@@ -79,6 +79,11 @@ TEST_F(ActivationTest, RegainingItRestoresReloadsAndPausesAGameInPlay)
     EXPECT_EQ(Names(), 2u);
     EXPECT_EQ(t->display.GetPrimary()->IsLost(), DD_OK);
     EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
+    for (std::int32_t state : {StateMenu, StatePaused, StateDesign}) { // only a game in play is paused
+        t->SetGameState(state);
+        t->OnActivate(true);
+        EXPECT_EQ(t->GetGameState(), state);
+    }
 }
 
 TEST_F(ActivationTest, ALostFlipIsRestoredOnceWithinTheFrame)

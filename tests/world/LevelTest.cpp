@@ -34,19 +34,6 @@ struct Levels : ::testing::Test {
     CGameObject* Newest() { return world.GetMasterList().GetTail()->GetData(); }
 };
 
-TEST_F(Levels, TheFirstLevelOpensOnTheDesignScreenWithAMinuteOnTheClock)
-{
-    Open(1);
-    EXPECT_EQ(world.GetLevel(), 1);
-    EXPECT_EQ(world.GetTimeLeft(), 60000);
-    EXPECT_EQ(t->GetGameState(), StateDesign);
-    EXPECT_EQ(Kinds(world.GetStock()), (std::vector<std::int32_t>{KindEngine, KindJet, KindSubspaceSail}));
-    for (const CComponent* c : world.GetStock()) {
-        EXPECT_GE(c->GetTechLevel(), 1250);
-        EXPECT_LE(c->GetTechLevel(), 1351);
-    }
-}
-
 TEST_F(Levels, StartingAtFiveSendsATurretInTheFirstFrame)
 {
     Open(5);
@@ -129,27 +116,18 @@ TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInward)
         ASSERT_TRUE(world.PlaceAtEdge(body, 70, 180));
         const CVector v = body.GetVector();
         const std::int32_t x = v.GetX(), y = v.GetY();
-        if (y == 0) {
-            edges.insert(0);
-            EXPECT_GE(v.GetYSpeed(), 70.0f);
-            EXPECT_LE(v.GetYSpeed(), 180.0f);
-            EXPECT_GE(v.GetXSpeed(), -90.0f);
-            EXPECT_LE(v.GetXSpeed(), 90.0f);
-        } else if (y == 768) {
-            edges.insert(1);
-            EXPECT_LE(v.GetYSpeed(), -70.0f);
-            EXPECT_GE(v.GetYSpeed(), -180.0f);
-        } else if (x == 0) {
-            edges.insert(2);
-            EXPECT_GE(v.GetXSpeed(), 70.0f);
-            EXPECT_LE(v.GetXSpeed(), 180.0f);
-        } else {
+        // Which edge, the speed into the screen and the drift along the edge.
+        const int edge = y == 0 ? 0 : y == 768 ? 1 : x == 0 ? 2 : 3;
+        const float in[] = {v.GetYSpeed(), -v.GetYSpeed(), v.GetXSpeed(), -v.GetXSpeed()};
+        const float along = edge < 2 ? v.GetXSpeed() : v.GetYSpeed();
+        edges.insert(edge);
+        if (edge == 3) {
             ASSERT_EQ(x, 1024);
-            edges.insert(3);
-            EXPECT_LE(v.GetXSpeed(), -70.0f);
-            EXPECT_GE(v.GetYSpeed(), -90.0f);
-            EXPECT_LE(v.GetYSpeed(), 90.0f);
         }
+        EXPECT_GE(in[edge], 70.0f);
+        EXPECT_LE(in[edge], 180.0f);
+        EXPECT_GE(along, -90.0f);
+        EXPECT_LE(along, 90.0f);
     }
     EXPECT_EQ(edges.size(), 4u);
 }
@@ -173,7 +151,14 @@ TEST_F(Levels, ASpawnWithNoRoomIsDropped)
 
 TEST_F(Levels, TheOfferGrowsWithTheLevelAndThePowerupsTaken)
 {
-    Open(1);
+    Open(1); // the first level opens on the design screen with a minute on the clock
+    EXPECT_EQ(world.GetTimeLeft(), 60000);
+    EXPECT_EQ(t->GetGameState(), StateDesign);
+    EXPECT_EQ(Kinds(world.GetStock()), (std::vector<std::int32_t>{KindEngine, KindJet, KindSubspaceSail}));
+    for (const CComponent* c : world.GetStock()) {
+        EXPECT_GE(c->GetTechLevel(), 1250);
+        EXPECT_LE(c->GetTechLevel(), 1351);
+    }
     world.AddPowerup(); // powerups of level 1 bring nothing for level 2
     world.BeginNextLevel();
     ASSERT_EQ(world.GetLevel(), 2);

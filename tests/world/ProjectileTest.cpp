@@ -16,7 +16,7 @@ constexpr double Pi = 3.14159265358979;
 
 struct Shot {
     double angle; // where it sits around the ship, as a facing
-    double x, y, xs, ys;
+    double xs, ys;
     std::int32_t team, damage, lifetime;
     std::int16_t bounds;
 };
@@ -25,106 +25,72 @@ struct Shot {
 struct Volleys : ::testing::Test {
     TestApp t;
     OpenShip ship;
-    std::int32_t shots = 3;
 
-    Volleys()
-    {
-        ship.vector = qvtest::At(500, 400);
-        ship.radius = 16;
-    }
-
-    // Each shot flies along the angle at which it sits.
-    static void ExpectOutward(const std::vector<Shot>& shots, const std::vector<double>& angles)
-    {
-        ASSERT_EQ(shots.size(), angles.size());
-        for (std::size_t i = 0; i < angles.size(); ++i) {
-            EXPECT_NEAR(shots[i].angle, angles[i], 1e-5);
-            EXPECT_NEAR(shots[i].xs, 300.0 * std::sin(angles[i]), 1e-3);
-            EXPECT_NEAR(shots[i].ys, -300.0 * std::cos(angles[i]), 1e-3);
-            EXPECT_EQ(shots[i].bounds, BoundsDie);
-        }
-    }
-
-    std::vector<Shot> Fire(void (*pattern)(const CShip&, const CLaser&))
+    std::vector<Shot> Fire(void (*pattern)(const CShip&, const CLaser&), std::int32_t shots)
     {
         t->world.Clear();
-        CLaser::Values values;
-        values.speed = 300;
-        values.containment = 1500;
-        values.shots = shots;
-        values.damage = 12;
+        CLaser::Values values{.speed = 300, .containment = 1500, .shots = shots, .damage = 12};
         pattern(ship, CLaser(CComponent::Common{}, values));
-        std::vector<Shot> shots;
+        std::vector<Shot> out;
         for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext()) {
             CGameObject* o = n->GetData();
             const CVector v = o->GetVector();
             const double dx = v.GetXPos() - ship.vector.GetXPos();
             const double dy = v.GetYPos() - ship.vector.GetYPos();
-            EXPECT_NEAR(std::hypot(dx, dy), 20.0, 1e-3);
+            EXPECT_NEAR(std::hypot(dx, dy), 20.0, 1e-3); // just outside the ship
             EXPECT_EQ(o->GetType(), ObjectProjectile);
             EXPECT_EQ(o->GetRadius(), 2);
             double a = std::atan2(dx, -dy);
             if (a < -1e-6)
                 a += 2 * Pi;
-            shots.push_back({a, v.GetXPos(), v.GetYPos(), v.GetXSpeed(), v.GetYSpeed(), o->GetTeam(),
-                             o->GetContactDamage(), o->GetLifetime(), o->GetBoundsMode()});
+            out.push_back({a, v.GetXSpeed(), v.GetYSpeed(), o->GetTeam(), o->GetContactDamage(), o->GetLifetime(),
+                           o->GetBoundsMode()});
         }
-        return shots;
+        return out;
     }
 };
 
-TEST_F(Volleys, ParallelShotsSitAcrossTheFrontAndAllFlyAlongTheFacing)
+TEST_F(Volleys, EachPatternPlacesAndAimsItsShots)
 {
-    ship.team = TeamPlayer;
-    const auto shots = Fire(FireParallel);
-    ASSERT_EQ(shots.size(), 3u);
-    EXPECT_NEAR(shots[0].angle, Pi / 4, 1e-5);
-    EXPECT_NEAR(shots[1].angle, 0.0, 1e-5);
-    EXPECT_NEAR(shots[2].angle, 7 * Pi / 4, 1e-5);
-    for (const Shot& s : shots) {
-        EXPECT_NEAR(s.xs, 0.0, 1e-3);
-        EXPECT_NEAR(s.ys, -300.0, 1e-3);
-        EXPECT_EQ(s.team, TeamPlayer);
-        EXPECT_EQ(s.damage, 12);
-        EXPECT_EQ(s.lifetime, 1500);
-        EXPECT_EQ(s.bounds, BoundsBounce);
+    using Pattern = void (*)(const CShip&, const CLaser&);
+    struct Case {
+        Pattern pattern;
+        std::int32_t team, shots;
+        double facing;
+        float shipXSpeed;
+        std::vector<double> angles;
+        bool alongFacing; // or each along the angle at which it sits
+        std::int16_t bounds;
+    };
+    const Case cases[] = {
+        {FireParallel, TeamPlayer, 3, 0.0, 0, {Pi / 4, 0.0, 7 * Pi / 4}, true, BoundsBounce},
+        {FireSpread, TeamEnemy, 3, 0.0, 0, {Pi / 20, 0.0, 2 * Pi - Pi / 20}, false, BoundsDie},
+        {FireRadiating, TeamPlayer, 4, 0.0, 0, {0.0, 3 * Pi / 2, Pi, Pi / 2}, false, BoundsDie}, // never bounce
+        // One shot goes straight ahead whatever the pattern, and every shot inherits the ship's motion.
+        {FireParallel, TeamEnemy, 1, Pi / 2, 100, {Pi / 2}, true, BoundsDie},
+        {FireSpread, TeamEnemy, 1, Pi / 2, 0, {Pi / 2}, true, BoundsDie},
+        {FireRadiating, TeamEnemy, 1, Pi / 2, 0, {Pi / 2}, true, BoundsDie},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        ship.vector = qvtest::At(500, 400, c.shipXSpeed, 0);
+        ship.radius = 16;
+        ship.team = c.team;
+        ship.facing = c.facing;
+        const auto shots = Fire(c.pattern, c.shots);
+        ASSERT_EQ(shots.size(), c.angles.size());
+        for (std::size_t i = 0; i < shots.size(); ++i) {
+            const Shot& s = shots[i];
+            const double along = c.alongFacing ? c.facing : c.angles[i];
+            EXPECT_NEAR(s.angle, c.angles[i], 1e-5);
+            EXPECT_NEAR(s.xs, c.shipXSpeed + 300.0 * std::sin(along), 1e-3);
+            EXPECT_NEAR(s.ys, -300.0 * std::cos(along), 1e-3);
+            EXPECT_EQ(s.team, c.team);
+            EXPECT_EQ(s.damage, 12);
+            EXPECT_EQ(s.lifetime, 1500);
+            EXPECT_EQ(s.bounds, c.bounds);
+        }
     }
-}
-
-TEST_F(Volleys, SpreadShotsFanOutSymmetricallyAboutTheFacing)
-{
-    ship.team = TeamEnemy;
-    ExpectOutward(Fire(FireSpread), {Pi / 20, 0.0, 2 * Pi - Pi / 20});
-}
-
-TEST_F(Volleys, RadiatingShotsRingTheShipAndNeverBounce)
-{
-    ship.team = TeamPlayer;
-    shots = 4;
-    ExpectOutward(Fire(FireRadiating), {0.0, 3 * Pi / 2, Pi, Pi / 2}); // up, left, down, right
-}
-
-TEST_F(Volleys, OneShotGoesStraightAheadInEveryPattern)
-{
-    ship.facing = Pi / 2;
-    shots = 1;
-    for (auto pattern : {FireParallel, FireSpread, FireRadiating}) {
-        const auto shots = Fire(pattern);
-        ASSERT_EQ(shots.size(), 1u);
-        EXPECT_NEAR(shots[0].angle, Pi / 2, 1e-5);
-        EXPECT_NEAR(shots[0].xs, 300.0, 1e-3);
-        EXPECT_NEAR(shots[0].ys, 0.0, 1e-3);
-    }
-}
-
-TEST_F(Volleys, ShotsInheritTheShipsMotion)
-{
-    ship.vector.Set(500, 400, 100.0f, 0.0f);
-    shots = 1;
-    const auto shots = Fire(FireParallel);
-    ASSERT_EQ(shots.size(), 1u);
-    EXPECT_NEAR(shots[0].xs, 100.0, 1e-3);
-    EXPECT_NEAR(shots[0].ys, -300.0, 1e-3);
 }
 
 TEST_F(Volleys, ThePlayersShotsBounceUntilTheyExpireWhileEnemyShotsLeave)
