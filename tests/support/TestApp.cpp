@@ -1,5 +1,7 @@
 #include "support/TestApp.h"
 
+#include "platform/MessageQueue.h"
+
 #include <atomic>
 #include <unistd.h>
 
@@ -55,6 +57,8 @@ std::vector<std::string> TraceRecorder::Texts() const
 
 TestApp::TestApp(std::uint32_t seed) : app(std::make_unique<CGameApp>())
 {
+    // Messages an earlier test left posted (a quit, a close) must not reach this game.
+    CMessageQueue::Instance().Clear();
     app->SeedRandom(seed);
 }
 
