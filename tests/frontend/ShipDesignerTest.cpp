@@ -19,7 +19,11 @@ class ShipDesignerTest : public ::testing::Test {
 protected:
     ShipDesignerTest() { t->world.NewGame(1); }
 
-    void Press(UINT key) { t->designer.OnKey(key, true); }
+    void Press(std::initializer_list<UINT> keys)
+    {
+        for (UINT key : keys)
+            t->designer.OnKey(key, true);
+    }
     void Offer(const CComponent& component) { t->world.AddToStock(component); }
     std::vector<CComponent*> Fitted()
     {
@@ -44,27 +48,23 @@ TEST_F(ShipDesignerTest, SelectionsStopAtTheEndsAndTheShipListTakesTheFocusOnlyW
 {
     Offer(Engine(100));
     Offer(Jet(100));
-    Press(VK_UP);
-    Press(VK_DOWN);
-    Press(VK_DOWN);
+    Press({VK_UP, VK_DOWN, VK_DOWN});
     EXPECT_EQ(t->designer.GetOfferSelection(), 1);
-    Press(VK_RIGHT);
+    Press({VK_RIGHT});
     EXPECT_EQ(Focus(), CShipDesigner::FocusOffer); // the ship has nothing yet
 
-    Press(VK_RETURN);
-    Press(VK_RETURN); // the offer stays, so the same jet stacks
+    Press({VK_RETURN, VK_RETURN}); // the offer stays, so the same jet stacks
     EXPECT_EQ(t->world.GetStock().size(), 2u);
     EXPECT_EQ(FittedNames(), "+ Jet2(2);");
-    Press(VK_LEFT);
+    Press({VK_LEFT, VK_DOWN});
     EXPECT_EQ(Focus(), CShipDesigner::FocusShip);
-    Press(VK_DOWN);
     EXPECT_EQ(Selected(), 0);
     t->designer.OnKey(VK_RIGHT, false); // key-ups do nothing
-    Press(VK_RIGHT);
+    Press({VK_RIGHT});
     EXPECT_EQ(Focus(), CShipDesigner::FocusOffer);
     EXPECT_EQ(t->designer.GetOfferSelection(), 1);
 
-    Press(VK_ESCAPE);
+    Press({VK_ESCAPE});
     EXPECT_EQ(t->GetGameState(), StatePlaying);
 }
 
@@ -73,24 +73,17 @@ TEST_F(ShipDesignerTest, GivingBackMovesTheSelectionOnlyWhenTheLastEntryGoes)
     Offer(Engine(100));
     Offer(Jet(100));
     Offer(Sail(100));
-    for (int i = 0; i < 3; ++i, Press(VK_DOWN))
-        Press(VK_RETURN);
-    Press(VK_RIGHT);
-    Press(VK_DOWN);
-    Press(VK_DOWN);
-    Press(VK_RETURN); // the last of three
+    Press({VK_RETURN, VK_DOWN, VK_RETURN, VK_DOWN, VK_RETURN});
+    Press({VK_RIGHT, VK_DOWN, VK_DOWN, VK_RETURN}); // the last of three
     EXPECT_EQ(FittedNames(), "Engine1;+ Jet2;");
     EXPECT_EQ(Selected(), 1);
     EXPECT_EQ(t->world.GetStock().size(), 3u); // it was on offer already
 
-    Press(VK_LEFT);
-    Press(VK_RETURN); // the sail again
-    Press(VK_RIGHT);
-    Press(VK_RETURN); // the jet, in the middle: the selection stays
+    Press({VK_LEFT, VK_RETURN, VK_RIGHT}); // the sail again
+    Press({VK_RETURN});                    // the jet, in the middle: the selection stays
     EXPECT_EQ(FittedNames(), "Engine1;+ Subspace Sail3;");
     EXPECT_EQ(Selected(), 1);
-    Press(VK_RETURN);
-    Press(VK_RETURN); // the only one left: back to the offer
+    Press({VK_RETURN, VK_RETURN}); // the only one left: back to the offer
     EXPECT_EQ(FittedNames(), "");
     EXPECT_EQ(Focus(), CShipDesigner::FocusOffer);
 
@@ -98,9 +91,7 @@ TEST_F(ShipDesignerTest, GivingBackMovesTheSelectionOnlyWhenTheLastEntryGoes)
     CJet bonus = Jet(100);
     t->world.GetPlayer()->AddComponent(&bonus);
     t->world.GetPlayer()->AddComponent(&bonus);
-    Press(VK_RIGHT);
-    Press(VK_SPACE);
-    Press(VK_SPACE);
+    Press({VK_RIGHT, VK_SPACE, VK_SPACE});
     EXPECT_EQ(FittedNames(), "");
     EXPECT_EQ(t->world.GetStock().size(), 4u);
     EXPECT_EQ(t->world.GetStock()[3]->GetDisplayName(), "+ Jet4");
@@ -110,29 +101,19 @@ TEST_F(ShipDesignerTest, ALetterOrDigitKeysTheHighlightedShipLaserWhicheverListH
 {
     Offer(Plant(500));
     Offer(Laser({}));
-    Press(VK_RETURN);
-    Press(VK_DOWN);
-    Press(VK_RETURN);
-    Press(VK_RETURN);
+    Press({VK_RETURN, VK_DOWN, VK_RETURN, VK_RETURN});
     auto key = [this](std::size_t index) { return static_cast<CLaser*>(Fitted()[index])->GetFireKey(); };
     const char firstKey = key(1);
-    Press('G'); // the ship's highlight is on the energy system
+    Press({'G'}); // the ship's highlight is on the energy system
     EXPECT_EQ(key(1), firstKey);
-
-    Press(VK_RIGHT);
-    Press(VK_DOWN);
-    Press(VK_LEFT);
-    Press('G');
+    Press({VK_RIGHT, VK_DOWN, VK_LEFT, 'G'});
     EXPECT_EQ(key(1), 'G');
-    Press(VK_RIGHT);
-    Press(VK_DOWN);
-    Press('7');
+    Press({VK_RIGHT, VK_DOWN, '7'});
     EXPECT_EQ(key(2), '7');
 
     t->world.Clear(); // without a ship Enter and the fire keys do nothing
     Offer(Engine(100));
-    Press(VK_RETURN);
-    Press('F');
+    Press({VK_RETURN, 'F'});
     EXPECT_EQ(t->world.GetStock().size(), 1u);
 }
 
@@ -157,22 +138,19 @@ TEST(ShipDesignerDrawing, PanelsStatisticsALasersTwoColumnsAndTheHints)
         d->designer.Draw(*dc.dc);
     };
     draw();
-    std::vector<std::pair<int, int>> noShip;
-    for (const WrittenText& w : log.texts)
-        if (w.text == "No Ship!")
-            noShip.emplace_back(w.x, w.y);
-    EXPECT_EQ(noShip, (std::vector<std::pair<int, int>>{{60, 140}, {686, 140}, {686, 341}}));
+    EXPECT_EQ(log.At(140), (std::vector<std::string>{"No Ship!", "No Ship!"}));
+    EXPECT_EQ(log.At(341), std::vector<std::string>{"No Ship!"});
     EXPECT_EQ(DisplayApp::PixelAt(d.Back(), 347, 667), Platform::PackRgb565(RGB(50, 50, 50)));
 
     d->world.NewGame(5); // level 4, the last with a hint
     d->world.AddToStock(Laser({}));
     draw();
-    EXPECT_EQ(log.Find("Mass: 100")->y, 140);
     EXPECT_EQ(log.Find("Shield Energy Loss: 150%")->y, 140 + 9 * 15);
     EXPECT_EQ(log.Find("Your Ship")->x, 50 + (298 - 9 * 12) / 2);
-    const WrittenText& highlighted = *std::find_if(log.texts.begin(), log.texts.end(),
-                                                   [](const WrittenText& w) { return w.colour == RGB(250, 250, 100); });
-    EXPECT_EQ(std::make_tuple(highlighted.text, highlighted.x, highlighted.y), std::make_tuple("Laser1", 373, 341));
+    // The offer list's entry, highlighted while the offer has the focus.
+    const auto entry = std::find_if(log.texts.begin(), log.texts.end(), [](const WrittenText& w) { return w.y == 341; });
+    ASSERT_NE(entry, log.texts.end());
+    EXPECT_EQ(std::make_tuple(entry->text, entry->x, entry->colour), std::make_tuple("Laser1", 373, RGB(250, 250, 100)));
     // Eight stat lines on the left of the offer detail, three on the right from the top again.
     std::vector<std::pair<int, int>> detail;
     for (const WrittenText& w : log.texts)
