@@ -18,6 +18,9 @@
 #include <vector>
 
 class CGameWnd;
+class CShip;
+class CSurface;
+class CTextPen;
 
 // The top-level mode of the game.
 enum GameState : std::int32_t {
@@ -78,6 +81,8 @@ public:
 
     // Frame composition.
     void DrawFrame(double elapsedMs);
+    // The hull and energy numbers beside one ship.
+    void DrawShipStats(const CShip& ship, CTextPen& pen);
 
     // Sound effects and music.
     void PlayStartupSound();
@@ -149,6 +154,8 @@ public:
 
 private:
     void CreateFonts();
+    void DrawStars(CSurface& back);
+    void DrawHeadsUp(CTextPen& pen);
     void DeleteLiveSprites();
 
     static inline CGameApp* current = nullptr;

@@ -1,6 +1,7 @@
 #include "display/Star.h"
 
 #include "app/GameApp.h"
+#include "platform/DC.h"
 
 namespace {
 
@@ -66,4 +67,14 @@ CStar::Pixels CStar::GetPixels() const
         lit.count = 5;
     }
     return lit;
+}
+
+void CStar::Draw(CDC& dc)
+{
+    Twinkle();
+    const Pixels lit = GetPixels();
+    for (int i = 0; i < lit.count; ++i) {
+        const StarPixel& p = lit.pixel[static_cast<std::size_t>(i)];
+        dc.SetPixel(p.x, p.y, RGB(p.grey, p.grey, p.grey));
+    }
 }

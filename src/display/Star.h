@@ -2,6 +2,8 @@
 #include <array>
 #include <cstdint>
 
+class CDC;
+
 // One pixel a star lights, in a grey level.
 struct StarPixel {
     std::int32_t x = 0;
@@ -27,6 +29,9 @@ public:
 
     // One step of the twinkle, made once per drawn frame.
     void Twinkle();
+    // Twinkles and lights the star's pixels in its grey; the context clips
+    // what lies off the surface.
+    void Draw(CDC& dc);
 
     // The pixels the star lights now: the centre first, then, for a large star,
     // right, left, below and above at half the brightness. Some may lie off

@@ -1,9 +1,9 @@
 #include "frontend/HighScoreTable.h"
 
+#include "frontend/CharacterKey.h"
 #include "platform/Types.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 bool CHighScoreTable::Insert(std::int32_t score)
@@ -37,9 +37,7 @@ void CHighScoreTable::EnterNameKey(std::uint8_t key, bool pressed)
         AppendToName(' ');
         break;
     default:
-        // Letter keys arrive as capitals and digit keys as digits; keys beyond
-        // plain ASCII have no character.
-        if (key < 128 && std::isalnum(key))
+        if (IsCharacterKey(key))
             AppendToName(static_cast<char>(key));
         break;
     }

@@ -134,10 +134,6 @@ void CMenuSystem::DoAction(std::int32_t action)
     }
 }
 
-void CMenuSystem::DrawScreen()
-{
-}
-
 void CMenuSystem::AddHighScore(std::int32_t score)
 {
     screen = ScreenHighScores;

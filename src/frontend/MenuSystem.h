@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+class CDC;
+class CTextPen;
+
 // Which screen the menus show.
 enum MenuScreen : std::int32_t {
     ScreenMainMenu = 0,
@@ -33,7 +36,7 @@ public:
     void OnKey(UINT key, bool pressed);
     void DoAction(std::int32_t action);
     // Draws the current screen over the frame.
-    void DrawScreen();
+    void DrawScreen(CDC& dc);
 
     bool IsMusicOn() const { return IsOptionOn(OptionMusic); }
     bool IsSoundOn() const { return IsOptionOn(OptionSound); }
@@ -69,6 +72,13 @@ private:
     void OnEscape();
     void OnArrow(std::uint8_t key);
     void MoveOptionsCursor(int step);
+
+    // The screens, one drawer each (MenuScreens.cpp).
+    void DrawMainMenu(CTextPen& pen);
+    void DrawOptions(CTextPen& pen);
+    void DrawHighScores(CTextPen& pen);
+    void DrawHelp(CTextPen& pen);
+    void DrawAbout(CTextPen& pen);
 
     std::vector<CMenuPage> pages;
     std::int32_t currentPage = 0;

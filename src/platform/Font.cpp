@@ -32,7 +32,10 @@ std::string FamilyFor(const LOGFONT& request)
     if (!faceName.empty())
         return faceName;
     const int family = request.lfPitchAndFamily & 0xF0;
-    if (family == FF_MODERN || (request.lfPitchAndFamily & FIXED_PITCH))
+    // Only a fixed pitch asked for gets a monospaced face. The game's modern
+    // fonts take the proportional face: its lines of text come out a little
+    // narrower than their nominal widths, as the screens' layouts expect.
+    if (request.lfPitchAndFamily & FIXED_PITCH)
         return "monospace";
     if (family == FF_ROMAN)
         return "serif";

@@ -141,15 +141,21 @@ TEST(GameStates, PauseOnlyBetweenPlayingAndPaused)
 TEST(GameStates, OnlyLeavingPlayResetsTheDesignScreen)
 {
     TestApp t;
-    const int before = t->designer.GetResetCount();
+    t->world.NewGame(1);
+    t->world.BeginNextLevel(); // the design screen, with an offer
+    ASSERT_GT(t->world.GetStock().size(), 1u);
+    t->OnKey(VK_DOWN, true);
+    ASSERT_EQ(t->designer.GetOfferSelection(), 1);
     t->SetGameState(StatePlaying);
     t->SetPause(true);
     t->SetPause(false);
-    EXPECT_EQ(t->designer.GetResetCount(), before);
+    EXPECT_EQ(t->designer.GetOfferSelection(), 1);
     t->SetGameState(StateDesign);
-    EXPECT_EQ(t->designer.GetResetCount(), before + 1);
+    EXPECT_EQ(t->designer.GetOfferSelection(), 0);
+    EXPECT_TRUE(t->world.IsPaused());
+    t->designer.OnKey(VK_DOWN, true);
     t->SetGameState(StateMenu);
-    EXPECT_EQ(t->designer.GetResetCount(), before + 2);
+    EXPECT_EQ(t->designer.GetOfferSelection(), 0);
 
     t->NewGame();
     EXPECT_EQ(t->GetGameState(), StatePlaying);

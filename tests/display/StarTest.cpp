@@ -1,8 +1,11 @@
 #include "display/Star.h"
+#include "platform/DC.h"
+#include "platform/Surface.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -74,6 +77,31 @@ TEST(StarPixels, ALargeStarLightsItsFourNeighboursAtHalfBrightness)
     }
     EXPECT_EQ(lit, (std::vector<std::string>{"1024,0:158", "1025,0:79", "1023,0:79", "1024,1:79", "1024,-1:79"}));
     EXPECT_EQ(CStar::FromDraws({100, 100, 32767, 0, 0}, 1024, 768).GetPixels().count, 1);
+}
+
+TEST(StarDrawing, TwinklesOnceAndLightsOnlyThePixelsOnTheSurface)
+{
+    constexpr int Width = 8;
+    constexpr int Height = 6;
+    std::vector<std::uint16_t> bits(Width * Height, 0);
+    CDC dc(bits.data(), Width, Width, Height);
+    auto grey = [](std::uint8_t g) { return Platform::PackRgb565(RGB(g, g, g)); };
+
+    // A large star in the top-left corner, grey 160 and falling.
+    CStar corner = CStar::FromDraws({0, 0, 0, 16384, 0}, Width, Height);
+    corner.Draw(dc);
+    corner.Draw(dc);
+    EXPECT_EQ(corner.GetBrightness(), 156);
+    EXPECT_EQ(bits[0], grey(156));
+    EXPECT_EQ(bits[1], grey(78));     // right
+    EXPECT_EQ(bits[Width], grey(78)); // below
+    EXPECT_EQ(std::count(bits.begin(), bits.end(), 0), Width * Height - 3);
+
+    // One just off the right edge is drawn (clipped) and still twinkles.
+    CStar offScreen = CStar::FromDraws({32767, 0, 32767, 0, 0}, Width, Height);
+    offScreen.Draw(dc);
+    EXPECT_EQ(offScreen.GetBrightness(), 98);
+    EXPECT_EQ(std::count(bits.begin(), bits.end(), 0), Width * Height - 3);
 }
 
 } // namespace

@@ -102,7 +102,7 @@ TEST_F(SurfaceTest, KeyedCopiesSkipTheKeyWithOrWithoutRunLengthEncoding)
     }
 }
 
-TEST_F(SurfaceTest, TextOfTheGameFontsIsAboutItsNominalWidthAndTransparentWhenAsked)
+TEST_F(SurfaceTest, TextOfTheGameFontsFitsItsNominalWidthAndIsTransparentWhenAsked)
 {
     SurfacePtr page = Page(1024, 64);
     struct FontCase {
@@ -121,7 +121,17 @@ TEST_F(SurfaceTest, TextOfTheGameFontsIsAboutItsNominalWidthAndTransparentWhenAs
         const std::string text = "Score: 123456789 Level";
         const SIZE extent = dc->GetTextExtent(text);
         const int nominal = static_cast<int>(text.size()) * fc.width;
-        EXPECT_NEAR(extent.cx, nominal, fc.width);
+        // The game's fonts are proportional: a line of text is a little
+        // narrower than its count of nominal widths, so long lines fit the
+        // screens' boxes. A fixed-pitch request gives every character its width.
+        EXPECT_LE(extent.cx, nominal);
+        EXPECT_GE(extent.cx, nominal * 3 / 4);
+        request.lfPitchAndFamily = FF_MODERN | FIXED_PITCH;
+        CFont fixed;
+        ASSERT_TRUE(fixed.CreateFontIndirect(request));
+        dc->SelectObject(&fixed);
+        EXPECT_NEAR(dc->GetTextExtent(text).cx, nominal, fc.width);
+        dc->SelectObject(&font);
         EXPECT_NEAR(extent.cy, fc.height, 2);
 
         dc->SetBkMode(TRANSPARENT);

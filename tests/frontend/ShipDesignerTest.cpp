@@ -1,0 +1,169 @@
+#include "frontend/ShipDesigner.h"
+#include "support/DisplayApp.h"
+#include "support/Parts.h"
+#include "support/TextLog.h"
+
+#include "ship/Ship.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <tuple>
+
+namespace {
+
+using namespace qvtest;
+
+// A game on its design screen, with an offer the test makes.
+class ShipDesignerTest : public ::testing::Test {
+protected:
+    ShipDesignerTest() { t->world.NewGame(1); }
+
+    void Press(std::initializer_list<UINT> keys)
+    {
+        for (UINT key : keys)
+            t->designer.OnKey(key, true);
+    }
+    void Offer(const CComponent& component) { t->world.AddToStock(component); }
+    std::vector<CComponent*> Fitted()
+    {
+        std::vector<CComponent*> list;
+        t->world.GetPlayer()->ListComponents(list);
+        return list;
+    }
+    std::string FittedNames()
+    {
+        std::string names;
+        for (const CComponent* c : Fitted())
+            names += c->GetDisplayName() + ";";
+        return names;
+    }
+    std::int16_t Focus() { return t->designer.GetFocus(); }
+    std::int16_t Selected() { return t->designer.GetComponentSelection(); }
+
+    TestApp t;
+};
+
+TEST_F(ShipDesignerTest, SelectionsStopAtTheEndsAndTheShipListTakesTheFocusOnlyWhenItListsSomething)
+{
+    Offer(Engine(100));
+    Offer(Jet(100));
+    Press({VK_UP, VK_DOWN, VK_DOWN});
+    EXPECT_EQ(t->designer.GetOfferSelection(), 1);
+    Press({VK_RIGHT});
+    EXPECT_EQ(Focus(), CShipDesigner::FocusOffer); // the ship has nothing yet
+
+    Press({VK_RETURN, VK_RETURN}); // the offer stays, so the same jet stacks
+    EXPECT_EQ(t->world.GetStock().size(), 2u);
+    EXPECT_EQ(FittedNames(), "+ Jet2(2);");
+    Press({VK_LEFT, VK_DOWN});
+    EXPECT_EQ(Focus(), CShipDesigner::FocusShip);
+    EXPECT_EQ(Selected(), 0);
+    t->designer.OnKey(VK_RIGHT, false); // key-ups do nothing
+    Press({VK_RIGHT});
+    EXPECT_EQ(Focus(), CShipDesigner::FocusOffer);
+    EXPECT_EQ(t->designer.GetOfferSelection(), 1);
+
+    Press({VK_ESCAPE});
+    EXPECT_EQ(t->GetGameState(), StatePlaying);
+}
+
+TEST_F(ShipDesignerTest, GivingBackMovesTheSelectionOnlyWhenTheLastEntryGoes)
+{
+    Offer(Engine(100));
+    Offer(Jet(100));
+    Offer(Sail(100));
+    Press({VK_RETURN, VK_DOWN, VK_RETURN, VK_DOWN, VK_RETURN});
+    Press({VK_RIGHT, VK_DOWN, VK_DOWN, VK_RETURN}); // the last of three
+    EXPECT_EQ(FittedNames(), "Engine1;+ Jet2;");
+    EXPECT_EQ(Selected(), 1);
+    EXPECT_EQ(t->world.GetStock().size(), 3u); // it was on offer already
+
+    Press({VK_LEFT, VK_RETURN, VK_RIGHT}); // the sail again
+    Press({VK_RETURN});                    // the jet, in the middle: the selection stays
+    EXPECT_EQ(FittedNames(), "Engine1;+ Subspace Sail3;");
+    EXPECT_EQ(Selected(), 1);
+    Press({VK_RETURN, VK_RETURN}); // the only one left: back to the offer
+    EXPECT_EQ(FittedNames(), "");
+    EXPECT_EQ(Focus(), CShipDesigner::FocusOffer);
+
+    // A stacked piece not on offer goes back once, one piece at a time.
+    CJet bonus = Jet(100);
+    t->world.GetPlayer()->AddComponent(&bonus);
+    t->world.GetPlayer()->AddComponent(&bonus);
+    Press({VK_RIGHT, VK_SPACE, VK_SPACE});
+    EXPECT_EQ(FittedNames(), "");
+    EXPECT_EQ(t->world.GetStock().size(), 4u);
+    EXPECT_EQ(t->world.GetStock()[3]->GetDisplayName(), "+ Jet4");
+}
+
+TEST_F(ShipDesignerTest, ALetterOrDigitKeysTheHighlightedShipLaserWhicheverListHasTheFocus)
+{
+    Offer(Plant(500));
+    Offer(Laser({}));
+    Press({VK_RETURN, VK_DOWN, VK_RETURN, VK_RETURN});
+    auto key = [this](std::size_t index) { return static_cast<CLaser*>(Fitted()[index])->GetFireKey(); };
+    const char firstKey = key(1);
+    Press({'G'}); // the ship's highlight is on the energy system
+    EXPECT_EQ(key(1), firstKey);
+    Press({VK_RIGHT, VK_DOWN, VK_LEFT, 'G'});
+    EXPECT_EQ(key(1), 'G');
+    Press({VK_RIGHT, VK_DOWN, '7'});
+    EXPECT_EQ(key(2), '7');
+
+    t->world.Clear(); // without a ship Enter and the fire keys do nothing
+    Offer(Engine(100));
+    Press({VK_RETURN, 'F'});
+    EXPECT_EQ(t->world.GetStock().size(), 1u);
+}
+
+TEST(ShipDesignerLayout, PanelsOnA1024By768Screen)
+{
+    const CShipDesigner::Layout l = CShipDesigner::ComputeLayout(1024, 768);
+    EXPECT_EQ(l.shipPanel, (RECT{50, 100, 348, 668}));
+    EXPECT_EQ(l.offerDetail, (RECT{363, 100, 661, 286}));
+    EXPECT_EQ(l.offerList, (RECT{363, 301, 661, 668}));
+    EXPECT_EQ(l.componentDetail, (RECT{676, 100, 974, 286}));
+    EXPECT_EQ(l.componentList, (RECT{676, 301, 974, 668}));
+}
+
+TEST(ShipDesignerDrawing, PanelsStatisticsALasersTwoColumnsAndTheHints)
+{
+    DisplayApp d;
+    ASSERT_TRUE(d.Start());
+    TextLog log;
+    auto draw = [&] {
+        log.texts.clear();
+        ScopedDC dc(d.Back());
+        d->designer.Draw(*dc.dc);
+    };
+    draw();
+    EXPECT_EQ(log.At(140), (std::vector<std::string>{"No Ship!", "No Ship!"}));
+    EXPECT_EQ(log.At(341), std::vector<std::string>{"No Ship!"});
+    EXPECT_EQ(DisplayApp::PixelAt(d.Back(), 347, 667), Platform::PackRgb565(RGB(50, 50, 50)));
+
+    d->world.NewGame(5); // level 4, the last with a hint
+    d->world.AddToStock(Laser({}));
+    draw();
+    EXPECT_EQ(log.Find("Shield Energy Loss: 150%")->y, 140 + 9 * 15);
+    EXPECT_EQ(log.Find("Your Ship")->x, 50 + (298 - 9 * 12) / 2);
+    // The offer list's entry, highlighted while the offer has the focus.
+    const auto entry = std::find_if(log.texts.begin(), log.texts.end(), [](const WrittenText& w) { return w.y == 341; });
+    ASSERT_NE(entry, log.texts.end());
+    EXPECT_EQ(std::make_tuple(entry->text, entry->x, entry->colour), std::make_tuple("Laser1", 373, RGB(250, 250, 100)));
+    // Eight stat lines on the left of the offer detail, three on the right from the top again.
+    std::vector<std::pair<int, int>> detail;
+    for (const WrittenText& w : log.texts)
+        if (w.x >= 363 && w.x < 661 && w.y >= 140 && w.y < 286)
+            detail.emplace_back(w.x, w.y);
+    ASSERT_EQ(detail.size(), 11u);
+    EXPECT_EQ(detail[7], std::make_pair(373, 245));
+    EXPECT_EQ(detail[8], std::make_pair(512, 140));
+    // The hint under the help line, and none from level 5 on.
+    EXPECT_EQ(log.At(768 - 85).size() + log.At(768 - 70).size() + log.At(768 - 40).size(), 3u);
+    d->world.BeginNextLevel();
+    draw();
+    EXPECT_EQ(log.At(768 - 85).size() + log.At(768 - 70).size() + log.At(768 - 40).size(), 1u);
+}
+
+} // namespace

@@ -1,0 +1,35 @@
+#pragma once
+#include "frontend/TextPen.h"
+
+#include <string>
+#include <vector>
+
+namespace qvtest {
+
+// Records every text the screens write while alive.
+struct TextLog {
+    TextLog() { CTextPen::SetRecorder([this](const WrittenText& t) { texts.push_back(t); }); }
+    ~TextLog() { CTextPen::SetRecorder(nullptr); }
+
+    // The first text that reads exactly so, or null.
+    const WrittenText* Find(const std::string& text) const
+    {
+        for (const WrittenText& t : texts)
+            if (t.text == text)
+                return &t;
+        return nullptr;
+    }
+    // The texts written at this height, in the order written.
+    std::vector<std::string> At(std::int32_t y) const
+    {
+        std::vector<std::string> row;
+        for (const WrittenText& t : texts)
+            if (t.y == y)
+                row.push_back(t.text);
+        return row;
+    }
+
+    std::vector<WrittenText> texts;
+};
+
+} // namespace qvtest
