@@ -88,7 +88,7 @@ TEST(SpriteList, ListsEveryBoundSpriteOnceWithItsCollisionSize) {
     const auto sprites = Sprites();
     for (const auto& [name, radius] : kBoundSprites) {
         SCOPED_TRACE(name);
-        const auto count = std::count_if(sprites.begin(), sprites.end(), [&](auto& s) { return s.name == name; });
+        const auto count = std::count_if(sprites.begin(), sprites.end(), [&wanted = name](auto& s) { return s.name == wanted; });
         ASSERT_EQ(count, 1);
         const auto s = Find(name);
         EXPECT_EQ(s.width, s.height);
