@@ -10,7 +10,7 @@ packages=(
   fluid-soundfont-gm
   libgtest-dev libgmock-dev libbenchmark-dev
   libcairo2-dev
-  xvfb xdotool imagemagick sox
+  xvfb xdotool imagemagick sox python3
   clang
 )
 
