@@ -11,6 +11,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libcairo2-dev
   xvfb xdotool imagemagick sox python3
+  desktop-file-utils appstream
   clang
 )
 

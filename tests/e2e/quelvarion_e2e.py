@@ -145,11 +145,20 @@ class Game:
     """The game running on an X server of its own. Use it in a `with` block:
     leaving it ends the game, the server and the scratch folder."""
 
-    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT)):
-        self.program = os.environ["QV_GAME"]
+    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None):
+        """settings: the bytes of a settings file the player has from before.
+        installed: the prefix of an installation whose launcher starts the game
+        in the player's folder, instead of the built game in a scratch folder."""
         self.data = os.environ["QV_GAME_DIR"]
         self.screen_size = screen
-        self.folder = tempfile.mkdtemp(prefix="qv-e2e-")
+        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
+        self.installed = installed
+        if installed:
+            self.program = os.path.join(installed, "bin", "quelvarion")
+            self.folder = os.path.join(self.scratch, "quelvarion")  # inside XDG_DATA_HOME
+        else:
+            self.program = os.environ["QV_GAME"]
+            self.folder = self.scratch
         self.settings = settings
         self.xvfb = self.game = None
         self.status = None
@@ -157,9 +166,13 @@ class Game:
     # Starting and ending.
 
     def __enter__(self):
-        for name in os.listdir(self.data):
-            if name != SETTINGS_FILE and not name.startswith("."):
-                os.symlink(os.path.join(self.data, name), os.path.join(self.folder, name))
+        if self.installed:
+            if self.settings is not None:
+                os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
+        else:
+            for name in os.listdir(self.data):
+                if name != SETTINGS_FILE and not name.startswith("."):
+                    os.symlink(os.path.join(self.data, name), os.path.join(self.folder, name))
         if self.settings is not None:
             with open(self.settings_path(), "wb") as f:
                 f.write(self.settings)
@@ -168,8 +181,9 @@ class Game:
         # server SDL's system libraries (D-Bus, the GL driver it loads and
         # unloads) keep memory the leak checker cannot tell from the game's.
         sanitizers = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
-        self.game = subprocess.Popen([self.program], cwd=self.folder,
-                                     env=self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers),
+        self.game = subprocess.Popen([self.program], cwd=self.scratch,
+                                     env=self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers,
+                                                  XDG_DATA_HOME=self.scratch),
                                      stdout=subprocess.DEVNULL, stderr=open(self.log_path(), "wb"))
         self.wait_for_window()
         return self
@@ -181,7 +195,7 @@ class Game:
             if process and process.poll() is None:
                 process.kill()
                 process.wait()
-        shutil.rmtree(self.folder, ignore_errors=True)
+        shutil.rmtree(self.scratch, ignore_errors=True)
         return False
 
     def start_x_server(self):
@@ -315,7 +329,7 @@ class Game:
             return f.read()
 
     def log_path(self):
-        return os.path.join(self.folder, "game.log")
+        return os.path.join(self.scratch, "game.log")
 
     def keep_evidence(self):
         """After a failure: the last screen and the game's output, where CTest's log shows them."""
