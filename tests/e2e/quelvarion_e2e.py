@@ -355,6 +355,12 @@ def expect_close(difference, limit, what):
         fail(f"{what}: differs by {difference:.1f} (at most {limit} expected)")
 
 
+def expect_normal_end(game, settings):
+    """The game ends with status 0, leaving exactly these settings."""
+    expect_equal(game.wait_exit(), 0, "exit status")
+    expect_equal(game.settings_saved(), settings, "quelvarion.ini")
+
+
 def run(test):
     """Runs one flow as a program: exit status 0 when it passes."""
     try:

@@ -6,7 +6,7 @@ import shutil
 import subprocess
 import tempfile
 
-from quelvarion_e2e import SETTINGS_FILE, Game, expect_equal, fail, run, settings_text, showing_title
+from quelvarion_e2e import SETTINGS_FILE, Game, expect_equal, expect_normal_end, fail, run, settings_text, showing_title
 
 SETTINGS = settings_text({"Start Level": "2", "Sound FX": "Off"}, [("IDA", 1700)])
 
@@ -32,8 +32,7 @@ def installed():
             game.wait_for_screen(showing_title)
             game.wait_title_pause()
             game.terminate()
-            expect_equal(game.wait_exit(), 0, "exit status")
-            expect_equal(game.settings_saved(), SETTINGS, "the player's quelvarion.ini")
+            expect_normal_end(game, SETTINGS)
             expect_equal(os.path.realpath(os.path.join(game.folder, "sprite.ini")),
                          os.path.join(os.path.realpath(prefix), "share/quelvarion/sprite.ini"), "the catalogue link")
         if os.path.exists(os.path.join(prefix, "share/quelvarion", SETTINGS_FILE)):

@@ -1,6 +1,6 @@
 """An option changed on the options screen by keys, then "Exit Game": the game
 ends normally and leaves the settings file with the new value."""
-from quelvarion_e2e import Game, expect_equal, run, settings_text
+from quelvarion_e2e import Game, expect_normal_end, run, settings_text
 
 
 def options_saved():
@@ -11,8 +11,7 @@ def options_saved():
         game.keys("Up", "Up", "Right", "Right")     # "Start Level" 1 -> 3
         game.keys("Escape")                          # back to the main menu, "Options" still selected
         game.keys("Down", "Down", "Return")          # "Exit Game"
-        expect_equal(game.wait_exit(), 0, "exit status")
-        expect_equal(game.settings_saved(), settings_text({"Start Level": "3", "Sound FX": "Off"}), "quelvarion.ini")
+        expect_normal_end(game, settings_text({"Start Level": "3", "Sound FX": "Off"}))
 
 
 run(options_saved)
