@@ -5,8 +5,15 @@ copy of its working directory whose data files are links to the built game
 data, presses real keys (xdotool) and looks at what the screen shows
 (ImageMagick screenshots) and at the files the game leaves behind.
 
-Environment: QV_GAME (the program) and QV_GAME_DIR (the built game data),
-both set by CTest.
+A flow is a file test_<flow>.py here that plays through `Game` and ends with
+`run(<flow>)`; CMake registers every such file as the CTest test e2e.<flow>.
+Checks of a screen go through `Screen`: `at_game` picks a rectangle of the
+game's own 1024 x 768 picture wherever the letterbox puts it, and
+`mean_difference`, `lit_pixels` and `lit_cells` compare it with a picture file
+or with another screenshot.
+
+Environment: QV_GAME (the program), QV_GAME_DIR (the built game data) and
+QV_BUILD_DIR (the build, for installing it), all set by CTest.
 """
 
 import ctypes
