@@ -11,6 +11,7 @@
 #include "platform/DC.h"
 
 #include <cstdlib>
+#include <system_error>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -28,25 +29,29 @@ void Check(bool condition)
         std::abort();
 }
 
-const fs::path& ScratchFolder()
-{
-    static const fs::path dir = [] {
-        auto path = fs::temp_directory_path() / ("qvfuzz-" + std::to_string(::getpid()));
-        fs::create_directories(path);
-        std::atexit([] {
-            std::error_code ignored;
-            fs::remove_all(ScratchFolder(), ignored);
-        });
-        return path;
-    }();
-    return dir;
-}
-
 // The targets read and write files relative to the working directory, so
-// they run in a scratch folder of their own.
+// they run in a scratch folder of their own, removed at exit.
+class CScratchFolder {
+public:
+    CScratchFolder() : path(fs::temp_directory_path() / ("qvfuzz-" + std::to_string(::getpid())))
+    {
+        fs::create_directories(path);
+    }
+    ~CScratchFolder()
+    {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+    void Enter() const { fs::current_path(path); }
+
+private:
+    fs::path path;
+};
+
 void EnterScratchFolder()
 {
-    fs::current_path(ScratchFolder());
+    static const CScratchFolder folder;
+    folder.Enter();
 }
 
 void WriteInput(const char* file, const std::uint8_t* data, std::size_t size)
@@ -130,7 +135,9 @@ void StartGame()
 int FuzzSettings(const std::uint8_t* data, std::size_t size)
 {
     EnterScratchFolder();
-    static CMenuSystem menus;
+    // Never destroyed: its destructor would save the settings wherever the
+    // program happens to stand at exit.
+    static CMenuSystem& menus = *new CMenuSystem;
     menus.ApplySettingsText(std::string(reinterpret_cast<const char*>(data), size));
     // Whatever was read, what the game writes reads back to itself.
     const std::string saved = menus.SettingsText();
