@@ -10,7 +10,8 @@ packages=(
   fluid-soundfont-gm
   libgtest-dev libgmock-dev libbenchmark-dev
   libcairo2-dev
-  xvfb xdotool imagemagick sox
+  xvfb xdotool imagemagick sox python3
+  desktop-file-utils appstream
   clang
 )
 

@@ -19,7 +19,7 @@ for target in "$build"/fuzz_*; do
         -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$findings/" \
         "$corpus" "$seeds") > "$log" 2>&1
     rc=$?
-    execs=$(grep -E '^stat::number_of_executed_units' "$log" | awk '{print $2}')
+    execs=$(grep -E '^stat::number_of_executed_units' "$log" | awk '{print $2}' | tail -1)
     cov=$(grep -E '#[0-9]+.*cov:' "$log" | tail -1 | sed -E 's/.*cov: ([0-9]+).*ft: ([0-9]+).*/cov \1, features \2/')
     printf '%-18s %s executions, %s, exit %s\n' "$name" "${execs:-?}" "${cov:-no coverage line}" "$rc"
     [[ $rc -eq 0 ]] || status=1

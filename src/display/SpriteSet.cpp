@@ -4,6 +4,7 @@
 #include "display/Bitmaps.h"
 #include "display/SpriteInstance.h"
 
+#include <algorithm>
 #include <cctype>
 #include <fstream>
 #include <iterator>
@@ -20,6 +21,9 @@ constexpr std::size_t HeightField = 2;
 constexpr std::size_t DirectionsField = 3;
 constexpr std::size_t FrameCountField = 4;
 constexpr std::size_t FrameTimeField = 5;
+// Far more frames than any sprite needs (the ships turn through 72 facings);
+// a line asking for more would keep start-up reading files for hours.
+constexpr std::int64_t MaxSpriteFrames = 4096;
 
 // A decimal number as the catalogue writes it: blanks first, a sign, then
 // digits up to the first other character. No digits read as 0.
@@ -65,7 +69,8 @@ bool ReadSpriteLine(const std::string& line, SpriteLine& out)
     const bool animated = fields.size() > FrameTimeField;
     out.frameCount = animated ? number(FrameCountField) : 0;
     out.frameTime = animated ? number(FrameTimeField) : 0;
-    return !out.name.empty() && out.width >= 1 && out.height >= 1;
+    const std::int64_t frames = std::int64_t{std::max(out.directions, 1)} * std::max(out.frameCount, 1);
+    return !out.name.empty() && out.width >= 1 && out.height >= 1 && frames <= MaxSpriteFrames;
 }
 
 std::int32_t ScreenWidth() { return TheApp().screenWidth; }

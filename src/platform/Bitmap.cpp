@@ -2,7 +2,10 @@
 
 #include <SDL.h>
 
+#include <array>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <utility>
 
 void CBitmap::Assign(std::int32_t w, std::int32_t h, std::vector<COLORREF> colours)
@@ -23,6 +26,51 @@ Result MissingFileCode(const std::filesystem::path& file)
     return ERROR_FILE_NOT_FOUND;
 }
 
+// Far more than any picture of the game (the screen is 1024 x 768), and few
+// enough that a file claiming more is refused before memory is set aside for it.
+constexpr std::int64_t MaxPicturePixels = 4096 * 4096;
+
+constexpr std::size_t FileHeaderBytes = 14;
+constexpr std::uint32_t CoreHeaderBytes = 12; // the oldest header: 16-bit sizes
+constexpr std::uint32_t UncompressedRgb = 0;
+constexpr std::uint32_t UncompressedBitFields = 3;
+
+std::int64_t ReadLittle(const std::uint8_t* bytes, int count)
+{
+    std::int64_t value = 0;
+    for (int i = count - 1; i >= 0; --i)
+        value = (value << 8) | bytes[i];
+    return value;
+}
+
+// Whether the size a bitmap file's header states is one the file can hold:
+// a picture of at most MaxPicturePixels, and an uncompressed one whose rows
+// fit in the file. A header that cannot be read is left to the decoder.
+bool PlausibleSize(const std::filesystem::path& file)
+{
+    std::array<std::uint8_t, 34> head{};
+    std::ifstream in(file, std::ios::binary);
+    in.read(reinterpret_cast<char*>(head.data()), head.size());
+    if (in.gcount() < static_cast<std::streamsize>(FileHeaderBytes + CoreHeaderBytes))
+        return true;
+    const std::uint8_t* info = head.data() + FileHeaderBytes;
+    const bool core = ReadLittle(info, 4) == CoreHeaderBytes;
+    const std::int64_t width = core ? ReadLittle(info + 4, 2) : static_cast<std::int32_t>(ReadLittle(info + 4, 4));
+    const std::int64_t height = core ? ReadLittle(info + 6, 2) : static_cast<std::int32_t>(ReadLittle(info + 8, 4));
+    const std::int64_t bits = ReadLittle(info + (core ? 10 : 14), 2);
+    const std::int64_t compression = core ? UncompressedRgb : ReadLittle(info + 16, 4);
+    const std::int64_t rows = std::llabs(height);
+    if (width <= 0 || rows == 0)
+        return true; // the decoder refuses these itself
+    if (width * rows > MaxPicturePixels)
+        return false;
+    if (compression != UncompressedRgb && compression != UncompressedBitFields)
+        return true;
+    std::error_code ignored;
+    const std::int64_t rowBytes = (width * bits + 31) / 32 * 4;
+    return rowBytes * rows <= static_cast<std::int64_t>(std::filesystem::file_size(file, ignored));
+}
+
 } // namespace
 
 namespace Platform {
@@ -33,7 +81,7 @@ Result LoadImageFile(const std::string& path, std::int32_t width, std::int32_t h
     const std::filesystem::path file(path);
     if (!std::filesystem::exists(file, ignored))
         return MissingFileCode(file);
-    if (!std::filesystem::is_regular_file(file, ignored))
+    if (!std::filesystem::is_regular_file(file, ignored) || !PlausibleSize(file))
         return ERROR_INVALID_DATA;
 
     SDL_Surface* loaded = SDL_LoadBMP(path.c_str());

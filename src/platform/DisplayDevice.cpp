@@ -18,13 +18,15 @@ struct Fault {
 
 std::vector<Fault>& faults()
 {
-    static std::vector<Fault> list;
+    static std::vector<Fault>& list = *new std::vector<Fault>; // see liveDevices
     return list;
 }
 
 std::vector<CDisplayDevice*>& liveDevices()
 {
-    static std::vector<CDisplayDevice*> devices;
+    // Never destroyed: the application object, a global made before this list,
+    // lets go of its device from its own destructor, after the list would be gone.
+    static std::vector<CDisplayDevice*>& devices = *new std::vector<CDisplayDevice*>;
     return devices;
 }
 

@@ -20,7 +20,9 @@ std::set<std::string>& registeredClasses()
 
 std::vector<CPlatformWnd*>& liveWindows()
 {
-    static std::vector<CPlatformWnd*> windows;
+    // Never destroyed: the application object, a global made before this list,
+    // destroys its main window from its own destructor.
+    static std::vector<CPlatformWnd*>& windows = *new std::vector<CPlatformWnd*>;
     return windows;
 }
 

@@ -93,7 +93,8 @@ TEST(SpriteList, ListsEveryBoundSpriteOnceWithItsCollisionSizeAndMotion) {
     const auto sprites = Sprites();
     for (const auto& [name, bound] : kBoundSprites) {
         SCOPED_TRACE(name);
-        ASSERT_EQ(std::count_if(sprites.begin(), sprites.end(), [&](auto& s) { return s.name == name; }), 1);
+        const auto count = std::count_if(sprites.begin(), sprites.end(), [&wanted = name](auto& s) { return s.name == wanted; });
+        ASSERT_EQ(count, 1);
         const auto s = Find(name);
         EXPECT_EQ(s.width, s.height);
         if (bound.radius > 0) {

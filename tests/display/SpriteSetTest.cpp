@@ -29,6 +29,7 @@ TEST(SpriteCatalogueFile, ReadsFieldsBlanksNumbersCommentsAndCarriageReturns)
                              "signs +7 -3\n"
                              "digits 12px 9x 3.5\n"
                              "tab\t10 10 10\n"
+                             "endless 4 4 99999 99999 10\n" // billions of frame files: not read
                              "last 1 1 1";
     const auto lines = CSpriteSet::ParseCatalogue(text);
     ASSERT_EQ(lines.size(), 7u);

@@ -1,5 +1,7 @@
 #include "FuzzTargets.h"
 
+#include "support/DisplayApp.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -15,11 +17,13 @@ namespace fs = std::filesystem;
 using Target = int (*)(const std::uint8_t*, std::size_t);
 
 // Every input kept from fuzzing (crashes found and fixed, and seeds) is fed
-// again on every test run, so an old fault cannot come back unnoticed.
+// again on every test run, so an old fault cannot come back unnoticed. The
+// targets abort on a broken rule, which fails the test.
 void RunRegressions(const std::string& folder, Target target)
 {
     const fs::path dir = fs::path(QV_SOURCE_DIR) / "fuzz" / "regressions" / folder;
     ASSERT_TRUE(fs::is_directory(dir)) << dir;
+    const fs::path here = fs::current_path();
     int inputs = 0;
     for (const auto& entry : fs::directory_iterator(dir)) {
         std::ifstream in(entry.path(), std::ios::binary);
@@ -28,14 +32,27 @@ void RunRegressions(const std::string& folder, Target target)
         target(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
         ++inputs;
     }
+    fs::current_path(here);
     EXPECT_GT(inputs, 0);
 }
 
 TEST(FuzzRegressions, SettingsFiles)
 {
-    const fs::path here = fs::current_path();
     RunRegressions("settings", qvfuzz::FuzzSettings);
-    fs::current_path(here);
+}
+
+TEST(FuzzRegressions, PaletteAndFrameBitmaps)
+{
+    RunRegressions("palette", qvfuzz::FuzzPalette);
+    RunRegressions("bitmap", qvfuzz::FuzzBitmap);
+}
+
+TEST(FuzzRegressions, SpriteCatalogues)
+{
+    qvtest::DisplayApp game;
+    qvfuzz::WriteSpriteArt();
+    ASSERT_TRUE(game.Start());
+    RunRegressions("sprites", qvfuzz::FuzzSpriteCatalogue);
 }
 
 } // namespace

@@ -165,11 +165,27 @@ TEST(BitmapLoading, MissingFileMissingFolderAndJunkHaveTheirCodes)
     auto truncated = qvtest::Bitmap24(8, 8, [](int, int) { return RGB(1, 2, 3); });
     truncated.resize(40);
     qvtest::WriteFile("art/short.bmp", truncated);
+    // Headers that claim a picture the file cannot hold are refused before any
+    // memory is set aside for it: far too many pixels, or rows beyond the file.
+    auto claims = [](std::int32_t width, std::int32_t height) {
+        auto bytes = qvtest::Bitmap24(2, 2, [](int, int) { return RGB(1, 2, 3); });
+        for (int i = 0; i < 4; ++i) {
+            bytes[18 + i] = static_cast<std::uint8_t>(static_cast<std::uint32_t>(width) >> (8 * i));
+            bytes[22 + i] = static_cast<std::uint8_t>(static_cast<std::uint32_t>(height) >> (8 * i));
+        }
+        return bytes;
+    };
+    qvtest::WriteFile("art/huge.bmp", claims(100000, -100000));
+    qvtest::WriteFile("art/long.bmp", claims(2, 3000));
     EXPECT_EQ(Platform::LoadImageFile("art/none.bmp", 4, 4, image), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(Platform::LoadImageFile("nowhere/none.bmp", 4, 4, image), ERROR_PATH_NOT_FOUND);
     EXPECT_EQ(Platform::LoadImageFile("art/junk.bmp", 4, 4, image), ERROR_INVALID_DATA);
     EXPECT_EQ(Platform::LoadImageFile("art/short.bmp", 4, 4, image), ERROR_INVALID_DATA);
     EXPECT_EQ(Platform::LoadImageFile("art", 4, 4, image), ERROR_INVALID_DATA);
+    EXPECT_EQ(Platform::LoadImageFile("art/huge.bmp", 4, 4, image), ERROR_INVALID_DATA);
+    EXPECT_EQ(Platform::LoadImageFile("art/long.bmp", 4, 4, image), ERROR_INVALID_DATA);
+    qvtest::WriteFile("art/fine.bmp", claims(2, -2)); // top-down rows read as well
+    EXPECT_EQ(Platform::LoadImageFile("art/fine.bmp", 4, 4, image), 0);
 }
 
 } // namespace

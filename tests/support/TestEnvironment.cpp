@@ -12,10 +12,3 @@ const bool dummyDrivers = [] {
 }();
 
 } // namespace
-
-// fontconfig keeps some of its matching state for good; that is not ours to
-// free. Read only by the leak checker of sanitizer builds.
-extern "C" const char* __lsan_default_suppressions()
-{
-    return "leak:libfontconfig\n";
-}

@@ -1,0 +1,144 @@
+// Whole frames of a level in play: the world's step and the composition of
+// the picture on the back buffer, with the game's own sprites. No flip, so no
+// wait for the display: what is measured is the game's work per frame.
+#include "app/GameApp.h"
+#include "platform/Clock.h"
+#include "ship/Ship.h"
+#include "world/GameDriver.h"
+#include "world/GameObject.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr double FrameMs = 1000.0 / 60.0;
+constexpr std::int32_t Level = 4;         // asteroids, mines and turrets all come
+constexpr std::uint32_t Seed = 20240601;
+constexpr int FramesPerScene = 1200;      // twenty seconds of play, then the level starts afresh
+constexpr UINT FireKey = 'F';             // the first laser's key
+constexpr UINT TurnKey = 0x25;            // left arrow: the ship turns and sprays its shots around
+
+// The game started as it starts for a player (without the title pause), in a
+// scratch folder whose data files are links to the built game data.
+struct FrameBench {
+    fs::path previous = fs::current_path();
+    fs::path folder = fs::temp_directory_path() / "quelvarion-frame-bench";
+    std::unique_ptr<CGameApp> app;
+    std::unique_ptr<CGameDriver> driver;
+
+    FrameBench()
+    {
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+        for (const auto& entry : fs::directory_iterator(QV_GAME_DIR))
+            if (entry.path().filename() != "quelvarion.ini")
+                fs::create_symlink(entry.path(), folder / entry.path().filename());
+        fs::current_path(folder);
+        Platform::SetSleepHandler([](std::uint32_t) {});
+        Platform::StartSdl();
+        app = std::make_unique<CGameApp>();
+        if (!app->InitInstance())
+            std::abort();
+        driver = std::make_unique<CGameDriver>(*app);
+    }
+    ~FrameBench()
+    {
+        driver.reset();
+        app.reset();
+        Platform::SetSleepHandler(nullptr);
+        fs::current_path(previous);
+        fs::remove_all(folder);
+    }
+
+    // The level's start, the same every time: the ship refitted from the
+    // offer, its usual traffic in, the fire and turn keys held.
+    void StartScene()
+    {
+        driver->Seed(Seed);
+        driver->StartGame(Level);
+        while (driver->GetGameState() == StatePlaying)
+            driver->Frame(FrameMs);
+        driver->Refit();
+        driver->StartLevel();
+        CWorld& world = driver->World();
+        world.SpawnAsteroids(8);
+        world.SpawnMines(3);
+        world.SpawnTurrets(1);
+        driver->Key(FireKey, true);
+        driver->Key(TurnKey, true);
+    }
+
+    bool InPlay() const { return driver->GetGameState() == StatePlaying && driver->Player(); }
+
+};
+
+// What the world holds, summed over the frames measured.
+struct Traffic {
+    double objects = 0.0;
+    double shots = 0.0;
+    double ships = 0.0;
+
+    void Count(const CWorld& world)
+    {
+        for (const CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext()) {
+            const CGameObject* object = n->GetData();
+            objects += 1;
+            shots += object->GetType() == ObjectProjectile;
+            ships += object->GetType() == ObjectShip;
+        }
+    }
+};
+
+double Since(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+}
+
+void BM_WholeFrame(benchmark::State& state)
+{
+    FrameBench bench;
+    bench.StartScene();
+    double stepUs = 0.0;
+    double drawUs = 0.0;
+    Traffic traffic;
+    int scenes = 1;
+    int sceneFrames = 0;
+    for (auto _ : state) {
+        if (sceneFrames == FramesPerScene || !bench.InPlay()) {
+            state.PauseTiming();
+            bench.StartScene();
+            sceneFrames = 0;
+            ++scenes;
+            state.ResumeTiming();
+        }
+        const auto start = Clock::now();
+        bench.app->world.Update(FrameMs);
+        stepUs += Since(start);
+        const auto drawn = Clock::now();
+        bench.app->DrawFrame(FrameMs);
+        drawUs += Since(drawn);
+        ++sceneFrames;
+        state.PauseTiming();
+        traffic.Count(bench.app->world);
+        state.ResumeTiming();
+    }
+    const auto frames = static_cast<double>(state.iterations());
+    state.counters["step_us"] = stepUs / frames;
+    state.counters["draw_us"] = drawUs / frames;
+    state.counters["objects"] = traffic.objects / frames;
+    state.counters["shots"] = traffic.shots / frames;
+    state.counters["ships"] = traffic.ships / frames;
+    state.counters["scenes"] = scenes;
+}
+
+} // namespace
+
+BENCHMARK(BM_WholeFrame)->Iterations(3 * FramesPerScene)->Unit(benchmark::kMicrosecond);

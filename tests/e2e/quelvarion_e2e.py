@@ -1,0 +1,378 @@
+"""Plays the real game the way a player does, for the end-to-end tests.
+
+Each test starts `quelvarion` on an X server of its own (Xvfb), in a scratch
+copy of its working directory whose data files are links to the built game
+data, presses real keys (xdotool) and looks at what the screen shows
+(ImageMagick screenshots) and at the files the game leaves behind.
+
+A flow is a file test_<flow>.py here that plays through `Game` and ends with
+`run(<flow>)`; CMake registers every such file as the CTest test e2e.<flow>.
+Checks of a screen go through `Screen`: `at_game` picks a rectangle of the
+game's own 1024 x 768 picture wherever the letterbox puts it, and
+`mean_difference`, `lit_pixels` and `lit_cells` compare it with a picture file
+or with another screenshot.
+
+Environment: QV_GAME (the program), QV_GAME_DIR (the built game data) and
+QV_BUILD_DIR (the build, for installing it), all set by CTest.
+"""
+
+import ctypes
+import ctypes.util
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+# The game's own picture, letterboxed into whatever screen it runs on.
+GAME_WIDTH, GAME_HEIGHT = 1024, 768
+# A screen of another shape than the game's, so the letterbox shows.
+SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
+TITLE_PAUSE_S = 6
+SETTINGS_FILE = "quelvarion.ini"
+
+# The entries of the main menu, top to bottom, and the options in their order.
+MAIN_MENU = ["New Game", "Help", "About", "Options", "High Scores", "Exit Game"]
+OPTIONS = ["Start Level", "Music", "Sound FX", "Background Stars", "Ship/Turrent Stats"]
+
+
+def fail(message):
+    raise AssertionError(message)
+
+
+def settings_text(options=None, scores=()):
+    """The settings file as the game writes it: the five options, then the table
+    of ten scores (name, score) with empty lines for the free places."""
+    values = {"Start Level": "1", "Music": "On", "Sound FX": "On",
+              "Background Stars": "On", "Ship/Turrent Stats": "On"}
+    values.update(options or {})
+    lines = [f"{name} = {values[name]}" for name in OPTIONS] + ["High Scores"]
+    lines += [f"{name} = {score}" for name, score in scores]
+    lines += [""] * (10 - len(scores))
+    return "".join(line + "\r\n" for line in lines).encode("latin-1")
+
+
+class Screen:
+    """One screenshot: 8-bit RGB pixels, row by row."""
+
+    def __init__(self, width, height, pixels):
+        self.width, self.height, self.pixels = width, height, pixels
+
+    def pixel(self, x, y):
+        i = 3 * (y * self.width + x)
+        return tuple(self.pixels[i:i + 3])
+
+    def crop(self, x, y, width, height):
+        rows = [self.pixels[3 * ((y + r) * self.width + x):3 * ((y + r) * self.width + x + width)]
+                for r in range(height)]
+        return Screen(width, height, b"".join(rows))
+
+    def game_area(self):
+        """Where the game's 1024 x 768 picture lies on the screen: x, y, width, height."""
+        scale = min(self.width / GAME_WIDTH, self.height / GAME_HEIGHT)
+        w, h = round(GAME_WIDTH * scale), round(GAME_HEIGHT * scale)
+        return (self.width - w) // 2, (self.height - h) // 2, w, h
+
+    def at_game(self, x, y, width, height):
+        """The part of the screen that shows the game's rectangle (x, y, width, height)."""
+        ax, ay, aw, _ = self.game_area()
+        scale = aw / GAME_WIDTH
+        return self.crop(ax + int(x * scale), ay + int(y * scale), int(width * scale), int(height * scale))
+
+    def game_picture(self):
+        return self.crop(*self.game_area())
+
+    def bars(self):
+        """The letterbox bars around the game's picture, as screens (possibly empty)."""
+        ax, ay, aw, ah = self.game_area()
+        parts = [self.crop(0, 0, self.width, ay), self.crop(0, ay + ah, self.width, self.height - ay - ah),
+                 self.crop(0, 0, ax, self.height), self.crop(ax + aw, 0, self.width - ax - aw, self.height)]
+        return [p for p in parts if p.width and p.height]
+
+    def brightest(self):
+        return max(self.pixels) if self.pixels else 0
+
+    def lit_pixels(self, threshold=40):
+        """How many pixels have a channel above threshold: what is drawn over black."""
+        p = self.pixels
+        return sum(1 for i in range(0, len(p), 3) if max(p[i], p[i + 1], p[i + 2]) > threshold)
+
+    def changed_pixels(self, other, threshold=30):
+        """How many pixels differ from other's by more than threshold in a channel."""
+        a, b = self.pixels, other.pixels
+        return sum(1 for i in range(0, min(len(a), len(b)), 3)
+                   if max(abs(a[i] - b[i]), abs(a[i + 1] - b[i + 1]), abs(a[i + 2] - b[i + 2])) > threshold)
+
+    def lit_cells(self, columns, rows, threshold=6):
+        """The cells of a columns x rows grid over the screen in which something is drawn
+        over black: (column, row) pairs whose mean brightness is above threshold."""
+        raw = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
+                              "-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
+                              "-depth", "8", "gray:-"], input=self.pixels, capture_output=True, check=True).stdout
+        return {(i % columns, i // columns) for i, level in enumerate(raw) if level > threshold}
+
+    def mean_difference(self, other, step=1):
+        """The mean absolute difference per channel, 0 to 255, sampling every step-th pixel."""
+        if (self.width, self.height) != (other.width, other.height):
+            fail(f"cannot compare {self.width}x{self.height} with {other.width}x{other.height}")
+        a, b = self.pixels, other.pixels
+        indices = range(0, len(a), 3 * step)
+        total = sum(abs(a[i] - b[i]) + abs(a[i + 1] - b[i + 1]) + abs(a[i + 2] - b[i + 2]) for i in indices)
+        return total / (3 * len(indices))
+
+    def save(self, path):
+        subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-", path],
+                       input=self.pixels, check=True)
+
+
+def picture_file(path, width, height):
+    """A picture file scaled to width x height, as a Screen."""
+    raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
+                         capture_output=True, check=True).stdout
+    return Screen(width, height, raw)
+
+
+_CLIENT_MESSAGE = 33
+
+
+class _ClientMessage(ctypes.Structure):
+    """Xlib's XClientMessageEvent, padded to the size of any X event."""
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("pad", ctypes.c_long * 12)]
+
+
+def showing_title(screen):
+    return screen.game_picture().brightest() > 100
+
+
+class Game:
+    """The game running on an X server of its own. Use it in a `with` block:
+    leaving it ends the game, the server and the scratch folder."""
+
+    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None):
+        """settings: the bytes of a settings file the player has from before.
+        installed: the prefix of an installation whose launcher starts the game
+        in the player's folder, instead of the built game in a scratch folder."""
+        self.data = os.environ["QV_GAME_DIR"]
+        self.screen_size = screen
+        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
+        self.installed = installed
+        if installed:
+            self.program = os.path.join(installed, "bin", "quelvarion")
+            self.folder = os.path.join(self.scratch, "quelvarion")  # inside XDG_DATA_HOME
+        else:
+            self.program = os.environ["QV_GAME"]
+            self.folder = self.scratch
+        self.settings = settings
+        self.xvfb = self.game = None
+        self.status = None
+
+    # Starting and ending.
+
+    def __enter__(self):
+        if self.installed:
+            if self.settings is not None:
+                os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
+        else:
+            for name in os.listdir(self.data):
+                if name != SETTINGS_FILE and not name.startswith("."):
+                    os.symlink(os.path.join(self.data, name), os.path.join(self.folder, name))
+        if self.settings is not None:
+            with open(self.settings_path(), "wb") as f:
+                f.write(self.settings)
+        self.start_x_server()
+        # In a sanitizer build, leaks are the unit tests' business: on a real X
+        # server SDL's system libraries (D-Bus, the GL driver it loads and
+        # unloads) keep memory the leak checker cannot tell from the game's.
+        sanitizers = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+        self.game = subprocess.Popen([self.program], cwd=self.scratch,
+                                     env=self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers,
+                                                  XDG_DATA_HOME=self.scratch),
+                                     stdout=subprocess.DEVNULL, stderr=open(self.log_path(), "wb"))
+        self.wait_for_window()
+        return self
+
+    def __exit__(self, kind, value, trace):
+        if kind is not None:
+            self.keep_evidence()
+        for process in (self.game, self.xvfb):
+            if process and process.poll() is None:
+                process.kill()
+                process.wait()
+        shutil.rmtree(self.scratch, ignore_errors=True)
+        return False
+
+    def start_x_server(self):
+        # -displayfd picks a free display number, so tests can run side by side.
+        read_end, write_end = os.pipe()
+        width, height = self.screen_size
+        self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
+                                      "-nolisten", "tcp"], pass_fds=(write_end,),
+                                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        with os.fdopen(read_end) as f:
+            number = f.readline().strip()
+        if not number:
+            fail("Xvfb did not start")
+        self.display = ":" + number
+
+    def env(self, **extra):
+        env = dict(os.environ, DISPLAY=self.display, **extra)
+        env.pop("SDL_VIDEODRIVER", None)
+        return env
+
+    def x(self, *command, check=True):
+        return subprocess.run(list(command), env=self.env(), capture_output=True, text=True, check=check,
+                              timeout=10).stdout
+
+    def current_window(self):
+        """The game's window now: the first one SDL makes may be replaced by another."""
+        found = self.x("xdotool", "search", "--onlyvisible", "--name", "^Quelvarion$", check=False).split()
+        return found[-1] if found else None
+
+    def wait_for_window(self, timeout=20):
+        deadline = time.monotonic() + timeout
+        while time.monotonic() < deadline:
+            if self.current_window():
+                return
+            if self.game.poll() is not None:
+                fail(f"the game ended before its window showed (status {self.game.returncode})")
+            time.sleep(0.1)
+        fail("the game's window never showed")
+
+    def wait_exit(self, timeout=20):
+        """The game's exit status, once it has ended."""
+        try:
+            self.status = self.game.wait(timeout)
+        except subprocess.TimeoutExpired:
+            fail(f"the game did not end within {timeout} s")
+        return self.status
+
+    # What a player does.
+
+    def wait_title_pause(self):
+        """Waits until the title screen has given way to the game; the keys a
+        player presses before then only reach the game after it."""
+        title = self.wait_for_screen(showing_title, timeout=30).game_picture()
+        self.wait_for_screen(lambda s: s.game_picture().mean_difference(title, step=17) > 20,
+                             timeout=TITLE_PAUSE_S + 30)
+
+    def keys(self, *names, pause=0.15):
+        """Presses and releases keys (X key names: Down, Return, Escape, Right, a, ...)."""
+        window = self.current_window()
+        if not window:
+            fail("the game's window is gone")
+        self.x("xdotool", "windowfocus", "--sync", window)
+        for name in names:
+            self.x("xdotool", "key", name)
+            time.sleep(pause)
+
+    def start_new_game(self):
+        """From the main menu: "New Game", then the short empty level until the design screen."""
+        self.choose("New Game")
+        time.sleep(1.5)
+
+    def choose(self, entry):
+        """Picks a main-menu entry from the top of the menu."""
+        self.keys(*(["Down"] * MAIN_MENU.index(entry)), "Return")
+
+    def close_window(self):
+        """Asks the window to close as a window manager does (WM_DELETE_WINDOW)."""
+        x11 = ctypes.CDLL(ctypes.util.find_library("X11"))
+        x11.XOpenDisplay.restype = ctypes.c_void_p
+        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
+        x11.XInternAtom.restype = ctypes.c_ulong
+        x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+        x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
+        x11.XFlush.argtypes = x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        connection = x11.XOpenDisplay(self.display.encode())
+        if not connection:
+            fail("cannot reach the X server")
+        event = _ClientMessage(type=_CLIENT_MESSAGE, send_event=1, display=connection,
+                               window=int(self.current_window()),
+                               message_type=x11.XInternAtom(connection, b"WM_PROTOCOLS", 0), format=32)
+        event.data[0] = x11.XInternAtom(connection, b"WM_DELETE_WINDOW", 0)
+        x11.XSendEvent(connection, event.window, 0, 0, ctypes.byref(event))
+        x11.XFlush(connection)
+        x11.XCloseDisplay(connection)
+
+    def terminate(self):
+        self.game.send_signal(signal.SIGTERM)
+
+    # What a player sees.
+
+    def screenshot(self):
+        raw = subprocess.run(["import", "-window", "root", "-depth", "8", "rgb:-"], env=self.env(),
+                             capture_output=True, check=True).stdout
+        width, height = self.screen_size
+        if len(raw) != 3 * width * height:
+            fail(f"a screenshot of {len(raw)} bytes for a {width}x{height} screen")
+        return Screen(width, height, raw)
+
+    def wait_for_screen(self, accept, timeout=10, every=0.2):
+        """The first screenshot that `accept` takes, within timeout seconds."""
+        deadline = time.monotonic() + timeout
+        while True:
+            shot = self.screenshot()
+            if accept(shot):
+                return shot
+            if time.monotonic() > deadline:
+                fail("the screen never showed what was expected")
+            time.sleep(every)
+
+    def art(self, name, width, height):
+        return picture_file(os.path.join(self.data, "art", name), width, height)
+
+    # What the game leaves behind.
+
+    def settings_path(self):
+        return os.path.join(self.folder, SETTINGS_FILE)
+
+    def settings_saved(self):
+        with open(self.settings_path(), "rb") as f:
+            return f.read()
+
+    def log_path(self):
+        return os.path.join(self.scratch, "game.log")
+
+    def keep_evidence(self):
+        """After a failure: the last screen and the game's output, where CTest's log shows them."""
+        keep = os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir())
+        stem = os.path.join(keep, f"qv-e2e-{os.path.basename(sys.argv[0])[:-3]}")
+        try:
+            self.screenshot().save(stem + ".png")
+            print(f"last screen: {stem}.png", file=sys.stderr)
+        except Exception:
+            pass
+        if os.path.exists(self.log_path()):
+            shutil.copy(self.log_path(), stem + ".log")
+            print(f"game output: {stem}.log", file=sys.stderr)
+
+
+def expect_equal(actual, expected, what):
+    if actual != expected:
+        fail(f"{what}: expected {expected!r}, got {actual!r}")
+
+
+def expect_close(difference, limit, what):
+    if difference > limit:
+        fail(f"{what}: differs by {difference:.1f} (at most {limit} expected)")
+
+
+def expect_normal_end(game, settings):
+    """The game ends with status 0, leaving exactly these settings."""
+    expect_equal(game.wait_exit(), 0, "exit status")
+    expect_equal(game.settings_saved(), settings, "quelvarion.ini")
+
+
+def run(test):
+    """Runs one flow as a program: exit status 0 when it passes."""
+    try:
+        test()
+    except AssertionError as problem:
+        print(f"FAILED: {problem}", file=sys.stderr)
+        sys.exit(1)
+    print("passed")
