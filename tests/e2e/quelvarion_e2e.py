@@ -99,6 +99,13 @@ class Screen:
         p = self.pixels
         return sum(1 for i in range(0, len(p), 3) if max(p[i], p[i + 1], p[i + 2]) > threshold)
 
+    def pixels_near(self, colour, tolerance=24):
+        """How many pixels are within tolerance of colour in every channel: text or
+        boxes drawn in one of the game's colours."""
+        p, (r, g, b) = self.pixels, colour
+        return sum(1 for i in range(0, len(p), 3)
+                   if abs(p[i] - r) <= tolerance and abs(p[i + 1] - g) <= tolerance and abs(p[i + 2] - b) <= tolerance)
+
     def changed_pixels(self, other, threshold=30):
         """How many pixels differ from other's by more than threshold in a channel."""
         a, b = self.pixels, other.pixels
