@@ -64,6 +64,10 @@ bool CAudioDevice::Open()
         return false;
     }
     Mix_AllocateChannels(Voice + 1);
+    // Effects and the tune each peak near full scale on their own; mixed at
+    // these levels a shot over the loudest bar of the tune still does not clip.
+    Mix_Volume(Voice, EffectVolume);
+    Mix_VolumeMusic(MusicVolume);
     CSequencer::Instance().Attach();
     open = true;
     return true;

@@ -16,6 +16,8 @@ public:
 
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
+    static constexpr int EffectVolume = 88; // of SDL_mixer's 128
+    static constexpr int MusicVolume = 52;
 
 private:
     bool open = false;
