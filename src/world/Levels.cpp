@@ -5,10 +5,12 @@
 #include "app/GameApp.h"
 #include "ship/Ship.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 constexpr double FirstLevelMs = 500.0;
+constexpr std::int32_t HighestStartLevel = 1000;
 constexpr double LevelMs = 120000.0;
 constexpr double FirstRealLevelMs = 60000.0;
 constexpr double AsteroidIntervalMs = 1100.0;
@@ -54,7 +56,9 @@ void CWorld::NewGame(std::int32_t startLevel)
     score = 0;
     enemiesLeft = 0;
     powerupsTaken = 0;
-    level = static_cast<std::int16_t>(startLevel - 1);
+    // A start level read from a hand-edited settings file may be any number;
+    // the game is only made for levels from the first to the thousandth.
+    level = static_cast<std::int16_t>(std::clamp(startLevel, 1, HighestStartLevel) - 1);
     timeLeft = FirstLevelMs;
 }
 
