@@ -39,7 +39,6 @@ TEST(GameWindow, HidesThePointerAndHandsOnActivationAndDestruction)
     EXPECT_EQ(t->active, 0);
     window.WindowProc(WM_ACTIVATEAPP, 7, 0);
     EXPECT_EQ(t->active, 1);
-    window.WindowProc(MM_MCINOTIFY, MCI_NOTIFY_ABORTED, 0);
     window.DestroyWindow();
     EXPECT_FALSE(static_cast<CPlatformApp&>(*t).PumpMessages()); // the quit message was posted
     EXPECT_EQ(t->display.Flip(), DDERR_GENERIC); // nothing left to show on, and nothing breaks
