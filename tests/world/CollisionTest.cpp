@@ -51,7 +51,7 @@ TEST_F(Collisions, CirclesTouchBelowTheSumOfTheRadiiOnlyAndBigOnesAcrossTheSweep
         OpenObject* a = Make(c.ax, c.ay, 0, 0, c.ar);
         OpenObject* b = Make(c.bx, c.by, 0, 0, c.br);
         Pass();
-        EXPECT_EQ(std::make_pair(a->hits, b->hits), std::make_pair(c.hits, c.hits)) << c.ax << "," << c.ay << " / " << c.bx;
+        EXPECT_EQ(std::make_pair(a->hits, b->hits), std::make_pair(c.hits, c.hits)) << &c - cases;
     }
 }
 

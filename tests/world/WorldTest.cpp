@@ -44,6 +44,10 @@ TEST_F(PlayingWorld, ObjectsAddedDuringTheWalkAreUpdatedInTheSameFrameAndActAfte
 
 TEST_F(PlayingWorld, TheLevelOutlastsItsTimeUntilTheLastEnemyIsGone)
 {
+    world.SetPaused(true);
+    world.Update(100.0);
+    EXPECT_EQ(world.GetTimeLeft(), 500); // a paused world stands still
+    world.SetPaused(false);
     world.SpawnMines(1);
     CBody* mine = static_cast<CBody*>(world.GetMasterList().GetTail()->GetData());
     ASSERT_EQ(mine->GetBodyKind(), BodyMine);
