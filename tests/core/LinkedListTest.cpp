@@ -21,10 +21,9 @@ struct Obj : CGameObject {
 
 class ListTest : public ::testing::Test {
 protected:
-    Obj* Make(int x) { return objects.emplace_back(std::make_unique<Obj>(x)).get(); }
     Obj* Add(int x)
     {
-        Obj* o = Make(x);
+        Obj* o = objects.emplace_back(std::make_unique<Obj>(x)).get();
         list.Insert(o->Node());
         return o;
     }
@@ -33,13 +32,6 @@ protected:
         std::vector<Obj*> out;
         for (CLinkedItem* it = list.GetHead(); it; it = it->GetNext())
             out.push_back(static_cast<Obj*>(it->GetData()));
-        return out;
-    }
-    std::vector<int> Keys() const
-    {
-        std::vector<int> out;
-        for (Obj* o : Order())
-            out.push_back(o->GetX());
         return out;
     }
     int PositionOf(const CLinkedItem* target) const
@@ -55,8 +47,7 @@ protected:
         int n = 0;
         const CLinkedItem* prev = nullptr;
         for (const CLinkedItem* it = list.GetHead(); it; it = it->GetNext(), ++n) {
-            EXPECT_EQ(it->GetPrev(), prev);
-            EXPECT_EQ(it->GetOwner(), &list);
+            EXPECT_TRUE(it->GetPrev() == prev && it->GetOwner() == &list) << n;
             prev = it;
         }
         EXPECT_EQ(prev, list.GetTail());
@@ -68,33 +59,17 @@ protected:
     CLinkedList list;
 };
 
-TEST_F(ListTest, OneAndTwoNodesAndBackToEmpty)
-{
-    Obj* a = Add(10);
-    EXPECT_EQ(list.GetHead(), a->Node());
-    EXPECT_EQ(list.GetMiddle(), a->Node());
-    EXPECT_EQ(list.GetTail(), a->Node());
-    Obj* b = Add(20);
-    EXPECT_EQ(list.GetCount(), 2);
-    EXPECT_EQ(list.GetMidOffset(), 0); // the rebalance saw a count of 1
-    list.Remove(b->Node());
-    list.Remove(a->Node());
-    EXPECT_EQ(list.GetHead(), nullptr);
-    EXPECT_EQ(list.GetMiddle(), nullptr);
-    EXPECT_EQ(list.GetTail(), nullptr);
-    EXPECT_EQ(list.GetCount(), 0);
-    EXPECT_EQ(list.GetMidOffset(), 0);
-    EXPECT_EQ(a->Node()->GetOwner(), nullptr);
-}
-
 TEST_F(ListTest, SortedInsertKeepsOrderAndEqualKeysInArrivalOrder)
 {
     std::vector<Obj*> fives;
     for (int x : {5, 50, 1, 5, 30, 5, 40, -3})
         if (Obj* o = Add(x); x == 5)
             fives.push_back(o);
-    EXPECT_EQ(Keys(), (std::vector<int>{-3, 1, 5, 5, 5, 30, 40, 50}));
     const auto order = Order();
+    std::vector<int> keys;
+    for (Obj* o : order)
+        keys.push_back(o->GetX());
+    EXPECT_EQ(keys, (std::vector<int>{-3, 1, 5, 5, 5, 30, 40, 50}));
     EXPECT_EQ(std::vector<Obj*>(order.begin() + 2, order.begin() + 5), fives);
     ExpectConsistent();
 }
@@ -104,7 +79,6 @@ TEST_F(ListTest, MiddleStaysNearTheMiddleThroughInsertsAndRemoves)
     std::vector<Obj*> added;
     for (int i = 0; i < 40; ++i)
         added.push_back(Add((i * 37) % 101));
-    ExpectConsistent();
     EXPECT_NEAR(PositionOf(list.GetMiddle()), list.GetCount() / 2, 3);
     EXPECT_LE(std::abs(list.GetMidOffset()), 2);
     for (int i = 0; i < 30; i += 2)
@@ -114,51 +88,22 @@ TEST_F(ListTest, MiddleStaysNearTheMiddleThroughInsertsAndRemoves)
     EXPECT_NEAR(PositionOf(list.GetMiddle()), list.GetCount() / 2, 4);
 }
 
-TEST_F(ListTest, RemovingTheMiddleMovesItForwardOrBackAtTheTail)
+TEST_F(ListTest, RemovingTheMiddleMovesItForwardOrBackAtTheTailAndTheLastLeavesItEmpty)
 {
-    Add(1);
-    Obj* b = Add(2);
-    Obj* c = Add(3);
-    Add(4);
-    ASSERT_EQ(list.GetMiddle(), b->Node());
-    list.Remove(b->Node());
-    EXPECT_EQ(list.GetMiddle(), c->Node());
+    Obj* high = Add(5);
+    Add(1); // goes in front: the middle is now the tail
+    list.Remove(high->Node());
+    EXPECT_EQ(list.GetMiddle(), list.GetHead());
+    list.Remove(list.GetHead());
     ExpectConsistent();
+    EXPECT_EQ(list.GetMiddle(), nullptr);
 
-    CLinkedList two;
-    Obj* high = Make(5);
-    Obj* low = Make(1);
-    two.Insert(high->Node());
-    two.Insert(low->Node()); // goes in front: the middle is now the tail
-    ASSERT_EQ(two.GetMiddle(), two.GetTail());
-    two.Remove(high->Node());
-    EXPECT_EQ(two.GetMiddle(), low->Node());
-}
-
-TEST_F(ListTest, ANodeBelongsToOneListAtATime)
-{
-    Obj* a = Add(1);
-    Obj* b = Add(2);
-    CLinkedList other;
-    other.Insert(b->Node()); // moves it over
-    EXPECT_EQ(b->Node()->GetOwner(), &other);
-    list.Remove(b->Node()); // not ours: nothing happens
-    list.Insert(a->Node()); // already ours: nothing happens
-    EXPECT_EQ(list.GetCount(), 1);
-    EXPECT_EQ(other.GetCount(), 1);
-    EXPECT_EQ(b->Node()->GetOwner(), &other);
-    EXPECT_EQ(list.GetHead(), a->Node());
-}
-
-TEST_F(ListTest, UnsortedListKeepsArrivalOrderAndItsFirstMiddle)
-{
-    list.SetSorted(false);
-    Obj* a = Add(30);
-    for (int x : {10, 20, 5})
+    for (int x : {1, 2, 3, 4})
         Add(x);
-    EXPECT_EQ(Keys(), (std::vector<int>{30, 10, 20, 5}));
-    EXPECT_EQ(list.GetMiddle(), a->Node());
-    EXPECT_EQ(list.GetMidOffset(), 0);
+    ASSERT_EQ(list.GetMiddle(), Order()[1]->Node());
+    list.Remove(list.GetMiddle());
+    EXPECT_EQ(list.GetMiddle(), Order()[1]->Node()); // the 3, which moved up
+    ExpectConsistent();
 }
 
 TEST_F(ListTest, ResortMovesAChangedKeyPastItsNeighboursKeepingPositions)
@@ -170,32 +115,23 @@ TEST_F(ListTest, ResortMovesAChangedKeyPastItsNeighboursKeepingPositions)
     const int offset = list.GetMidOffset();
     a->MoveTo(5);
     list.Resort(a->Node());
-    EXPECT_EQ(Keys(), (std::vector<int>{2, 3, 5, 10, 11}));
     EXPECT_EQ(Order()[2], a);
     EXPECT_EQ(PositionOf(list.GetMiddle()), middlePos);
     EXPECT_EQ(list.GetMidOffset(), offset);
     a->MoveTo(3); // equal keys are not passed
     list.Resort(a->Node());
     EXPECT_EQ(Order()[2], a);
-    a->MoveTo(0);
-    list.Resort(a->Node());
-    EXPECT_EQ(Order()[0], a);
     ExpectConsistent();
 }
 
 TEST_F(ListTest, SwapOfNonAdjacentNodesExchangesThemCompletely)
 {
-    Obj* a = Add(1);
-    Obj* b = Add(2);
-    Obj* c = Add(3);
-    Obj* d = Add(4);
-    Obj* e = Add(5);
-    list.SwapItems(b->Node(), d->Node());
-    EXPECT_EQ(Order(), (std::vector<Obj*>{a, d, c, b, e}));
-    list.SwapItems(a->Node(), e->Node()); // head and tail follow the positions
-    EXPECT_EQ(Order(), (std::vector<Obj*>{e, d, c, b, a}));
-    EXPECT_EQ(list.GetHead(), e->Node());
-    EXPECT_EQ(list.GetTail(), a->Node());
+    std::vector<Obj*> o;
+    for (int x : {1, 2, 3, 4, 5})
+        o.push_back(Add(x));
+    list.SwapItems(o[1]->Node(), o[3]->Node());
+    list.SwapItems(o[0]->Node(), o[4]->Node()); // head and tail follow the positions
+    EXPECT_EQ(Order(), (std::vector<Obj*>{o[4], o[3], o[2], o[1], o[0]}));
     ExpectConsistent();
 }
 
@@ -205,15 +141,6 @@ TEST_F(ListTest, DumpListsVectorsWithPositionMarks)
     Add(7);
     EXPECT_EQ(list.Dump(), "\r\nVector -- xPos:7 yPos:0 xSpeed:0 ySpeed:0 -- Head -- Middle -- Tail\r\n"
                            "Number: 1\r\nMid Offset: 0\r\n");
-}
-
-TEST_F(ListTest, DestroyingAnObjectUnlinksItsNodes)
-{
-    for (int x : {1, 2, 3})
-        Add(x);
-    objects.erase(objects.begin() + 1);
-    EXPECT_EQ(Keys(), (std::vector<int>{1, 3}));
-    ExpectConsistent();
 }
 
 } // namespace
