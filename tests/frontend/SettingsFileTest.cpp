@@ -1,12 +1,10 @@
 #include "frontend/MenuSystem.h"
 #include "platform/FileStore.h"
-#include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -121,29 +119,6 @@ TEST_F(SettingsFileTest, AMissingFileIsCreatedEmptyAndWrittenWholeAtTheEnd)
         EXPECT_EQ(Table(menus)[1], "|0");
     }
     EXPECT_EQ(ReadSettings(), expected);
-
-    fs::remove(CMenuSystem::SettingsFile);
-    {
-        CMenuSystem menus;
-        EXPECT_TRUE(menus.IsMusicOn());
-        EXPECT_EQ(Table(menus), EmptyTable);
-    }
-    EXPECT_EQ(ReadSettings(), DefaultOptionLines + "High Scores\r\n" + EmptyLines(10));
-}
-
-TEST_F(SettingsFileTest, NamesAreTrimmedAndValuesWrittenAsRead)
-{
-    WriteSettings("Start Level = 25\r\nHigh Scores\r\n  Ann \t= 5200\r\nEVE=-30\r\n   = 8\r\n" + EmptyLines(7));
-    fs::permissions(CMenuSystem::SettingsFile, fs::perms::owner_read | fs::perms::owner_write);
-    {
-        CMenuSystem menus;
-    }
-    EXPECT_EQ(ReadSettings(), "Start Level = 25\r\nMusic = On\r\nSound FX = On\r\nBackground Stars = On\r\n"
-                              "Ship/Turrent Stats = On\r\nHigh Scores\r\nAnn = 5200\r\nEVE = -30\r\n = 8\r\n" +
-                                  EmptyLines(7));
-    // The new file keeps the permissions the player gave the old one.
-    EXPECT_EQ(fs::status(CMenuSystem::SettingsFile).permissions() & fs::perms::all,
-              fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
@@ -164,43 +139,6 @@ TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
     Platform::SetFileWriteHandler(nullptr);
     EXPECT_EQ(ReadSettings(), old);
     EXPECT_EQ(FilesHere(), std::vector<std::string>{CMenuSystem::SettingsFile}); // no half-written leftovers
-}
-
-TEST_F(SettingsFileTest, AFolderThatCannotBeWrittenKeepsTheDefaultsAndSavesNothing)
-{
-    // A working folder that has gone away: nothing can be created in it.
-    fs::create_directory("gone");
-    fs::current_path("gone");
-    fs::remove(fs::current_path());
-    {
-        CMenuSystem menus;
-        EXPECT_EQ(menus.GetStartLevel(), 1);
-        menus.AddHighScore(10);
-    }
-    fs::current_path(dir.Path());
-    EXPECT_TRUE(FilesHere().empty());
-}
-
-// A terminal interrupt, a kill or a logout closes the window like "Exit Game",
-// so the game goes down the normal way and the settings reach the file.
-TEST(SettingsAtShutDown, ACloseSignalEndsTheGameNormallyAndSaves)
-{
-    for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        qvtest::TestApp t;
-        Platform::StartSdl();
-        Platform::InstallCloseSignals();
-        qvtest::WriteBlankArt();
-        ASSERT_TRUE(t->InitInstance());
-        t->menus.SetOptionOn(OptionStars, false);
-        std::raise(signal);
-        int rounds = 0;
-        while (static_cast<CPlatformApp&>(*t).PumpMessages() && ++rounds < 100) {
-        }
-        EXPECT_LT(rounds, 100) << "the message loop did not end";
-        t.app.reset();
-        EXPECT_NE(ReadSettings().find("Background Stars = Off\r\n"), std::string::npos);
-        std::signal(signal, SIG_DFL);
-    }
 }
 
 } // namespace
