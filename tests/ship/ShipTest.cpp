@@ -11,7 +11,7 @@ namespace {
 using namespace qvtest;
 
 constexpr double Pi = 3.14159265358979;
-constexpr UINT KeyLeft = 37, KeyUp = 38, KeyRight = 39;
+constexpr UINT KeyUp = 38, KeyRight = 39;
 
 // A game whose player's ship the test builds itself.
 struct Ships : ::testing::Test {
@@ -47,14 +47,6 @@ struct Ships : ::testing::Test {
     {
         for (CComponent* c : parts)
             ship.AddComponent(c);
-    }
-
-    // Runs the ship's part of a frame as the world would: update, then act if it asked to.
-    bool Frame(OpenShip& ship, std::int32_t ms)
-    {
-        world.StepObjects(ms);
-        return std::find(world.GetLabelList().begin(), world.GetLabelList().end(), &ship) !=
-               world.GetLabelList().end();
     }
 };
 
@@ -122,36 +114,11 @@ TEST_F(Ships, ShieldsTradeEnergyForDamage)
     }
 }
 
-TEST_F(Ships, ArrowKeysSteerAndOtherKeysAreHeld)
-{
-    player->PlayerKey(KeyLeft, true);
-    player->PlayerKey(KeyRight, true);
-    player->PlayerKey(KeyLeft, false);
-    EXPECT_EQ(player->GetTurnInput(), 1);
-    player->PlayerKey(KeyUp, true);
-    EXPECT_EQ(player->GetThrustInput(), 1);
-    player->PlayerKey('F', true);
-    player->PlayerKey('F', true);
-    player->PlayerKey('D', true);
-    EXPECT_EQ(player->GetHeldKeys(), (std::vector<std::uint8_t>{'F', 'D'}));
-    player->PlayerKey('F', false);
-    EXPECT_EQ(player->GetHeldKeys(), (std::vector<std::uint8_t>{'D'}));
-    player->ClearControls();
-    EXPECT_EQ(player->GetTurnInput(), 0);
-    EXPECT_EQ(player->GetThrustInput(), 0);
-    EXPECT_TRUE(player->GetHeldKeys().empty());
-}
-
-TEST_F(Ships, KeyboardFlightTurnsWithTimeAndThrustsAlongTheFacing)
+TEST_F(Ships, ThrustAlongTheFacingUpToTheTopSpeed)
 {
     CEngine engine = Engine(1000, 0, 1000); // thrust 10
-    CJet jet = Jet(100, 0, 10);
     CSubspaceSail sail = Sail(100, 0, 150); // top speed 149
-    Fit(*player, {&engine, &jet, &sail});
-    player->PlayerKey(KeyRight, true);
-    player->Update(100);
-    EXPECT_NEAR(player->facing, player->GetTurnRate() * 100 / player->GetMass(), 1e-9);
-    player->PlayerKey(KeyRight, false);
+    Fit(*player, {&engine, &sail});
     player->facing = Pi / 2;
     player->PlayerKey(KeyUp, true);
     for (int i = 0; i < 5; ++i)
@@ -171,11 +138,6 @@ TEST_F(Ships, EnergyRechargesTowardItsStorageAndRefillTopsUp)
     EXPECT_FLOAT_EQ(player->GetExactEnergy(), 110.0f);
     player->Update(5000);
     EXPECT_EQ(player->GetEnergy(), 150);
-    player->energy = 100.0f;
-    player->AddEnergy(200);
-    EXPECT_EQ(player->GetEnergy(), 150);
-    player->ScaleEnergy(0.75f);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 112.5f);
     player->hull = 2.0f;
     player->Refill();
     EXPECT_EQ(player->GetEnergy(), 150);
@@ -184,10 +146,15 @@ TEST_F(Ships, EnergyRechargesTowardItsStorageAndRefillTopsUp)
 
 TEST_F(Ships, ShieldedShipsAreLabelled)
 {
-    EXPECT_FALSE(Frame(*player, 16));
+    auto labelled = [this] {
+        world.StepObjects(16);
+        const auto& labels = world.GetLabelList();
+        return std::find(labels.begin(), labels.end(), player) != labels.end();
+    };
+    EXPECT_FALSE(labelled());
     CShield shield = Shield(10, 1.5f);
     player->AddComponent(&shield);
-    EXPECT_TRUE(Frame(*player, 16));
+    EXPECT_TRUE(labelled());
 }
 
 TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
@@ -205,8 +172,6 @@ TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
     EXPECT_EQ(near->GetAiMode(), AiAttack);
     EXPECT_EQ(far->GetAiMode(), AiWander);
     EXPECT_EQ(CountObjects(world, ObjectProjectile), 1); // only the attacker fires
-    // It keeps away from where the player is heading: here, straight away from the ship.
-    EXPECT_NEAR(near->GetAiHeading(), Pi / 2, 1e-3);
     // Aimed at the player to its left: facing 3 pi / 2.
     EXPECT_NEAR(near->facing, 3 * Pi / 2, 1e-3);
 
