@@ -1,6 +1,5 @@
 #include "support/TestApp.h"
 #include "support/WorldObjects.h"
-#include "world/Powerup.h"
 
 #include <gtest/gtest.h>
 
@@ -80,19 +79,6 @@ TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
     }
 }
 
-TEST_F(Bodies, ASplittingAsteroidSometimesLeavesAPowerup)
-{
-    int powerups = 0;
-    constexpr int Trials = 1000;
-    for (int i = 0; i < Trials; ++i) {
-        world.Clear();
-        Asteroid(2)->Explode();
-        powerups += CountObjects(world, ObjectPowerup);
-    }
-    EXPECT_GT(powerups, Trials * 10 / 100);
-    EXPECT_LT(powerups, Trials * 20 / 100);
-}
-
 TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
 {
     world.NewGame(1);
@@ -121,21 +107,6 @@ TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
     EXPECT_EQ(far->GetAiMode(), AiWander);
     EXPECT_EQ(near->GetAiMode(), AiChase);
     EXPECT_NEAR(near->GetAiHeading(), 3 * Pi / 2, 1e-3); // straight left, at the resting ship
-}
-
-TEST_F(Bodies, AWanderingMineReconsidersItsTargetOnlyWhenItActs)
-{
-    OpenBody* mine = Mine(1, 300, 300);
-    mine->targetX = 800;
-    mine->targetY = 600;
-    mine->wanderTimer = 4000;
-    mine->Act(); // neither near nor overdue
-    EXPECT_EQ(mine->GetTargetX(), 800);
-    mine->targetX = 300 + 26; // within three radii
-    mine->targetY = 300;
-    mine->Act();
-    EXPECT_NE(mine->GetTargetX() * 10000 + mine->GetTargetY(), 326 * 10000 + 300);
-    EXPECT_EQ(mine->wanderTimer, 0);
 }
 
 } // namespace
