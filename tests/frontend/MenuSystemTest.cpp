@@ -1,4 +1,5 @@
 #include "app/GameWnd.h"
+#include "frontend/HighScoreTable.h"
 #include "frontend/MenuSystem.h"
 #include "support/DisplayApp.h"
 #include "support/TestApp.h"
@@ -7,10 +8,67 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <vector>
 
 namespace {
 
 using namespace qvtest;
+
+CHighScoreTable TableOf(const std::vector<std::int32_t>& scores)
+{
+    CHighScoreTable table;
+    for (std::size_t i = 0; i < scores.size(); ++i)
+        table.SetEntry(static_cast<int>(i), "P" + std::to_string(i), scores[i]);
+    return table;
+}
+
+std::string Entries(const CHighScoreTable& table)
+{
+    std::string entries;
+    for (int i = 0; i < CHighScoreTable::Size; ++i)
+        entries += table.GetName(i) + ":" + std::to_string(table.GetScore(i)) + " ";
+    return entries;
+}
+
+void Type(CHighScoreTable& table, const std::vector<UINT>& keys, bool pressed = true)
+{
+    for (UINT key : keys)
+        table.EnterNameKey(static_cast<std::uint8_t>(key), pressed);
+}
+
+TEST(HighScoreInsertion, TiesGoBelowTheLastEntryDropsOutAndZeroNeverEnters)
+{
+    CHighScoreTable table = TableOf({900, 500, 500, 100, 9, 8, 7, 6, 5, 4});
+    ASSERT_TRUE(table.Insert(500));
+    EXPECT_EQ(table.GetEditIndex(), 3);
+    EXPECT_EQ(Entries(table), "P0:900 P1:500 P2:500 :500 P3:100 P4:9 P5:8 P6:7 P7:6 P8:5 ");
+
+    CHighScoreTable tenth = TableOf({90, 80, 70, 60, 50, 40, 30, 20, 10, 5});
+    EXPECT_FALSE(tenth.Insert(5)); // equal to the last: not entered
+    EXPECT_FALSE(tenth.IsEditing());
+    ASSERT_TRUE(tenth.Insert(6));
+    EXPECT_EQ(tenth.GetEditIndex(), 9);
+    EXPECT_EQ(Entries(tenth), "P0:90 P1:80 P2:70 P3:60 P4:50 P5:40 P6:30 P7:20 P8:10 :6 ");
+
+    CHighScoreTable zeros;
+    EXPECT_FALSE(zeros.Insert(0));
+    ASSERT_TRUE(zeros.Insert(1));
+    EXPECT_EQ(Entries(zeros), ":1 :0 :0 :0 :0 :0 :0 :0 :0 :0 ");
+}
+
+TEST(NameEntry, TypedKeysUpToThirtyCharacters)
+{
+    CHighScoreTable table;
+    table.Insert(10);
+    Type(table, {'A', VK_SPACE, '7', VK_LEFT, '.', 0xC0, 0});
+    Type(table, {'B'}, false); // key-ups type nothing
+    EXPECT_EQ(table.GetName(0), "A 7");
+    Type(table, {VK_BACK, VK_BACK, VK_BACK, VK_BACK}); // one more than there is
+    EXPECT_EQ(table.GetName(0), "");
+    for (int i = 0; i < 31; ++i)
+        Type(table, {static_cast<UINT>('A' + i % 26)});
+    EXPECT_EQ(table.GetName(0), "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD");
+}
 
 class MenuSystemTest : public ::testing::Test {
 protected:
@@ -53,11 +111,7 @@ TEST_F(MenuSystemTest, OptionsStayInTheirBounds)
     Press(VK_DOWN, 5);
     Press(VK_LEFT);
     EXPECT_FALSE(Menus().IsStatsOn());
-
-    // Side arrows do nothing elsewhere, and the cursor is where it was next time.
-    Press(VK_ESCAPE);
-    Press(VK_RIGHT);
-    EXPECT_FALSE(Menus().IsStatsOn());
+    Press(VK_ESCAPE); // the cursor is where it was next time
     Menus().DoAction(ActionShowOptions);
     EXPECT_EQ(Menus().GetOptionsCursor(), 4);
 }
@@ -103,7 +157,7 @@ std::string Written(const TextLog& log, const std::string& text)
     return std::to_string(w->x) + "," + std::to_string(w->y) + (w->colour == RGB(250, 250, 100) ? " lit" : "");
 }
 
-TEST(MenuScreens, OptionValuesAndTheScoresAskForANameWhileOneIsTyped)
+TEST(MenuScreens, TheScoresAskForANameWhileOneIsTyped)
 {
     DisplayApp d;
     ASSERT_TRUE(d.Start());
@@ -114,16 +168,7 @@ TEST(MenuScreens, OptionValuesAndTheScoresAskForANameWhileOneIsTyped)
         ScopedDC dc(d.Back());
         menus.DrawScreen(*dc.dc);
     };
-    menus.DoAction(ActionShowOptions);
-    menus.OnKey(VK_DOWN, true);
-    menus.OnKey(VK_RIGHT, true); // music off
-    draw();
-    EXPECT_EQ(Written(log, "1"), "768,180");
-    EXPECT_EQ(Written(log, "Off"), "768,230 lit");
-    EXPECT_EQ(Written(log, "Ship/Turrent Stats"), "256,380");
-
     const std::string entering = "Enter your name then press enter or escape.";
-    menus.OnKey(VK_ESCAPE, true);
     menus.AddHighScore(300);
     draw();
     EXPECT_EQ(log.At(240), std::vector<std::string>{"300"}); // the empty name shows nothing

@@ -46,14 +46,6 @@ std::vector<std::string> Table(const CMenuSystem& menus)
 
 const std::vector<std::string> EmptyTable(10, "|0");
 
-std::vector<std::string> FilesHere()
-{
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator("."))
-        names.push_back(entry.path().filename().string());
-    return names;
-}
-
 class SettingsFileTest : public ::testing::Test {
 protected:
     qvtest::ScopedWorkDir dir;
@@ -138,7 +130,7 @@ TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
     }
     Platform::SetFileWriteHandler(nullptr);
     EXPECT_EQ(ReadSettings(), old);
-    EXPECT_EQ(FilesHere(), std::vector<std::string>{CMenuSystem::SettingsFile}); // no half-written leftovers
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1); // no half-written leftovers
 }
 
 } // namespace
