@@ -27,7 +27,6 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(d.Start());
-        d->stars.clear();
         d->gameState = StatePlaying; // nothing over the world unless a test asks
     }
     void Frame()

@@ -1,14 +1,11 @@
 #include "app/GameWnd.h"
 #include "frontend/HighScoreTable.h"
 #include "frontend/MenuSystem.h"
-#include "support/DisplayApp.h"
 #include "support/TestApp.h"
-#include "support/TextLog.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <vector>
 
 namespace {
 
@@ -146,40 +143,6 @@ TEST_F(MenuSystemTest, AFinishedGameTakesItsNameBeforeAnyMenuKey)
     EXPECT_EQ(t->GetGameState(), StatePlaying);
     t->GameOver();
     EXPECT_EQ(Menus().GetScreen(), ScreenHighScores); // a score that makes no entry still shows the table
-}
-
-// "x,y" of a text, " lit" when highlighted, or "absent".
-std::string Written(const TextLog& log, const std::string& text)
-{
-    const WrittenText* w = log.Find(text);
-    if (!w)
-        return "absent";
-    return std::to_string(w->x) + "," + std::to_string(w->y) + (w->colour == RGB(250, 250, 100) ? " lit" : "");
-}
-
-TEST(MenuScreens, TheScoresAskForANameWhileOneIsTyped)
-{
-    DisplayApp d;
-    ASSERT_TRUE(d.Start());
-    TextLog log;
-    CMenuSystem& menus = d->menus;
-    auto draw = [&] {
-        log.texts.clear();
-        ScopedDC dc(d.Back());
-        menus.DrawScreen(*dc.dc);
-    };
-    const std::string entering = "Enter your name then press enter or escape.";
-    menus.AddHighScore(300);
-    draw();
-    EXPECT_EQ(log.At(240), std::vector<std::string>{"300"}); // the empty name shows nothing
-    EXPECT_EQ(Written(log, entering), "50,728");
-    for (UINT key : {UINT('A'), UINT('B'), VK_RETURN})
-        menus.OnKey(key, true);
-    draw();
-    EXPECT_EQ(Written(log, "AB"), "362,240");
-    EXPECT_EQ(Written(log, "300"), "662,240");
-    EXPECT_EQ(Written(log, entering), "absent");
-    EXPECT_EQ(Written(log, "Press escape to return to the main menu."), "50,728");
 }
 
 } // namespace
