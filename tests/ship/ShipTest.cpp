@@ -62,8 +62,6 @@ TEST_F(Ships, ALaserNeedsMoreEnergyThanItUses)
     player->Fire(0);
     EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
     EXPECT_FLOAT_EQ(player->GetExactEnergy(), 0.5f);
-    EXPECT_EQ(player->GetLasers()[0].GetCooldown(), 400);
-    EXPECT_FLOAT_EQ(player->GetFireTimer(), 100.0f);
     player->energy = 100.0f;
     player->Fire(0); // still cooling down
     EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
