@@ -63,7 +63,7 @@ TEST_F(Bodies, AsteroidsExplodeOnlyBelowOneHullPointAndHandOnTheirContactDamage)
     EXPECT_EQ(shooter.lastDamage, 0);
 }
 
-TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
+TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebrisAndSometimesAPowerup)
 {
     struct Case {
         std::int16_t size;
@@ -77,6 +77,13 @@ TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
         EXPECT_EQ(Asteroids(c.childRadius, rock), c.children) << c.size;
         EXPECT_EQ(CountObjects(world, ObjectProjectile), c.debris) << c.size;
     }
+    int powerups = 0; // about three splits in twenty leave a powerup
+    for (int i = 0; i < 1000; ++i) {
+        world.Clear();
+        Asteroid(2)->Explode();
+        powerups += CountObjects(world, ObjectPowerup);
+    }
+    EXPECT_TRUE(powerups > 100 && powerups < 200) << powerups;
 }
 
 TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
@@ -107,6 +114,21 @@ TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
     EXPECT_EQ(far->GetAiMode(), AiWander);
     EXPECT_EQ(near->GetAiMode(), AiChase);
     EXPECT_NEAR(near->GetAiHeading(), 3 * Pi / 2, 1e-3); // straight left, at the resting ship
+}
+
+TEST_F(Bodies, AWanderingMineKeepsItsTargetUntilNearItOrOverdue)
+{
+    OpenBody* mine = Mine(1, 300, 300);
+    mine->targetX = 800;
+    mine->targetY = 600;
+    mine->wanderTimer = 4000;
+    mine->Act(); // neither near nor overdue
+    EXPECT_EQ(mine->GetTargetX(), 800);
+    mine->targetX = 300 + 26; // within three radii
+    mine->targetY = 300;
+    mine->Act();
+    EXPECT_NE(mine->GetTargetX() * 10000 + mine->GetTargetY(), 326 * 10000 + 300);
+    EXPECT_EQ(mine->wanderTimer, 0);
 }
 
 } // namespace

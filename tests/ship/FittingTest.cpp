@@ -15,17 +15,16 @@ struct Fitting : ::testing::Test {
 
     Fitting() { ship.SetPlayerShip(); }
 
-    std::vector<CComponent*> Listed(CBody& body)
+    std::vector<CComponent*> Listed()
     {
         std::vector<CComponent*> list;
-        body.ListComponents(list);
+        ship.ListComponents(list);
         return list;
     }
-    std::vector<CComponent*> Listed() { return Listed(ship); }
-    static void Fit(CBody& body, std::initializer_list<CComponent*> parts)
+    void Fit(std::initializer_list<CComponent*> parts)
     {
         for (CComponent* c : parts)
-            body.AddComponent(c);
+            ship.AddComponent(c);
     }
 };
 
@@ -112,7 +111,7 @@ TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
 TEST_F(Fitting, KeysTheDesignScreenChangedAreRespected)
 {
     CLaser a = Laser({}), b = Laser({}), c = Laser({});
-    Fit(ship, {&a, &b});
+    Fit({&a, &b});
     static_cast<CLaser*>(Listed()[0])->SetFireKey('A');
     static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
     ship.AddComponent(&c);
@@ -129,7 +128,7 @@ TEST_F(Fitting, MassAndHullFollowTheArmourStack)
     ship.AddComponent(&engine);
     CArmour heavy = Armour(20, 30);
     CArmour light = Armour(10, 40);
-    Fit(ship, {&heavy, &heavy, &light});
+    Fit({&heavy, &heavy, &light});
     // 1.0 + 0.5 engine + 2 x 0.2 x 1.1 + 1 x 0.1 x 1.1
     EXPECT_NEAR(ship.GetMass(), 2.05f, 1e-5);
     EXPECT_EQ(ship.GetHullMax(), 200);
@@ -142,15 +141,12 @@ TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
     ship.AddComponent(&engine);
     EXPECT_EQ(ship.GetMaxSpeed(), 50); // no sails, whatever the engine
 
-    struct Case {
-        std::int32_t sailSpeed, topSpeed;
-    };
-    for (const Case c : {Case{10, 75}, Case{30, 87}, Case{150, 149}}) {
+    for (const auto& [sailSpeed, topSpeed] : {std::pair(10, 75), std::pair(30, 87), std::pair(150, 149)}) {
         OpenShip s;
         s.SetPlayerShip();
-        CSubspaceSail sail = Sail(100, 0, c.sailSpeed);
+        CSubspaceSail sail = Sail(100, 0, sailSpeed);
         s.AddComponent(&sail);
-        EXPECT_EQ(s.GetMaxSpeed(), c.topSpeed) << c.sailSpeed;
+        EXPECT_EQ(s.GetMaxSpeed(), topSpeed) << sailSpeed;
     }
 
     EXPECT_EQ(ship.GetTurnRate(), 0.0); // no jets: cannot turn
@@ -158,23 +154,8 @@ TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
     ship.AddComponent(&ten);
     EXPECT_NEAR(ship.GetTurnRate(), 0.000742, 1e-6);
     CJet ninety = Jet(100, 0, 45);
-    Fit(ship, {&ninety, &ninety});
+    Fit({&ninety, &ninety});
     EXPECT_NEAR(ship.GetTurnRate(), 0.00525, 1e-5);
-}
-
-TEST_F(Fitting, MinesCarryOnlyWhatABodyCarries)
-{
-    CBody mine;
-    mine.SetMine(1);
-    CLaser laser = Laser({});
-    CEnergySystem plant = Plant(100);
-    CSubspaceSail sail = Sail(1000);
-    Fit(mine, {&laser, &plant, &sail});
-    const auto list = Listed(mine);
-    ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0]->GetKind(), KindSubspaceSail);
-    EXPECT_EQ(mine.GetSpaceLeft(), 4000);
-    EXPECT_EQ(mine.GetHull(), 50); // a refit repairs to the mine's own hull
 }
 
 } // namespace

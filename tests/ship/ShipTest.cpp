@@ -12,7 +12,7 @@ namespace {
 using namespace qvtest;
 
 constexpr double Pi = 3.14159265358979;
-constexpr UINT KeyRight = 39;
+constexpr UINT KeyUp = 38, KeyRight = 39;
 
 // A game whose player's ship the test builds itself.
 struct Ships : ::testing::Test {
@@ -93,10 +93,17 @@ TEST_F(Ships, LasersOnOneKeyTakeTurns)
     EXPECT_EQ(firings[2].first, 416);
 }
 
-TEST_F(Ships, ShieldsTradeEnergyForDamage)
+TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
 {
+    auto labelled = [this] {
+        world.StepObjects(16);
+        const auto& labels = world.GetLabelList();
+        return std::find(labels.begin(), labels.end(), player) != labels.end();
+    };
+    EXPECT_FALSE(labelled());
     CShield shield = Shield(24, 1.5f);
     player->AddComponent(&shield);
+    EXPECT_TRUE(labelled()); // a shielded ship shows its readouts
     // Strength 24 at 150%: 36 energy stops 24 points; with 10 energy only 6 are stopped.
     for (const auto& [energy, damage, energyAfter, hullAfter] :
          {std::tuple(100.0f, 30, 64.0f, 94), std::tuple(10.0f, 30, 1.0f, 76), std::tuple(50.0f, 0, 50.0f, 100)}) {
@@ -106,6 +113,32 @@ TEST_F(Ships, ShieldsTradeEnergyForDamage)
         EXPECT_FLOAT_EQ(player->GetExactEnergy(), energyAfter) << energy << " " << damage;
         EXPECT_EQ(player->GetHull(), hullAfter) << energy << " " << damage;
     }
+}
+
+TEST_F(Ships, ThrustAddsTheSameSpeedEveryFrameUpToTheTopSpeed)
+{
+    CEngine engine = Engine(1000, 0, 1000); // thrust 10
+    CSubspaceSail sail = Sail(100, 0, 150); // top speed 149
+    Fit(*player, {&engine, &sail});
+    player->facing = Pi / 2;
+    player->PlayerKey(KeyUp, true);
+    for (int ms : {16, 16, 40, 8, 16})
+        player->Update(ms);
+    EXPECT_NEAR(player->vector.GetXSpeed(), 50.0f, 1e-3); // 10 a frame, whatever its length
+    for (int i = 0; i < 50; ++i)
+        player->Update(16);
+    EXPECT_NEAR(player->vector.GetXSpeed(), 149.0f, 1e-2);
+}
+
+TEST_F(Ships, EnergyRechargesTowardItsStorage)
+{
+    CEnergySystem plant = Plant(150, 50);
+    player->AddComponent(&plant);
+    player->energy = 100.0f;
+    player->Update(500);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 110.0f);
+    player->Update(5000);
+    EXPECT_EQ(player->GetEnergy(), 150);
 }
 
 TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
