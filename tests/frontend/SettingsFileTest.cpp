@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <unistd.h>
 
 namespace {
@@ -31,9 +31,8 @@ void WriteSettings(const std::string& text)
 
 std::string ReadSettings()
 {
-    std::ostringstream text;
-    text << std::ifstream(CMenuSystem::SettingsFile, std::ios::binary).rdbuf();
-    return text.str();
+    std::ifstream file(CMenuSystem::SettingsFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::vector<std::string> Table(const CMenuSystem& menus)
