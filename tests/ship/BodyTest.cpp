@@ -1,6 +1,5 @@
 #include "support/TestApp.h"
 #include "support/WorldObjects.h"
-#include "world/Powerup.h"
 
 #include <gtest/gtest.h>
 
@@ -59,14 +58,12 @@ TEST_F(Bodies, AsteroidsExplodeOnlyBelowOneHullPointAndHandOnTheirContactDamage)
     EXPECT_EQ(rock->GetHull(), 1);
     rock->OnHit(1, &shooter);
     EXPECT_FALSE(rock->IsAlive());
-    EXPECT_FALSE(rock->IsCollidable());
     EXPECT_FALSE(rock->Update(0)); // gone at its next update
     EXPECT_EQ(shooter.hits, 1);
     EXPECT_EQ(shooter.lastDamage, 0);
-    EXPECT_EQ(shooter.lastOther, nullptr);
 }
 
-TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
+TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebrisAndSometimesAPowerup)
 {
     struct Case {
         std::int16_t size;
@@ -80,65 +77,13 @@ TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
         EXPECT_EQ(Asteroids(c.childRadius, rock), c.children) << c.size;
         EXPECT_EQ(CountObjects(world, ObjectProjectile), c.debris) << c.size;
     }
-}
-
-TEST_F(Bodies, FragmentsLeaveAThirdOfATurnApartFromTheFacing)
-{
-    OpenBody* rock = Asteroid(3);
-    rock->vector.Set(300, 300, 40.0f, 0.0f);
-    rock->facing = Pi / 2;
-    rock->Explode();
-    std::vector<CGameObject*> fragments;
-    for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
-        if (n->GetData() != rock && n->GetData()->GetType() == ObjectBody)
-            fragments.push_back(n->GetData());
-    ASSERT_EQ(fragments.size(), 3u);
-    const double angles[] = {Pi / 2, Pi / 2 - 2 * Pi / 3, Pi / 2 - 4 * Pi / 3};
-    for (int i = 0; i < 3; ++i) {
-        const CVector v = fragments[static_cast<std::size_t>(i)]->GetVector();
-        const double dx = std::sin(angles[i]);
-        const double dy = -std::cos(angles[i]);
-        EXPECT_NEAR(v.GetXPos(), 300 + 10 * dx, 1e-3); // radius 13 less 3
-        EXPECT_NEAR(v.GetYPos(), 300 + 10 * dy, 1e-3);
-        // The parent's motion plus 20..101 outward.
-        const double outward = (v.GetXSpeed() - 40.0) * dx + v.GetYSpeed() * dy;
-        EXPECT_GE(outward, 19.99);
-        EXPECT_LE(outward, 101.01);
-        EXPECT_NEAR((v.GetXSpeed() - 40.0) * dy - v.GetYSpeed() * dx, 0.0, 1e-3);
-    }
-}
-
-TEST_F(Bodies, OnlySplittingAsteroidsLeavePowerups)
-{
-    int powerups = 0;
-    constexpr int Trials = 1000;
-    for (int i = 0; i < Trials; ++i) {
+    int powerups = 0; // about three splits in twenty leave a powerup
+    for (int i = 0; i < 1000; ++i) {
         world.Clear();
         Asteroid(2)->Explode();
         powerups += CountObjects(world, ObjectPowerup);
     }
-    EXPECT_GT(powerups, Trials * 10 / 100);
-    EXPECT_LT(powerups, Trials * 20 / 100);
-
-    for (int i = 0; i < 200; ++i) {
-        world.Clear();
-        Asteroid(1)->Explode();
-        Mine(2, 300, 300)->Explode();
-        ASSERT_EQ(CountObjects(world, ObjectPowerup), 0);
-    }
-}
-
-TEST_F(Bodies, MinesAndShipsShowAnExplosionBeforeTheyGo)
-{
-    OpenBody* mine = Mine(1, 300, 300);
-    const std::size_t looks = t->liveSprites.size();
-    mine->Explode(); // mass 0.3: two pieces of debris
-    EXPECT_NE(mine->GetSprite(), nullptr);
-    EXPECT_EQ(t->liveSprites.size(), looks + 2);
-    EXPECT_EQ(mine->GetLifetime(), CBody::ExplosionMs);
-    EXPECT_EQ(mine->GetAge(), 0);
-    EXPECT_TRUE(mine->Update(875));
-    EXPECT_FALSE(mine->Update(1));
+    EXPECT_TRUE(powerups > 100 && powerups < 200) << powerups;
 }
 
 TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
@@ -168,25 +113,12 @@ TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
     near->Act();
     EXPECT_EQ(far->GetAiMode(), AiWander);
     EXPECT_EQ(near->GetAiMode(), AiChase);
-    // The chaser heads for the (resting) ship: straight left.
-    EXPECT_NEAR(near->GetAiHeading(), 3 * Pi / 2, 1e-3);
-    EXPECT_NEAR(far->GetAiHeading(),
-                CVector::HeadingOf(static_cast<float>(far->GetTargetX() - far->GetX()),
-                                   static_cast<float>(far->GetTargetY() - far->GetY())),
-                1e-9);
+    EXPECT_NEAR(near->GetAiHeading(), 3 * Pi / 2, 1e-3); // straight left, at the resting ship
 }
 
-TEST_F(Bodies, AWanderingMineReconsidersItsTargetOnlyWhenItActs)
+TEST_F(Bodies, AWanderingMineKeepsItsTargetUntilNearItOrOverdue)
 {
     OpenBody* mine = Mine(1, 300, 300);
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_GE(mine->GetTargetX(), 9);
-        EXPECT_LE(mine->GetTargetX(), 1024 - 9);
-        EXPECT_GE(mine->GetTargetY(), 9);
-        EXPECT_LE(mine->GetTargetY(), 768 - 9);
-        mine->wanderTimer = 5000;
-        mine->Act();
-    }
     mine->targetX = 800;
     mine->targetY = 600;
     mine->wanderTimer = 4000;
@@ -197,27 +129,6 @@ TEST_F(Bodies, AWanderingMineReconsidersItsTargetOnlyWhenItActs)
     mine->Act();
     EXPECT_NE(mine->GetTargetX() * 10000 + mine->GetTargetY(), 326 * 10000 + 300);
     EXPECT_EQ(mine->wanderTimer, 0);
-}
-
-TEST_F(Bodies, MinesAskToActFiveTimesASecondAndThrustTowardTheirHeading)
-{
-    world.NewGame(1);
-    t->SetGameState(StatePlaying);
-    OpenBody* mine = Mine(1, 100, 100);
-    mine->thrust = 10.0f; // 10 / 0.3 px/s added every frame
-    mine->maxSpeed = 1000;
-    mine->aiHeading = Pi / 2; // to the right
-    mine->vector.Set(100, 100, 0.0f, 0.0f);
-    int thoughts = 0;
-    for (int i = 0; i < 13; ++i) {
-        const std::int32_t before = mine->thinkTimer;
-        world.Update(16.0);
-        if (mine->thinkTimer < before)
-            ++thoughts;
-    }
-    EXPECT_EQ(thoughts, 1); // once past 200 ms
-    EXPECT_NEAR(mine->vector.GetXSpeed(), 13 * 10.0f / 0.3f, 1.0);
-    EXPECT_NEAR(mine->vector.GetYSpeed(), 0.0f, 1e-3);
 }
 
 } // namespace

@@ -15,17 +15,16 @@ struct Fitting : ::testing::Test {
 
     Fitting() { ship.SetPlayerShip(); }
 
-    std::vector<CComponent*> Listed(CBody& body)
+    std::vector<CComponent*> Listed()
     {
         std::vector<CComponent*> list;
-        body.ListComponents(list);
+        ship.ListComponents(list);
         return list;
     }
-    std::vector<CComponent*> Listed() { return Listed(ship); }
-    static void Fit(CBody& body, std::initializer_list<CComponent*> parts)
+    void Fit(std::initializer_list<CComponent*> parts)
     {
         for (CComponent* c : parts)
-            body.AddComponent(c);
+            ship.AddComponent(c);
     }
 };
 
@@ -38,12 +37,10 @@ TEST_F(Fitting, TheSpaceBudgetMustKeepOneUnitFree)
     CJet fits = Jet(999);
     ship.AddComponent(&fits);
     EXPECT_EQ(ship.GetSpaceLeft(), 1);
-    ASSERT_EQ(Listed().size(), 1u);
 
     CEngine small = Engine(3000);
     ship.spaceLeft = 4001;
     ship.AddComponent(&small);
-    ASSERT_EQ(ship.GetSpaceLeft(), 1001);
     CEngine bigger = Engine(4000);
     ship.AddComponent(&bigger); // 1001 - 4000 + 3000 leaves 1
     EXPECT_EQ(ship.GetSpaceLeft(), 1);
@@ -60,7 +57,6 @@ TEST_F(Fitting, StackingKindsCountPiecesAndGiveThemBackOneAtATime)
     ship.AddComponent(&jet);
     ASSERT_EQ(Listed().size(), 1u);
     EXPECT_EQ(Listed().front()->GetCount(), 2);
-    EXPECT_EQ(Listed().front()->GetDisplayName(), jet.GetName() + "(2)");
     EXPECT_EQ(ship.GetSpaceLeft(), 9000);
 
     EXPECT_FALSE(ship.RemoveComponent(jet));
@@ -68,9 +64,6 @@ TEST_F(Fitting, StackingKindsCountPiecesAndGiveThemBackOneAtATime)
     EXPECT_EQ(ship.GetSpaceLeft(), 9500);
     EXPECT_TRUE(ship.RemoveComponent(jet));
     EXPECT_TRUE(Listed().empty());
-    EXPECT_EQ(ship.GetSpaceLeft(), 10000);
-
-    EXPECT_TRUE(ship.RemoveComponent(jet)); // nothing fitted: nothing changes
     EXPECT_EQ(ship.GetSpaceLeft(), 10000);
 
     CSubspaceSail sails = Sail(600); // a kit entry of several sails is taken whole
@@ -105,7 +98,6 @@ TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
     EXPECT_EQ(ship.GetLasers()[0].GetFireKey(), 'F');
     EXPECT_EQ(ship.GetLasers()[1].GetFireKey(), 'D');
     EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'S');
-    EXPECT_EQ(ship.GetSpaceLeft(), 9700);
 
     ship.RemoveComponent(laser); // the first matching entry goes
     ASSERT_EQ(ship.GetLasers().size(), 2u);
@@ -119,59 +111,15 @@ TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
 TEST_F(Fitting, KeysTheDesignScreenChangedAreRespected)
 {
     CLaser a = Laser({}), b = Laser({}), c = Laser({});
-    Fit(ship, {&a, &b});
+    Fit({&a, &b});
     static_cast<CLaser*>(Listed()[0])->SetFireKey('A');
     static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
     ship.AddComponent(&c);
     EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'F');
-
-    OpenShip full;
-    full.SetPlayerShip();
-    CLaser l1 = Laser({}), l2 = Laser({}), l3 = Laser({}), l4 = Laser({});
-    Fit(full, {&l1, &l2});
-    static_cast<CLaser*>(Listed(full)[0])->SetFireKey('S');
-    static_cast<CLaser*>(Listed(full)[1])->SetFireKey('A');
-    full.RemoveComponent(l1);
-    Fit(full, {&l3, &l4});
-    EXPECT_EQ(full.GetLasers()[1].GetFireKey(), 'F');
-    EXPECT_EQ(full.GetLasers()[2].GetFireKey(), 'D');
-}
-
-TEST_F(Fitting, EnergySystemsFillUpWhenFittedAndLeaveTheEnergyWhenRemoved)
-{
-    CEnergySystem plant = Plant(300);
-    ship.AddComponent(&plant);
-    EXPECT_EQ(ship.GetEnergy(), 300);
-    EXPECT_EQ(ship.GetEnergyMax(), 300);
-    ship.energy = 120.0f;
-    ship.RemoveComponent(plant);
-    EXPECT_EQ(ship.GetEnergy(), 120);
-    EXPECT_EQ(ship.GetEnergyMax(), 0);
-    EXPECT_EQ(ship.GetSpaceLeft(), 10000);
-}
-
-TEST_F(Fitting, ListsFittedComponentsInSlotOrderAndSkipsEmptySlots)
-{
-    EXPECT_TRUE(Listed().empty());
-    CShield shield = Shield(20, 1.5f);
-    CLaser laser = Laser({});
-    CEnergySystem plant = Plant(100);
-    CArmour armour = Armour();
-    CSubspaceSail sail = Sail(100);
-    CJet jet = Jet(100);
-    CEngine engine = Engine(100);
-    Fit(ship, {&shield, &laser, &plant, &armour, &sail, &jet, &engine});
-    const auto list = Listed();
-    ASSERT_EQ(list.size(), 7u);
-    const std::int32_t kinds[] = {KindEngine, KindJet, KindSubspaceSail, KindArmour, KindEnergySystem, KindLaser,
-                                  KindShield};
-    for (std::size_t i = 0; i < 7; ++i)
-        EXPECT_EQ(list[i]->GetKind(), kinds[i]);
-
-    // An engine, energy system or shield slot empties whatever serial number is asked for.
-    ship.RemoveComponent(CEngine());
-    ship.RemoveComponent(CShield());
-    EXPECT_EQ(Listed().size(), 5u);
+    ship.RemoveComponent(a); // 'A' is free again, but 'F' and 'G' are taken
+    CLaser d = Laser({});
+    ship.AddComponent(&d);
+    EXPECT_EQ(ship.GetLasers()[2].GetFireKey(), 'D');
 }
 
 TEST_F(Fitting, MassAndHullFollowTheArmourStack)
@@ -180,18 +128,10 @@ TEST_F(Fitting, MassAndHullFollowTheArmourStack)
     ship.AddComponent(&engine);
     CArmour heavy = Armour(20, 30);
     CArmour light = Armour(10, 40);
-    Fit(ship, {&heavy, &heavy, &light});
+    Fit({&heavy, &heavy, &light});
     // 1.0 + 0.5 engine + 2 x 0.2 x 1.1 + 1 x 0.1 x 1.1
     EXPECT_NEAR(ship.GetMass(), 2.05f, 1e-5);
     EXPECT_EQ(ship.GetHullMax(), 200);
-    EXPECT_EQ(ship.GetHull(), 200);
-    EXPECT_EQ(ship.GetDisplayMass(), 205);
-    EXPECT_FLOAT_EQ(ship.GetThrust(), 1.0f);
-    EXPECT_EQ(ship.GetDisplayThrust(), 48);
-
-    ship.hull = 3.0f;
-    CJet jet = Jet(100);
-    ship.AddComponent(&jet); // every refit repairs the body
     EXPECT_EQ(ship.GetHull(), 200);
 }
 
@@ -201,15 +141,12 @@ TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
     ship.AddComponent(&engine);
     EXPECT_EQ(ship.GetMaxSpeed(), 50); // no sails, whatever the engine
 
-    struct Case {
-        std::int32_t sailSpeed, topSpeed;
-    };
-    for (const Case c : {Case{10, 75}, Case{30, 87}, Case{150, 149}}) {
+    for (const auto& [sailSpeed, topSpeed] : {std::pair(10, 75), std::pair(30, 87), std::pair(150, 149)}) {
         OpenShip s;
         s.SetPlayerShip();
-        CSubspaceSail sail = Sail(100, 0, c.sailSpeed);
+        CSubspaceSail sail = Sail(100, 0, sailSpeed);
         s.AddComponent(&sail);
-        EXPECT_EQ(s.GetMaxSpeed(), c.topSpeed) << c.sailSpeed;
+        EXPECT_EQ(s.GetMaxSpeed(), topSpeed) << sailSpeed;
     }
 
     EXPECT_EQ(ship.GetTurnRate(), 0.0); // no jets: cannot turn
@@ -217,24 +154,8 @@ TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
     ship.AddComponent(&ten);
     EXPECT_NEAR(ship.GetTurnRate(), 0.000742, 1e-6);
     CJet ninety = Jet(100, 0, 45);
-    Fit(ship, {&ninety, &ninety});
+    Fit({&ninety, &ninety});
     EXPECT_NEAR(ship.GetTurnRate(), 0.00525, 1e-5);
-    EXPECT_EQ(ship.GetDisplayTurnSpeed(), static_cast<std::int32_t>(ship.GetTurnRate() * 10000 / ship.GetMass()));
-}
-
-TEST_F(Fitting, MinesCarryOnlyWhatABodyCarries)
-{
-    CBody mine;
-    mine.SetMine(1);
-    CLaser laser = Laser({});
-    CEnergySystem plant = Plant(100);
-    CSubspaceSail sail = Sail(1000);
-    Fit(mine, {&laser, &plant, &sail});
-    const auto list = Listed(mine);
-    ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0]->GetKind(), KindSubspaceSail);
-    EXPECT_EQ(mine.GetSpaceLeft(), 4000);
-    EXPECT_EQ(mine.GetHull(), 50); // a refit repairs to the mine's own hull
 }
 
 } // namespace
