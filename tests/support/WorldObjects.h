@@ -12,12 +12,10 @@ namespace qvtest {
 // its hits and, when asked, survive them.
 struct OpenObject : CGameObject {
     using CGameObject::age;
-    using CGameObject::alive;
     using CGameObject::boundsMode;
     using CGameObject::collidable;
     using CGameObject::contactDamage;
     using CGameObject::facing;
-    using CGameObject::hitThisFrame;
     using CGameObject::lifetime;
     using CGameObject::mass;
     using CGameObject::radius;
@@ -50,14 +48,12 @@ struct OpenObject : CGameObject {
 
     void Act() override
     {
-        ++acts;
         if (onAct)
             onAct();
     }
 
     int updates = 0;
     int hits = 0;
-    int acts = 0;
     std::int32_t lastDamage = -1;
     CGameObject* lastOther = nullptr;
     bool diesOnHit = true;
@@ -68,7 +64,6 @@ struct OpenObject : CGameObject {
 // A body with its fields open to the test.
 struct OpenBody : CBody {
     using CBody::aiHeading;
-    using CBody::aiMode;
     using CBody::facing;
     using CBody::hull;
     using CBody::lifetime;
@@ -85,12 +80,9 @@ struct OpenBody : CBody {
 // A ship with its fields open to the test.
 struct OpenShip : CShip {
     using CShip::aiHeading;
-    using CShip::aiMode;
     using CShip::energy;
     using CShip::energyMax;
-    using CShip::energyRecharge;
     using CShip::facing;
-    using CShip::fireTimer;
     using CShip::hull;
     using CShip::mass;
     using CShip::radius;
@@ -98,7 +90,6 @@ struct OpenShip : CShip {
     using CShip::team;
     using CShip::thinkTimer;
     using CShip::thrust;
-    using CShip::turnRate;
     using CShip::vector;
     using CShip::wanderTimer;
 };
