@@ -1,19 +1,15 @@
-// The generator as a whole: the same bytes on every run, and the transparent
-// colour guard that every sprite frame passes through.
+// The generator as a whole: the same bytes on every run.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <map>
 
 #include "AssetGenerator.h"
-#include "ColourKeyGuard.h"
 #include "GameDataFiles.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using assetgen::ColourKeyGuard;
-using assetgen::Rgb;
 
 class TempDir {
 public:
@@ -60,18 +56,3 @@ TEST(AssetGenerator, ReportsAFolderItCannotCreate) {
     EXPECT_FALSE(result.error.empty());
 }
 
-TEST(ColourKeyGuard, SettlesEveryDarkColourToTransparentOrVisible) {
-    for (int r = 0; r < 16; ++r)
-        for (int g = 0; g < 8; ++g)
-            for (int b = 0; b < 16; ++b) {
-                const Rgb in{static_cast<uint8_t>(r), static_cast<uint8_t>(g), static_cast<uint8_t>(b)};
-                const Rgb out = ColourKeyGuard::Settle(in);
-                EXPECT_TRUE(out == Rgb{} || ColourKeyGuard::SurvivesRgb565(out)) << r << "," << g << "," << b;
-                if (ColourKeyGuard::SurvivesRgb565(in)) {
-                    EXPECT_TRUE(out == in);
-                }
-            }
-    // A dim but real colour is kept and brightened, not dropped.
-    EXPECT_TRUE(ColourKeyGuard::SurvivesRgb565(ColourKeyGuard::Settle(Rgb{6, 3, 1})));
-    EXPECT_TRUE(ColourKeyGuard::Settle(Rgb{1, 1, 1}) == Rgb{});
-}
