@@ -24,8 +24,7 @@ protected:
     static std::size_t OpenDevices() { return CSequencer::Instance().OpenDeviceCount(); }
     bool TunePlays()
     {
-        MCI_STATUS_PARMS status;
-        status.dwItem = MCI_STATUS_MODE;
+        MCI_STATUS_PARMS status{.dwItem = MCI_STATUS_MODE};
         return Platform::MciSendCommand(t->musicDevice, MCI_STATUS, MCI_STATUS_ITEM, status) == 0 &&
                status.dwReturn == MCI_MODE_PLAY;
     }

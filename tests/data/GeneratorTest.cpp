@@ -6,19 +6,11 @@
 
 #include "AssetGenerator.h"
 #include "GameDataFiles.h"
+#include "support/TestApp.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-class TempDir {
-public:
-    explicit TempDir(const std::string& name) : path(fs::temp_directory_path() / (name + std::to_string(::getpid()))) {
-        fs::remove_all(path);
-    }
-    ~TempDir() { fs::remove_all(path); }
-    fs::path path;
-};
 
 std::map<std::string, std::vector<uint8_t>> Contents(const fs::path& dir) {
     std::map<std::string, std::vector<uint8_t>> files;
@@ -33,10 +25,10 @@ std::map<std::string, std::vector<uint8_t>> Contents(const fs::path& dir) {
 }  // namespace
 
 TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
-    TempDir first("qv-assets-a-"), second("qv-assets-b-");
-    ASSERT_TRUE(assetgen::AssetGenerator::Generate(first.path.string()).ok);
-    ASSERT_TRUE(assetgen::AssetGenerator::Generate(second.path.string()).ok);
-    const auto a = Contents(first.path), b = Contents(second.path);
+    qvtest::ScopedWorkDir scratch;
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate("first").ok);
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate("second").ok);
+    const auto a = Contents("first"), b = Contents("second");
     EXPECT_GT(a.size(), 300u);
     EXPECT_TRUE(a == b);
     // The build ran the generator as a separate program: same bytes again.
@@ -49,9 +41,9 @@ TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
 }
 
 TEST(AssetGenerator, ReportsAFolderItCannotCreate) {
-    TempDir blocker("qv-assets-file-");
-    { std::ofstream(blocker.path) << "not a folder"; }
-    const auto result = assetgen::AssetGenerator::Generate((blocker.path / "game").string());
+    qvtest::ScopedWorkDir scratch;
+    std::ofstream("blocker") << "not a folder";
+    const auto result = assetgen::AssetGenerator::Generate("blocker/game");
     EXPECT_FALSE(result.ok);
     EXPECT_FALSE(result.error.empty());
 }

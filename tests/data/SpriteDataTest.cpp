@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 
 #include "GameDataFiles.h"
 #include "display/SpriteSet.h"
+#include "platform/Surface.h"
 
 namespace {
 
@@ -48,21 +48,14 @@ SurfacePtr Load(const std::string& file) {
     return SurfacePtr(SDL_LoadBMP((GameDir() / file).string().c_str()), SDL_FreeSurface);
 }
 
-SurfacePtr Convert(SDL_Surface* s, Uint32 format) {
-    return SurfacePtr(SDL_ConvertSurfaceFormat(s, format, 0), SDL_FreeSurface);
-}
-
-Uint32 PixelAt(const SDL_Surface* s, int x, int y) {
-    const auto* row = static_cast<const Uint8*>(s->pixels) + y * s->pitch;
-    if (s->format->BytesPerPixel == 2) return reinterpret_cast<const Uint16*>(row)[x];
-    return reinterpret_cast<const Uint32*>(row)[x] & 0x00FFFFFF;
-}
-
-// Calls back with each pixel of a picture, as 0xRRGGBB.
-void EachPixel(SDL_Surface* picture, const std::function<void(int, int, Uint32)>& visit) {
-    auto rgb = Convert(picture, SDL_PIXELFORMAT_RGB888);
+// The pixels of a picture, as 0xRRGGBB.
+std::vector<Uint32> Pixels(SDL_Surface* picture) {
+    SurfacePtr rgb(SDL_ConvertSurfaceFormat(picture, SDL_PIXELFORMAT_RGB888, 0), SDL_FreeSurface);
+    std::vector<Uint32> pixels;
     for (int y = 0; y < rgb->h; ++y)
-        for (int x = 0; x < rgb->w; ++x) visit(x, y, PixelAt(rgb.get(), x, y));
+        for (int x = 0; x < rgb->w; ++x)
+            pixels.push_back(reinterpret_cast<const Uint32*>(static_cast<const Uint8*>(rgb->pixels) + y * rgb->pitch)[x] & 0xFFFFFF);
+    return pixels;
 }
 
 }  // namespace
@@ -98,13 +91,12 @@ TEST(SpriteFrames, EveryListedFrameLoadsAtItsSizeShowsSomethingAndKeepsItsPixels
             ASSERT_TRUE(frame) << SDL_GetError();
             EXPECT_EQ(frame->w, s.width);
             EXPECT_EQ(frame->h, s.height);
-            // A visible pixel that packs to 0 would vanish into the colour key.
-            auto screen = Convert(frame.get(), SDL_PIXELFORMAT_RGB565);
+            // A visible pixel that the game packs to 0 would vanish into the colour key.
             int visible = 0, holes = 0;
-            EachPixel(frame.get(), [&](int x, int y, Uint32 p) {
+            for (Uint32 p : Pixels(frame.get())) {
                 visible += p != 0;
-                holes += p != 0 && PixelAt(screen.get(), x, y) == 0;
-            });
+                holes += p != 0 && Platform::PackRgb565(RGB(p >> 16, (p >> 8) & 0xFF, p & 0xFF)) == 0;
+            }
             EXPECT_GE(visible, 3);
             EXPECT_EQ(holes, 0);
         }
@@ -116,9 +108,7 @@ TEST(ArtFiles, BlankIsBlackAndTitleIsAFullScreenPicture) {
     auto title = Load("art/title_screen.bmp");
     ASSERT_TRUE(blank && title);
     EXPECT_TRUE(blank->w == 1024 && blank->h == 768 && title->w == 1024 && title->h == 768);
-    int stray = 0, lit = 0;
-    EachPixel(blank.get(), [&](int, int, Uint32 p) { stray += p != 0; });
-    EachPixel(title.get(), [&](int, int, Uint32 p) { lit += p != 0; });
-    EXPECT_EQ(stray, 0);
-    EXPECT_GT(lit, 1024 * 768 / 2);
+    const auto blankPixels = Pixels(blank.get()), titlePixels = Pixels(title.get());
+    EXPECT_EQ(std::count(blankPixels.begin(), blankPixels.end(), 0u), 1024 * 768);
+    EXPECT_GT(titlePixels.size() - std::count(titlePixels.begin(), titlePixels.end(), 0u), 1024u * 768 / 2);
 }
