@@ -120,7 +120,6 @@ TEST_F(GameAudioTest, AFailedOpenLeavesNoDeviceAndTheGameSilent)
     EXPECT_EQ(OpenDevices(), 0u);
     t->PlaySoundEffect(2, "bullet1.wav");
     EXPECT_EQ(t->lastSoundPriority, 0);
-    Platform::CloseAudio();
 }
 
 TEST_F(GameAudioTest, OnlyASuccessfulEndWithTheMusicOnRestartsTheTune)
