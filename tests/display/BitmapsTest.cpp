@@ -60,7 +60,7 @@ TEST_F(BitmapsTest, PaletteFromAnEightBitBitmapSwapsItsColoursAndKeepsTheBytesAf
     std::vector<COLORREF> colours;
     for (int i = 0; i < 16; ++i)
         colours.push_back(RGB(static_cast<std::uint8_t>(i * 16), static_cast<std::uint8_t>(i), 200));
-    auto bytes = qvtest::Bitmap8(4, 2, colours, true);
+    auto bytes = qvtest::Bitmap8(4, 2, colours);
     for (std::size_t i = 14 + 40 + 64; i < bytes.size(); ++i)
         bytes[i] = static_cast<std::uint8_t>(i); // pixel data that follows the table
     qvtest::WriteFile("art/palette.bmp", bytes);

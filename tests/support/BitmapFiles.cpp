@@ -11,8 +11,7 @@ void Put(std::vector<std::uint8_t>& out, std::uint32_t value, int bytes)
         out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-std::vector<std::uint8_t> Headers(int width, int height, int bits, std::uint32_t tableEntries,
-                                  std::uint32_t coloursUsed, std::uint32_t pixelBytes)
+std::vector<std::uint8_t> Headers(int width, int height, int bits, std::uint32_t tableEntries, std::uint32_t pixelBytes)
 {
     const std::uint32_t offset = 14 + 40 + tableEntries * 4;
     std::vector<std::uint8_t> out{'B', 'M'};
@@ -23,7 +22,7 @@ std::vector<std::uint8_t> Headers(int width, int height, int bits, std::uint32_t
         Put(out, field, 4);
     Put(out, 1, 2);
     Put(out, static_cast<std::uint32_t>(bits), 2);
-    for (std::uint32_t field : {0u, pixelBytes, 2835u, 2835u, coloursUsed, 0u})
+    for (std::uint32_t field : {0u, pixelBytes, 2835u, 2835u, tableEntries, 0u})
         Put(out, field, 4);
     return out;
 }
@@ -41,7 +40,7 @@ std::uint32_t RgbToBgr(COLORREF c)
 std::vector<std::uint8_t> Bitmap24(int width, int height, const PixelColour& colourAt)
 {
     const int row = RowBytes(width, 24);
-    auto out = Headers(width, height, 24, 0, 0, static_cast<std::uint32_t>(row * height));
+    auto out = Headers(width, height, 24, 0, static_cast<std::uint32_t>(row * height));
     for (int y = height - 1; y >= 0; --y) {
         for (int x = 0; x < width; ++x)
             Put(out, RgbToBgr(colourAt(x, y)), 3);
@@ -50,13 +49,11 @@ std::vector<std::uint8_t> Bitmap24(int width, int height, const PixelColour& col
     return out;
 }
 
-std::vector<std::uint8_t> Bitmap8(int width, int height, const std::vector<COLORREF>& colours,
-                                  bool statesColoursUsed)
+std::vector<std::uint8_t> Bitmap8(int width, int height, const std::vector<COLORREF>& colours)
 {
     const int row = RowBytes(width, 8);
     const auto entries = static_cast<std::uint32_t>(colours.size());
-    auto out = Headers(width, height, 8, entries, statesColoursUsed ? entries : 0,
-                       static_cast<std::uint32_t>(row * height));
+    auto out = Headers(width, height, 8, entries, static_cast<std::uint32_t>(row * height));
     for (COLORREF c : colours)
         Put(out, RgbToBgr(c), 4);
     out.resize(out.size() + static_cast<std::size_t>(row * height), 0);
