@@ -1,6 +1,5 @@
 #include "support/DisplayApp.h"
 
-#include "display/SpriteInstance.h"
 #include "display/SpriteSet.h"
 
 #include <gtest/gtest.h>
@@ -27,11 +26,6 @@ TEST(GeneratedCatalogue, LoadsEverySpriteTheGameBindsWithoutPlaceholders)
         EXPECT_FALSE(entry.frames.empty());
         for (const CSpriteFrame& frame : entry.frames)
             EXPECT_NE(frame.surface, nullptr);
-    }
-    for (const char* name : {"ship1", "turrent1", "asteroid1", "asteroid3", "asteroid4", "spacemine1", "spacemine2",
-                             "explosion", "bullet1", "bullet2", "shrap", "gold"}) {
-        CSpriteInstance instance;
-        EXPECT_TRUE(t->sprites.Find(name, instance)) << name;
     }
 }
 

@@ -1,28 +1,16 @@
-// The generator as a whole: the same bytes on every run, and the transparent
-// colour guard that every sprite frame passes through.
+// The generator as a whole: the same bytes on every run.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <map>
 
 #include "AssetGenerator.h"
-#include "ColourKeyGuard.h"
 #include "GameDataFiles.h"
+#include "support/TestApp.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using assetgen::ColourKeyGuard;
-using assetgen::Rgb;
-
-class TempDir {
-public:
-    explicit TempDir(const std::string& name) : path(fs::temp_directory_path() / (name + std::to_string(::getpid()))) {
-        fs::remove_all(path);
-    }
-    ~TempDir() { fs::remove_all(path); }
-    fs::path path;
-};
 
 std::map<std::string, std::vector<uint8_t>> Contents(const fs::path& dir) {
     std::map<std::string, std::vector<uint8_t>> files;
@@ -37,10 +25,10 @@ std::map<std::string, std::vector<uint8_t>> Contents(const fs::path& dir) {
 }  // namespace
 
 TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
-    TempDir first("qv-assets-a-"), second("qv-assets-b-");
-    ASSERT_TRUE(assetgen::AssetGenerator::Generate(first.path.string()).ok);
-    ASSERT_TRUE(assetgen::AssetGenerator::Generate(second.path.string()).ok);
-    const auto a = Contents(first.path), b = Contents(second.path);
+    qvtest::ScopedWorkDir scratch;
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate("first").ok);
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate("second").ok);
+    const auto a = Contents("first"), b = Contents("second");
     EXPECT_GT(a.size(), 300u);
     EXPECT_TRUE(a == b);
     // The build ran the generator as a separate program: same bytes again.
@@ -53,25 +41,10 @@ TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
 }
 
 TEST(AssetGenerator, ReportsAFolderItCannotCreate) {
-    TempDir blocker("qv-assets-file-");
-    { std::ofstream(blocker.path) << "not a folder"; }
-    const auto result = assetgen::AssetGenerator::Generate((blocker.path / "game").string());
+    qvtest::ScopedWorkDir scratch;
+    std::ofstream("blocker") << "not a folder";
+    const auto result = assetgen::AssetGenerator::Generate("blocker/game");
     EXPECT_FALSE(result.ok);
     EXPECT_FALSE(result.error.empty());
 }
 
-TEST(ColourKeyGuard, SettlesEveryDarkColourToTransparentOrVisible) {
-    for (int r = 0; r < 16; ++r)
-        for (int g = 0; g < 8; ++g)
-            for (int b = 0; b < 16; ++b) {
-                const Rgb in{static_cast<uint8_t>(r), static_cast<uint8_t>(g), static_cast<uint8_t>(b)};
-                const Rgb out = ColourKeyGuard::Settle(in);
-                EXPECT_TRUE(out == Rgb{} || ColourKeyGuard::SurvivesRgb565(out)) << r << "," << g << "," << b;
-                if (ColourKeyGuard::SurvivesRgb565(in)) {
-                    EXPECT_TRUE(out == in);
-                }
-            }
-    // A dim but real colour is kept and brightened, not dropped.
-    EXPECT_TRUE(ColourKeyGuard::SurvivesRgb565(ColourKeyGuard::Settle(Rgb{6, 3, 1})));
-    EXPECT_TRUE(ColourKeyGuard::Settle(Rgb{1, 1, 1}) == Rgb{});
-}

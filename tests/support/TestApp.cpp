@@ -42,10 +42,7 @@ TraceRecorder::TraceRecorder()
     CGameApp::SetTraceSink([this](const TraceLine& line) { lines.push_back(line); });
 }
 
-TraceRecorder::~TraceRecorder()
-{
-    CGameApp::SetTraceSink(nullptr);
-}
+TraceRecorder::~TraceRecorder() { CGameApp::SetTraceSink(nullptr); }
 
 std::vector<std::string> TraceRecorder::Texts() const
 {

@@ -1,6 +1,7 @@
 #pragma once
 #include "frontend/TextPen.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,8 @@ struct TextLog {
     // The first text that reads exactly so, or null.
     const WrittenText* Find(const std::string& text) const
     {
-        for (const WrittenText& t : texts)
-            if (t.text == text)
-                return &t;
-        return nullptr;
+        const auto it = std::find_if(texts.begin(), texts.end(), [&](const WrittenText& t) { return t.text == text; });
+        return it == texts.end() ? nullptr : &*it;
     }
     // The texts written at this height, in the order written.
     std::vector<std::string> At(std::int32_t y) const

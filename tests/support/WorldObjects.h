@@ -11,19 +11,9 @@ namespace qvtest {
 // A plain game object whose fields a test may set directly. It can record
 // its hits and, when asked, survive them.
 struct OpenObject : CGameObject {
-    using CGameObject::age;
-    using CGameObject::alive;
-    using CGameObject::boundsMode;
-    using CGameObject::collidable;
-    using CGameObject::contactDamage;
-    using CGameObject::facing;
-    using CGameObject::hitThisFrame;
-    using CGameObject::lifetime;
-    using CGameObject::mass;
-    using CGameObject::radius;
-    using CGameObject::team;
-    using CGameObject::type;
-    using CGameObject::vector;
+    using CGameObject::age, CGameObject::boundsMode, CGameObject::collidable, CGameObject::contactDamage,
+          CGameObject::facing, CGameObject::lifetime, CGameObject::mass, CGameObject::radius,
+          CGameObject::team, CGameObject::type, CGameObject::vector;
 
     OpenObject(std::int32_t x, std::int32_t y, float xSpeed = 0.0f, float ySpeed = 0.0f, std::int32_t r = 1)
     {
@@ -50,14 +40,12 @@ struct OpenObject : CGameObject {
 
     void Act() override
     {
-        ++acts;
         if (onAct)
             onAct();
     }
 
     int updates = 0;
     int hits = 0;
-    int acts = 0;
     std::int32_t lastDamage = -1;
     CGameObject* lastOther = nullptr;
     bool diesOnHit = true;
@@ -67,40 +55,15 @@ struct OpenObject : CGameObject {
 
 // A body with its fields open to the test.
 struct OpenBody : CBody {
-    using CBody::aiHeading;
-    using CBody::aiMode;
-    using CBody::facing;
-    using CBody::hull;
-    using CBody::lifetime;
-    using CBody::mass;
-    using CBody::maxSpeed;
-    using CBody::targetX;
-    using CBody::targetY;
-    using CBody::thinkTimer;
-    using CBody::thrust;
-    using CBody::vector;
-    using CBody::wanderTimer;
+    using CBody::aiHeading, CBody::facing, CBody::hull, CBody::lifetime, CBody::mass, CBody::maxSpeed,
+          CBody::targetX, CBody::targetY, CBody::thinkTimer, CBody::thrust, CBody::vector, CBody::wanderTimer;
 };
 
 // A ship with its fields open to the test.
 struct OpenShip : CShip {
-    using CShip::aiHeading;
-    using CShip::aiMode;
-    using CShip::energy;
-    using CShip::energyMax;
-    using CShip::energyRecharge;
-    using CShip::facing;
-    using CShip::fireTimer;
-    using CShip::hull;
-    using CShip::mass;
-    using CShip::radius;
-    using CShip::spaceLeft;
-    using CShip::team;
-    using CShip::thinkTimer;
-    using CShip::thrust;
-    using CShip::turnRate;
-    using CShip::vector;
-    using CShip::wanderTimer;
+    using CShip::aiHeading, CShip::energy, CShip::energyMax, CShip::facing, CShip::hull, CShip::mass,
+          CShip::radius, CShip::spaceLeft, CShip::team, CShip::thinkTimer, CShip::thrust, CShip::vector,
+          CShip::wanderTimer;
 };
 
 // Sets a vector in one call.
