@@ -2,6 +2,7 @@
 // sprite instances of the game's sizes, present. Measured against the floor
 // (clear and present alone), with the sprite pages run-length encoded or not.
 #include "app/GameApp.h"
+#include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 
 #include <benchmark/benchmark.h>

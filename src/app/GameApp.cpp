@@ -1,6 +1,7 @@
 #include "app/GameApp.h"
 
 #include "app/GameWnd.h"
+#include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
@@ -11,28 +12,9 @@ namespace {
 
 constexpr const char* WindowClassName = "QVclientWinType";
 constexpr const char* WindowTitle = "Quelvarion";
-constexpr std::int16_t ScreenWidth = 1024;
-constexpr std::int16_t ScreenHeight = 768;
-constexpr std::int16_t BitsPerPixel = 16;
-constexpr UINT EscapeKey = 27;
-
-CGameApp::TraceSink& traceSink()
-{
-    static CGameApp::TraceSink sink;
-    return sink;
-}
-
-void Emit(TraceLine line)
-{
-    auto& sink = traceSink();
-    if (!sink)
-        return;
-    try {
-        sink(line);
-    } catch (...) {
-        // A failing sink must never reach the game.
-    }
-}
+constexpr std::int16_t DisplayWidth = 1024;
+constexpr std::int16_t DisplayHeight = 768;
+constexpr std::int16_t DisplayBitsPerPixel = 16;
 
 LOGFONT FontRequest(std::int32_t height, std::int32_t width, std::int32_t weight)
 {
@@ -59,9 +41,9 @@ CGameApp::CGameApp()
     ready = 0;
     gameState = StateMenu;
     componentSerial = 0;
-    screenWidth = ScreenWidth;
-    screenHeight = ScreenHeight;
-    bitsPerPixel = BitsPerPixel;
+    screenWidth = DisplayWidth;
+    screenHeight = DisplayHeight;
+    bitsPerPixel = DisplayBitsPerPixel;
     musicDevice = NoMusicDevice;
 }
 
@@ -249,7 +231,7 @@ void CGameApp::OnActivate(bool isActive)
 KeyRoute CGameApp::RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer)
 {
     // The receivers read only the key code's low byte.
-    if (state == StatePlaying && (key & 0xFF) == EscapeKey && pressed)
+    if (state == StatePlaying && (key & 0xFF) == VK_ESCAPE && pressed)
         return KeyRoute::Pause;
     if (state == StatePlaying)
         return hasPlayer ? KeyRoute::Ship : KeyRoute::Dropped;
@@ -270,24 +252,4 @@ void CGameApp::OnKey(UINT key, bool pressed)
     case KeyRoute::Designer: designer.OnKey(key, pressed); break;
     case KeyRoute::Dropped: break;
     }
-}
-
-void CGameApp::Trace(std::string text, std::int32_t flag)
-{
-    Emit({TraceLine::Plain, std::move(text), 0, flag});
-}
-
-void CGameApp::TraceValue(std::int32_t value, std::string text, std::int32_t flag)
-{
-    Emit({TraceLine::Value, std::move(text), value, flag});
-}
-
-void CGameApp::TraceCode(std::uint32_t code, std::string text, std::int32_t flag)
-{
-    Emit({TraceLine::Code, std::move(text), code, flag});
-}
-
-void CGameApp::SetTraceSink(TraceSink sink)
-{
-    traceSink() = std::move(sink);
 }

@@ -1,7 +1,8 @@
 #pragma once
-#include "app/Random.h"
+#include "app/GameControl.h"
+#include "core/Random.h"
+#include "core/Trace.h"
 #include "display/Display.h"
-#include "display/SpriteInstance.h"
 #include "display/SpriteSet.h"
 #include "display/Star.h"
 #include "frontend/MenuSystem.h"
@@ -11,7 +12,6 @@
 #include "world/World.h"
 
 #include <cstdint>
-#include <functional>
 #include <list>
 #include <memory>
 #include <string>
@@ -19,16 +19,9 @@
 
 class CGameWnd;
 class CShip;
+class CSpriteInstance;
 class CSurface;
 class CTextPen;
-
-// The top-level mode of the game.
-enum GameState : std::int32_t {
-    StateMenu = 0,      // menu, no game running
-    StatePlaying = 1,   // a level is being played
-    StatePaused = 2,    // the menu over a paused game
-    StateDesign = 3,    // the ship design screen between levels
-};
 
 // Where a key goes, by the game state it arrives in.
 enum class KeyRoute {
@@ -39,18 +32,10 @@ enum class KeyRoute {
     Dropped,  // nobody: play with no ship of the player's
 };
 
-// One trace call, as a sink attached for diagnostics or tests sees it.
-struct TraceLine {
-    enum Kind { Plain, Value, Code };
-    Kind kind = Plain;
-    std::string text;
-    std::int64_t number = 0;
-    std::int32_t flag = 0;
-};
-
 // The application object: it owns every long-lived part of the game, starts
-// it up, makes one frame per idle call and shuts it down.
-class CGameApp : public CPlatformApp {
+// it up, makes one frame per idle call and shuts it down. Its trace calls
+// (Trace, TraceValue, TraceCode) are the program's own, shared with every layer.
+class CGameApp : public CPlatformApp, public CTrace {
 public:
     static constexpr std::uint32_t NoMusicDevice = 0xFFFFFFFF;
     static constexpr int StartupStarCount = 600;
@@ -103,14 +88,6 @@ public:
     std::int16_t GetScreenWidth() const { return screenWidth; }
     std::int16_t GetScreenHeight() const { return screenHeight; }
     std::int16_t GetBitsPerPixel() const { return bitsPerPixel; }
-
-    // Trace calls mark the program's steps; they write nothing unless a sink
-    // is attached, and a sink can never disturb the game.
-    static void Trace(std::string text, std::int32_t flag);
-    static void TraceValue(std::int32_t value, std::string text, std::int32_t flag);
-    static void TraceCode(std::uint32_t code, std::string text, std::int32_t flag);
-    using TraceSink = std::function<void(const TraceLine&)>;
-    static void SetTraceSink(TraceSink sink);
 
     // The application object of this run (null when there is none).
     static CGameApp* Current() { return current; }

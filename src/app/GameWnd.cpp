@@ -1,6 +1,6 @@
 #include "app/GameWnd.h"
 
-#include "app/GameApp.h"
+#include "app/GameControl.h"
 #include "platform/MessageQueue.h"
 
 LRESULT CGameWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
@@ -10,20 +10,20 @@ LRESULT CGameWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
         Platform::PostQuitMessage(0);
         break;
     case WM_ACTIVATEAPP:
-        TheApp().OnActivate(wParam != 0);
+        Game::OnActivate(wParam != 0);
         break;
     case WM_SETCURSOR:
         Platform::ShowCursor(false); // the pointer never shows over the game
         return 1;
     case WM_KEYDOWN:
-        TheApp().OnKey(static_cast<UINT>(wParam), true);
+        Game::OnKey(static_cast<UINT>(wParam), true);
         break;
     case WM_KEYUP:
-        TheApp().OnKey(static_cast<UINT>(wParam), false);
+        Game::OnKey(static_cast<UINT>(wParam), false);
         break;
     case MM_MCINOTIFY:
         if (wParam == MCI_NOTIFY_SUCCESSFUL)
-            TheApp().PlayMusic(true);
+            Game::PlayMusic(true);
         break;
     default:
         break;

@@ -1,7 +1,7 @@
 #include "core/LinkedList.h"
 
-#include "app/GameApp.h"
-#include "world/GameObject.h"
+#include "core/Trace.h"
+#include "core/Vector.h"
 
 namespace {
 
@@ -10,12 +10,12 @@ constexpr std::int32_t NotAdjacentValue = 7;
 
 void ListTrace(const char* text)
 {
-    CGameApp::Trace(text, ListTraceFlag);
+    CTrace::Trace(text, ListTraceFlag);
 }
 
 std::int32_t KeyOf(const CLinkedItem* item)
 {
-    return item->GetData()->GetX();
+    return item->GetKey()->GetX();
 }
 
 } // namespace
@@ -226,7 +226,7 @@ void CLinkedList::SwapItems(CLinkedItem* a, CLinkedItem* b)
             after->prev = first;
         return;
     }
-    CGameApp::TraceValue(NotAdjacentValue, "Items are not adjacent!", ListTraceFlag);
+    CTrace::TraceValue(NotAdjacentValue, "Items are not adjacent!", ListTraceFlag);
     std::swap(a->next, b->next);
     std::swap(a->prev, b->prev);
     for (CLinkedItem* node : {a, b}) {
@@ -242,7 +242,7 @@ std::string CLinkedList::Dump() const
     std::string text = "\r\n";
     for (const CLinkedItem* at = head; at; at = at->next) {
         if (mode == ModeXPosition)
-            text += at->GetData()->GetVector().ToString();
+            text += at->GetKey()->ToString();
         if (at == head)
             text += " -- Head";
         if (at == middle)

@@ -3,18 +3,21 @@
 #include <string>
 
 class CGameObject;
+class CVector;
 class CLinkedList;
 
-// One node of a CLinkedList. The game object that embeds it is its payload;
-// the node is in at most one list at a time and knows which.
+// One node of a CLinkedList. The game object that embeds it is its payload,
+// and that object's position is the key a sorted list orders it by; the node
+// is in at most one list at a time and knows which.
 class CLinkedItem {
 public:
-    explicit CLinkedItem(CGameObject* payload) : data(payload) {}
+    CLinkedItem(CGameObject* payload, const CVector* position) : data(payload), key(position) {}
     CLinkedItem(const CLinkedItem&) = delete;
     CLinkedItem& operator=(const CLinkedItem&) = delete;
     ~CLinkedItem();
 
     CGameObject* GetData() const { return data; }
+    const CVector* GetKey() const { return key; }
     CLinkedItem* GetNext() const { return next; }
     CLinkedItem* GetPrev() const { return prev; }
     CLinkedList* GetOwner() const { return owner; }
@@ -26,6 +29,7 @@ private:
     friend class CLinkedList;
 
     CGameObject* const data;
+    const CVector* const key;
     CLinkedItem* next = nullptr;
     CLinkedItem* prev = nullptr;
     CLinkedList* owner = nullptr;

@@ -1,7 +1,9 @@
 #include "display/Display.h"
 
-#include "app/GameApp.h"
+#include "core/Trace.h"
 #include "display/Bitmaps.h"
+#include "display/Screen.h"
+#include "display/SpriteSet.h"
 
 namespace {
 
@@ -18,7 +20,7 @@ Result TakeSurface2(SurfacePtr& first, SurfacePtr& out)
     const Result r = first->QuerySurface2(out);
     first.reset();
     if (r != DD_OK)
-        CGameApp::TraceCode(r, SurfaceQueryError, 0);
+        CTrace::TraceCode(r, SurfaceQueryError, 0);
     return r;
 }
 
@@ -26,24 +28,23 @@ Result TakeSurface2(SurfacePtr& first, SurfacePtr& out)
 
 Result CDisplay::Init(HWND window)
 {
-    CGameApp& app = TheApp();
-    CGameApp::Trace("Creating direct draw object", 0);
+    CTrace::Trace("Creating direct draw object", 0);
     if (Result r = CDisplayDevice::Create(ddraw))
         return r;
 
-    CGameApp::Trace("Finding DD v3 interface", 0);
+    CTrace::Trace("Finding DD v3 interface", 0);
     const Result queried = ddraw->QueryDevice2(ddraw2);
     ddraw.reset();
     if (queried != DD_OK)
         return queried;
 
-    CGameApp::Trace("Setting Cooperative Level, exclusive, fullscreen", 0);
+    CTrace::Trace("Setting Cooperative Level, exclusive, fullscreen", 0);
     if (Result r = ddraw2->SetCooperativeLevel(window, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN))
         return r;
 
-    CGameApp::Trace("Set Resolution", 0);
-    CGameApp::TraceValue(app.screenWidth, "Screen Width", 0);
-    if (Result r = ddraw2->SetDisplayMode(app.screenWidth, app.screenHeight, app.bitsPerPixel, 0, 0))
+    CTrace::Trace("Set Resolution", 0);
+    CTrace::TraceValue(ScreenWidth(), "Screen Width", 0);
+    if (Result r = ddraw2->SetDisplayMode(ScreenWidth(), ScreenHeight(), ScreenBitsPerPixel(), 0, 0))
         return r;
 
     SurfacePtr firstPrimary;
@@ -72,7 +73,7 @@ Result CDisplay::CreateFlippingChain(SurfacePtr& first)
     desc.caps = ChainCaps | DDSCAPS_VIDEOMEMORY;
     Result r = ddraw2->CreateSurface(desc, first);
     if (r == DDERR_OUTOFVIDEOMEMORY) {
-        CGameApp::Trace("Insuficient video memory", 0);
+        CTrace::Trace("Insuficient video memory", 0);
         desc.caps = ChainCaps;
         r = ddraw2->CreateSurface(desc, first);
     }
@@ -81,8 +82,7 @@ Result CDisplay::CreateFlippingChain(SurfacePtr& first)
 
 Result CDisplay::DrawScreenBitmap(CSurface* surface, const char* path)
 {
-    const CGameApp& app = TheApp();
-    return DrawBitmapFile(surface, path, app.screenWidth, app.screenHeight, 0, 0);
+    return DrawBitmapFile(surface, path, ScreenWidth(), ScreenHeight(), 0, 0);
 }
 
 Result CDisplay::Flip()
@@ -101,7 +101,7 @@ Result CDisplay::Restore()
         primary->Restore();
     if (back)
         back->Restore();
-    CSpriteSet& sprites = TheApp().sprites;
+    CSpriteSet& sprites = TheSprites();
     sprites.RestorePages();
     sprites.Load();
     return DD_OK;
@@ -122,11 +122,10 @@ SurfacePtr CDisplay::CreateOffscreenSurface()
 {
     if (!ddraw2)
         return nullptr;
-    const CGameApp& app = TheApp();
     SurfaceDesc desc;
     desc.flags = DDSD_CAPS | DDSD_HEIGHT | DDSD_WIDTH;
-    desc.width = app.screenWidth;
-    desc.height = app.screenHeight;
+    desc.width = ScreenWidth();
+    desc.height = ScreenHeight();
     desc.caps = DDSCAPS_OFFSCREENPLAIN;
     SurfacePtr first;
     if (ddraw2->CreateSurface(desc, first) != DD_OK)

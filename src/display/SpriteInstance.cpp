@@ -1,6 +1,9 @@
 #include "display/SpriteInstance.h"
 
-#include "app/GameApp.h"
+#include "core/Trace.h"
+#include "display/Display.h"
+#include "display/Screen.h"
+#include "display/SpriteSet.h"
 #include "platform/DC.h"
 
 namespace {
@@ -11,7 +14,7 @@ constexpr std::int32_t FullTurn = 360;
 
 void CSpriteInstance::Bind(std::int32_t index)
 {
-    const CSprite* entry = TheApp().sprites.GetEntry(index);
+    const CSprite* entry = TheSprites().GetEntry(index);
     if (!entry)
         return;
     frameCount = entry->frameCount;
@@ -48,7 +51,7 @@ void CSpriteInstance::Animate(double elapsedMs)
 
 std::int32_t CSpriteInstance::ChosenFrameIndex() const
 {
-    const CSprite* entry = TheApp().sprites.GetEntry(spriteIndex);
+    const CSprite* entry = TheSprites().GetEntry(spriteIndex);
     if (!entry)
         return -1;
     const std::int32_t perDirection = frameCount > 0 ? frameCount : 1;
@@ -60,10 +63,10 @@ std::int32_t CSpriteInstance::ChosenFrameIndex() const
 void CSpriteInstance::Draw(double elapsedMs)
 {
     Animate(elapsedMs);
-    CSurface* back = TheApp().display.GetBack();
+    CSurface* back = TheDisplay().GetBack();
     const std::int32_t n = ChosenFrameIndex();
     if (n >= 0 && back) {
-        const CSpriteFrame& chosen = TheApp().sprites.GetEntry(spriteIndex)->frames[static_cast<std::size_t>(n)];
+        const CSpriteFrame& chosen = TheSprites().GetEntry(spriteIndex)->frames[static_cast<std::size_t>(n)];
         if (chosen.surface && CopyFrame(chosen, *back))
             return;
     }
@@ -72,8 +75,7 @@ void CSpriteInstance::Draw(double elapsedMs)
 
 bool CSpriteInstance::CopyFrame(const CSpriteFrame& chosen, CSurface& back) const
 {
-    const CGameApp& app = TheApp();
-    const RECT screen{0, 0, app.screenWidth, app.screenHeight};
+    const RECT screen{0, 0, ScreenWidth(), ScreenHeight()};
     const RECT dest{x - radius, y - radius, x - radius + chosen.source.Width(), y - radius + chosen.source.Height()};
     const RECT clip = IntersectRect(dest, screen);
     if (clip.IsEmpty())
@@ -86,7 +88,7 @@ bool CSpriteInstance::CopyFrame(const CSpriteFrame& chosen, CSurface& back) cons
     source.bottom -= dest.bottom - clip.bottom;
     const Result r = back.BltFast(clip.left, clip.top, chosen.surface, &source, DDBLTFAST_SRCCOLORKEY);
     if (r != DD_OK) {
-        CGameApp::TraceCode(r, "Failed to draw sprite.", 0);
+        CTrace::TraceCode(r, "Failed to draw sprite.", 0);
         return false;
     }
     return true;

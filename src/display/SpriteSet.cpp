@@ -1,7 +1,9 @@
 #include "display/SpriteSet.h"
 
-#include "app/GameApp.h"
+#include "core/Trace.h"
 #include "display/Bitmaps.h"
+#include "display/Display.h"
+#include "display/Screen.h"
 #include "display/SpriteInstance.h"
 
 #include <algorithm>
@@ -72,9 +74,6 @@ bool ReadSpriteLine(const std::string& line, SpriteLine& out)
     const std::int64_t frames = std::int64_t{std::max(out.directions, 1)} * std::max(out.frameCount, 1);
     return !out.name.empty() && out.width >= 1 && out.height >= 1 && frames <= MaxSpriteFrames;
 }
-
-std::int32_t ScreenWidth() { return TheApp().screenWidth; }
-std::int32_t ScreenHeight() { return TheApp().screenHeight; }
 
 } // namespace
 
@@ -213,9 +212,9 @@ std::size_t CSpriteSet::LastPageWithRows() const
 
 bool CSpriteSet::AddPage()
 {
-    SurfacePtr surface = TheApp().display.CreateOffscreenSurface();
+    SurfacePtr surface = TheDisplay().CreateOffscreenSurface();
     if (!surface) {
-        CGameApp::TraceCode(0, "NULL off screen surface returned!", 0);
+        CTrace::TraceCode(0, "NULL off screen surface returned!", 0);
         return false;
     }
     pages.push_back({std::move(surface), {}});

@@ -1,6 +1,7 @@
 #include "display/Star.h"
 
-#include "app/GameApp.h"
+#include "core/Random.h"
+#include "display/Screen.h"
 #include "platform/DC.h"
 
 namespace {
@@ -21,8 +22,8 @@ CStar::CStar(std::int32_t starX, std::int32_t starY, std::int16_t starSize, std:
 }
 
 CStar::CStar()
-    : CStar(FromDraws({TheApp().Rand(), TheApp().Rand(), TheApp().Rand(), TheApp().Rand(), TheApp().Rand()},
-                      TheApp().GetScreenWidth(), TheApp().GetScreenHeight()))
+    : CStar(FromDraws({SharedRandom().Rand(), SharedRandom().Rand(), SharedRandom().Rand(), SharedRandom().Rand(), SharedRandom().Rand()},
+                      ScreenWidth(), ScreenHeight()))
 {
 }
 

@@ -4,6 +4,7 @@
 #include "app/GameApp.h"
 
 #include "display/Bitmaps.h"
+#include "display/SpriteInstance.h"
 #include "frontend/ScreenStyle.h"
 #include "frontend/TextPen.h"
 #include "platform/DC.h"

@@ -2,7 +2,8 @@
 // picture, and the high scores, help and about pages in their boxes.
 #include "frontend/MenuSystem.h"
 
-#include "app/GameApp.h"
+#include "display/Screen.h"
+#include "frontend/GameFonts.h"
 #include "frontend/ScreenStyle.h"
 #include "frontend/TextPen.h"
 
@@ -77,28 +78,25 @@ constexpr PageLine AboutLines[] = {
 
 void WriteTitle(CTextPen& pen, std::int32_t y, const std::string& title)
 {
-    CGameApp& app = TheApp();
-    pen.SetFont(app.titleFont);
+    pen.SetFont(TitleFont());
     pen.SetColour(ScreenStyle::TitleColour);
-    pen.WriteCentred(0, app.screenWidth, y, title);
+    pen.WriteCentred(0, ScreenWidth(), y, title);
 }
 
 // The one or two hint lines at the foot of a screen.
 void WriteFooter(CTextPen& pen, const char* upper, const char* lower)
 {
-    CGameApp& app = TheApp();
-    pen.SetFont(app.textFont);
+    pen.SetFont(TextFont());
     pen.SetColour(ScreenStyle::TextColour);
     if (upper)
-        pen.Write(FooterX, app.screenHeight - FooterUpperRise, upper);
-    pen.Write(FooterX, app.screenHeight - FooterLowerRise, lower);
+        pen.Write(FooterX, ScreenHeight() - FooterUpperRise, upper);
+    pen.Write(FooterX, ScreenHeight() - FooterLowerRise, lower);
 }
 
 // A box with its title, covering the game picture.
 void DrawPage(CTextPen& pen, std::int32_t sideMargin, const std::string& title)
 {
-    const CGameApp& app = TheApp();
-    DrawBox(pen.Context(), {sideMargin, BoxTopBottom, app.screenWidth - sideMargin, app.screenHeight - BoxTopBottom});
+    DrawBox(pen.Context(), {sideMargin, BoxTopBottom, ScreenWidth() - sideMargin, ScreenHeight() - BoxTopBottom});
     WriteTitle(pen, BoxedTitleY, title);
 }
 
@@ -106,7 +104,7 @@ template <std::size_t N>
 void DrawTextPage(CTextPen& pen, const char* title, const PageLine (&lines)[N])
 {
     DrawPage(pen, PageMargin, title);
-    pen.SetFont(TheApp().textFont);
+    pen.SetFont(TextFont());
     pen.SetColour(ScreenStyle::TextColour);
     for (const PageLine& line : lines)
         pen.Write(PageTextX, line.y, line.text);
@@ -127,7 +125,7 @@ std::int32_t EntryY(std::size_t index)
 
 void CMenuSystem::DrawScreen(CDC& dc)
 {
-    CTextPen pen(dc, TheApp().titleFont, ScreenStyle::TitleColour);
+    CTextPen pen(dc, TitleFont(), ScreenStyle::TitleColour);
     switch (screen) {
     case ScreenMainMenu: DrawMainMenu(pen); break;
     case ScreenHelp: DrawHelp(pen); break;
@@ -140,14 +138,13 @@ void CMenuSystem::DrawScreen(CDC& dc)
 
 void CMenuSystem::DrawMainMenu(CTextPen& pen)
 {
-    CGameApp& app = TheApp();
     const CMenuPage& page = GetCurrentPage();
     WriteTitle(pen, OpenTitleY, page.GetTitle());
-    pen.SetFont(app.menuFont);
+    pen.SetFont(MenuFont());
     const std::vector<CMenuItem>& items = page.GetItems();
     for (std::size_t i = 0; i < items.size(); ++i) {
         pen.SetColour(EntryColour(static_cast<std::int32_t>(i) == page.GetSelectedIndex()));
-        pen.WriteCentred(0, app.screenWidth, EntryY(i), items[i].label);
+        pen.WriteCentred(0, ScreenWidth(), EntryY(i), items[i].label);
     }
     WriteFooter(pen, "Use the up and down arrow keys to navigate the menu. Press enter or space to choose an option.",
                 "Pressing escape will return you to the previous menu or resume a game if you are on the main menu.");
@@ -155,10 +152,9 @@ void CMenuSystem::DrawMainMenu(CTextPen& pen)
 
 void CMenuSystem::DrawOptions(CTextPen& pen)
 {
-    CGameApp& app = TheApp();
     WriteTitle(pen, OpenTitleY, "Options");
-    pen.SetFont(app.menuFont);
-    const std::int32_t quarter = app.screenWidth / 4;
+    pen.SetFont(MenuFont());
+    const std::int32_t quarter = ScreenWidth() / 4;
     for (std::size_t i = 0; i < options.size(); ++i) {
         pen.SetColour(EntryColour(static_cast<std::int32_t>(i) == optionsCursor));
         pen.Write(quarter, EntryY(i), options[i].GetName());
@@ -170,11 +166,10 @@ void CMenuSystem::DrawOptions(CTextPen& pen)
 
 void CMenuSystem::DrawHighScores(CTextPen& pen)
 {
-    CGameApp& app = TheApp();
     DrawPage(pen, ScoreBoxMargin, "High Scores");
-    pen.SetFont(app.textFont);
+    pen.SetFont(TextFont());
     pen.SetColour(ScreenStyle::TextColour);
-    const std::int32_t middle = app.screenWidth / 2;
+    const std::int32_t middle = ScreenWidth() / 2;
     for (int i = 0; i < CHighScoreTable::Size; ++i) {
         const std::int32_t y = ScoreTop + ScoreStep * i;
         if (!highScores.GetName(i).empty())

@@ -1,7 +1,6 @@
 #include "frontend/MenuSystem.h"
 
-#include "app/GameApp.h"
-#include "app/GameWnd.h"
+#include "app/GameControl.h"
 
 #include <algorithm>
 #include <utility>
@@ -76,10 +75,9 @@ void CMenuSystem::OnKey(UINT key, bool pressed)
 
 void CMenuSystem::OnEscape()
 {
-    CGameApp& app = TheApp();
-    if (screen == ScreenMainMenu && app.GetGameState() == StatePaused) {
-        app.SetPause(false);
-        app.ApplyMusicOption();
+    if (screen == ScreenMainMenu && Game::GetGameState() == StatePaused) {
+        Game::SetPause(false);
+        Game::ApplyMusicOption();
         return;
     }
     screen = ScreenMainMenu;
@@ -119,12 +117,11 @@ void CMenuSystem::DoAction(std::int32_t action)
     switch (action) {
     case ActionExitGame:
         // Closing the main window shuts the program down and saves the settings.
-        if (TheApp().mainWnd)
-            TheApp().mainWnd->PostMessage(WM_CLOSE, 0, 0);
+        Game::CloseMainWindow();
         break;
     case ActionNewGame:
-        TheApp().ApplyMusicOption();
-        TheApp().NewGame();
+        Game::ApplyMusicOption();
+        Game::NewGame();
         break;
     case ActionShowOptions: screen = ScreenOptions; break;
     case ActionShowHighScores: screen = ScreenHighScores; break;

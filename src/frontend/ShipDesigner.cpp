@@ -1,11 +1,14 @@
 #include "frontend/ShipDesigner.h"
 
-#include "app/GameApp.h"
+#include "app/GameControl.h"
+#include "display/Screen.h"
 #include "frontend/CharacterKey.h"
+#include "frontend/GameFonts.h"
 #include "frontend/ScreenStyle.h"
 #include "frontend/TextPen.h"
 #include "platform/DC.h"
 #include "ship/Ship.h"
+#include "world/World.h"
 
 #include <array>
 #include <memory>
@@ -123,10 +126,9 @@ void CShipDesigner::OnKey(UINT key, bool pressed)
 {
     if (!pressed)
         return;
-    CGameApp& app = TheApp();
-    CShip* ship = app.world.GetPlayer();
+    CShip* ship = TheWorld().GetPlayer();
     const ComponentList fitted = FittedTo(ship);
-    const ComponentList& offers = app.world.GetStock();
+    const ComponentList& offers = TheWorld().GetStock();
     const auto code = static_cast<std::uint8_t>(key & 0xFF);
     switch (code) {
     case VK_UP: MoveSelection(-1, offers, fitted); break;
@@ -136,7 +138,7 @@ void CShipDesigner::OnKey(UINT key, bool pressed)
         // The ship's list can only take the focus while it lists something.
         focus = focus == FocusOffer && !fitted.empty() ? FocusShip : FocusOffer;
         break;
-    case VK_ESCAPE: app.SetGameState(StatePlaying); break;
+    case VK_ESCAPE: Game::SetGameState(StatePlaying); break;
     case VK_RETURN:
     case VK_SPACE:
         if (ship)
@@ -173,7 +175,7 @@ void CShipDesigner::MoveBetweenLists(CShip& ship, const ComponentList& offers, c
         return;
     // The ship's arrays change under the removal, so it works on a copy.
     const std::unique_ptr<CComponent> removed = CComponent::MakeCopy(*chosen);
-    TheApp().world.AddToStock(*removed);
+    TheWorld().AddToStock(*removed);
     if (!ship.RemoveComponent(*removed))
         return;
     const bool wasLast = static_cast<std::size_t>(componentSelection) == fitted.size() - 1;
@@ -196,12 +198,11 @@ void CShipDesigner::SetFireKey(char key, const ComponentList& fitted) const
 
 void CShipDesigner::Draw(CDC& dc)
 {
-    CGameApp& app = TheApp();
-    CShip* ship = app.world.GetPlayer();
+    CShip* ship = TheWorld().GetPlayer();
     const ComponentList fitted = FittedTo(ship);
-    const ComponentList& offers = app.world.GetStock();
+    const ComponentList& offers = TheWorld().GetStock();
     if (!layoutReady) {
-        layout = ComputeLayout(app.screenWidth, app.screenHeight);
+        layout = ComputeLayout(ScreenWidth(), ScreenHeight());
         layoutReady = true;
     }
     for (const RECT& panel : {layout.shipPanel, layout.offerDetail, layout.offerList, layout.componentDetail,
@@ -209,9 +210,9 @@ void CShipDesigner::Draw(CDC& dc)
         DrawBox(dc, panel);
 
     dc.SetBkMode(TRANSPARENT);
-    CTextPen pen(dc, app.menuFont, ScreenStyle::TitleColour);
+    CTextPen pen(dc, MenuFont(), ScreenStyle::TitleColour);
     DrawHeadings(pen, offers, fitted);
-    pen.SetFont(app.textFont);
+    pen.SetFont(TextFont());
     pen.SetColour(ScreenStyle::TextColour);
     if (ship) {
         DrawStatistics(pen, *ship);
@@ -223,8 +224,8 @@ void CShipDesigner::Draw(CDC& dc)
     DrawDetail(pen, layout.offerDetail, Selected(offers, offerSelection));
     DrawList(pen, layout.componentList, fitted, componentSelection, focus == FocusShip);
     DrawDetail(pen, layout.componentDetail, Selected(fitted, componentSelection));
-    pen.Write(Margin, app.screenHeight - HelpRise, HelpLine);
-    DrawTutorial(pen, app.world.GetLevel());
+    pen.Write(Margin, ScreenHeight() - HelpRise, HelpLine);
+    DrawTutorial(pen, TheWorld().GetLevel());
 }
 
 void CShipDesigner::DrawHeadings(CTextPen& pen, const ComponentList& offers, const ComponentList& fitted)
@@ -264,7 +265,7 @@ void CShipDesigner::DrawTutorial(CTextPen& pen, std::int16_t level)
     if (level < 1 || static_cast<std::size_t>(level) > TutorialHints.size())
         return;
     const TutorialHint& hint = TutorialHints[static_cast<std::size_t>(level - 1)];
-    const std::int32_t firstY = TheApp().screenHeight - TutorialRise;
+    const std::int32_t firstY = ScreenHeight() - TutorialRise;
     for (std::size_t i = 0; i < hint.size(); ++i)
         pen.Write(Margin, firstY + LineStep * static_cast<std::int32_t>(i), hint[i]);
 }

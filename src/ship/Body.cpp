@@ -1,10 +1,12 @@
 #include "ship/Body.h"
 
-#include "app/GameApp.h"
+#include "audio/SoundCues.h"
+#include "core/Random.h"
+#include "display/Screen.h"
 #include "world/Angles.h"
 #include "world/Powerup.h"
 #include "world/Projectile.h"
-#include "world/SoundCues.h"
+#include "world/World.h"
 
 #include <cmath>
 
@@ -92,9 +94,8 @@ void CBody::SetMine(std::int16_t mineKind)
 
 void CBody::ChooseWanderTarget()
 {
-    CGameApp& app = TheApp();
-    targetX = radius + static_cast<std::int32_t>(app.Draw(app.screenWidth - 2 * radius));
-    targetY = radius + static_cast<std::int32_t>(app.Draw(app.screenHeight - 2 * radius));
+    targetX = radius + static_cast<std::int32_t>(SharedRandom().Draw(ScreenWidth() - 2 * radius));
+    targetY = radius + static_cast<std::int32_t>(SharedRandom().Draw(ScreenHeight() - 2 * radius));
 }
 
 bool CBody::IsNear(const CGameObject& player) const
@@ -127,7 +128,7 @@ bool CBody::Update(std::int32_t elapsedMs)
         thinkTimer += elapsedMs;
         wanderTimer += elapsedMs;
         if (thinkTimer > ThinkIntervalMs) {
-            TheApp().world.AddToActionList(this);
+            TheWorld().AddToActionList(this);
             thinkTimer = 0;
         }
         vector.ApplyThrust(elapsedMs, thrust / mass, aiHeading, maxSpeed, 1);
@@ -139,7 +140,7 @@ void CBody::Act()
 {
     if (team != TeamEnemy || bodyKind != BodyMine || !alive)
         return;
-    const CGameObject* player = TheApp().world.GetPlayerObject();
+    const CGameObject* player = TheWorld().GetPlayerObject();
     if (player)
         aiMode = IsNear(*player) ? AiChase : AiWander;
     if (aiMode == AiWander)
@@ -183,44 +184,42 @@ void CBody::Explode()
     SetSprite("explosion");
     lifetime = ExplosionMs;
     age = 0;
-    TheApp().PlaySoundEffect(SoundCues::Urgent, SoundCues::Explosion);
+    SoundCues::Play(SoundCues::Urgent, SoundCues::Explosion);
     collidable = false;
     alive = false;
 }
 
 void CBody::SplitAsteroid()
 {
-    CGameApp& app = TheApp();
     const std::int16_t childSize = mass > LargeFragmentMass ? 2 : 1;
     double angle = facing;
     for (int i = 0; i < FragmentCount; ++i) {
-        const auto speed = static_cast<std::int32_t>(app.Draw(81) + 20);
+        const auto speed = static_cast<std::int32_t>(SharedRandom().Draw(81) + 20);
         auto* fragment = new CBody;
         fragment->SetVector(
             LaunchVector(vector, angle, static_cast<float>(radius - 3), angle, static_cast<float>(speed)));
         fragment->SetAsteroid(childSize);
-        app.world.AddObject(fragment);
+        TheWorld().AddObject(fragment);
         angle = Angles::WrapUp(angle - Angles::ThirdTurn);
     }
-    if (app.Draw(100) < PowerupChancePercent) {
+    if (SharedRandom().Draw(100) < PowerupChancePercent) {
         auto* powerup = new CPowerup;
         CVector at;
         at.Set(GetX(), GetY(), 0.0f, 0.0f);
         powerup->SetVector(at);
-        app.world.AddObject(powerup);
+        TheWorld().AddObject(powerup);
     }
 }
 
 void CBody::ScatterDebris()
 {
-    CGameApp& app = TheApp();
     const auto pieces = static_cast<std::int32_t>(mass * DebrisPerMass);
     if (pieces <= 0)
         return;
     const double step = Angles::TwoPi / pieces;
     double angle = facing;
     for (std::int32_t i = 0; i < pieces; ++i) {
-        const auto speed = static_cast<std::int32_t>(app.Draw(101) + 100);
+        const auto speed = static_cast<std::int32_t>(SharedRandom().Draw(101) + 100);
         LaunchProjectile(LaunchVector(vector, angle, static_cast<float>(radius + 4), angle, static_cast<float>(speed)),
                          Shrapnel::Damage, TeamNone, Shrapnel::LifetimeMs, BoundsDie);
         angle = Angles::WrapUp(angle - step);

@@ -1,6 +1,6 @@
 #include "ship/Component.h"
 
-#include "app/GameApp.h"
+#include "core/Random.h"
 #include "ship/Armour.h"
 #include "ship/EnergySystem.h"
 #include "ship/Engine.h"
@@ -97,13 +97,13 @@ void CComponent::SetDrawSource(DrawSource source)
 void CComponent::BeginGeneration(std::int32_t level)
 {
     techLevel = level;
-    serialNumber = TheApp().NextComponentSerial();
+    serialNumber = NextComponentSerial();
     NameAfterSerial();
 }
 
 double CComponent::Draw(double m)
 {
-    return drawSource ? drawSource(m) : TheApp().Draw(m);
+    return drawSource ? drawSource(m) : SharedRandom().Draw(m);
 }
 
 double CComponent::Cheaper(double v, double k) const

@@ -106,3 +106,6 @@ protected:
 private:
     void NameAfterSerial();
 };
+
+// Components are numbered 1, 2, 3, ... through the run; this hands out the next.
+std::int32_t NextComponentSerial();

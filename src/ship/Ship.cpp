@@ -1,9 +1,10 @@
 #include "ship/Ship.h"
 
-#include "app/GameApp.h"
+#include "audio/SoundCues.h"
+#include "display/Screen.h"
 #include "world/Angles.h"
 #include "world/Projectile.h"
-#include "world/SoundCues.h"
+#include "world/World.h"
 
 #include <algorithm>
 
@@ -16,11 +17,6 @@ constexpr float PlayerMass = 1.0f;
 constexpr float TurretMass = 2.0f;
 
 constexpr std::int32_t AimIterations = 5;
-
-constexpr std::uint8_t KeyLeft = 37;
-constexpr std::uint8_t KeyUp = 38;
-constexpr std::uint8_t KeyRight = 39;
-constexpr std::uint8_t KeyDown = 40;
 
 // Sets a control to the pressed value, or back to 0 on release if it still holds that value.
 void Steer(std::int16_t& control, std::int16_t value, bool pressed)
@@ -53,8 +49,7 @@ void CShip::SetPlayerShip()
     mass = baseMass = PlayerMass;
     maxSpeed = ShipTopSpeed;
     flightMode = FlightKeyboard;
-    CGameApp& app = TheApp();
-    vector.Set(app.screenWidth / 2, app.screenHeight / 2, 0.0f, 0.0f);
+    vector.Set(ScreenWidth() / 2, ScreenHeight() / 2, 0.0f, 0.0f);
     SetSprite("ship1");
     boundsMode = BoundsBounce;
     SetHull(ShipHull);
@@ -101,7 +96,7 @@ bool CShip::Update(std::int32_t elapsedMs)
     fireTimer = static_cast<float>(fireTimer - t);
     bool wantsToAct = !heldKeys.empty() && !lasers.empty() && CanFireAgain();
     if (shield.HasSerial())
-        TheApp().world.AddToLabelList(this);
+        TheWorld().AddToLabelList(this);
 
     if (controller == ControllerComputer) {
         thinkTimer += elapsedMs;
@@ -116,7 +111,7 @@ bool CShip::Update(std::int32_t elapsedMs)
             wantsToAct = true;
     }
     if (wantsToAct)
-        TheApp().world.AddToActionList(this);
+        TheWorld().AddToActionList(this);
     return true;
 }
 
@@ -141,7 +136,7 @@ void CShip::FireByKeys()
 
 void CShip::EnemyAct()
 {
-    const CGameObject* player = TheApp().world.GetPlayerObject();
+    const CGameObject* player = TheWorld().GetPlayerObject();
     if (player)
         aiMode = IsNear(*player) ? AiAttack : AiWander;
     if (aiMode == AiWander)
@@ -172,7 +167,7 @@ bool CShip::ReachesIntoScreen() const
 {
     const std::int32_t x = GetX();
     const std::int32_t y = GetY();
-    return x + radius > 0 && y + radius > 0 && x - radius < TheApp().screenWidth && y - radius < TheApp().screenHeight;
+    return x + radius > 0 && y + radius > 0 && x - radius < ScreenWidth() && y - radius < ScreenHeight();
 }
 
 void CShip::Fire(std::int32_t index)
@@ -188,7 +183,7 @@ void CShip::Fire(std::int32_t index)
     case CLaser::Radiating: FireRadiating(*this, laser); break;
     default: break;
     }
-    TheApp().PlaySoundEffect(SoundCues::Shot, team == TeamPlayer ? SoundCues::PlayerShot : SoundCues::EnemyShot);
+    SoundCues::Play(SoundCues::Shot, team == TeamPlayer ? SoundCues::PlayerShot : SoundCues::EnemyShot);
     fireTimer = FireSpacingMs;
 }
 
@@ -212,10 +207,10 @@ void CShip::PlayerKey(UINT key, bool pressed)
 {
     const auto code = static_cast<std::uint8_t>(key & 0xFF);
     switch (code) {
-    case KeyLeft: Steer(turnInput, -1, pressed); return;
-    case KeyUp: Steer(thrustInput, 1, pressed); return;
-    case KeyRight: Steer(turnInput, 1, pressed); return;
-    case KeyDown: Steer(thrustInput, -1, pressed); return;
+    case VK_LEFT: Steer(turnInput, -1, pressed); return;
+    case VK_UP: Steer(thrustInput, 1, pressed); return;
+    case VK_RIGHT: Steer(turnInput, 1, pressed); return;
+    case VK_DOWN: Steer(thrustInput, -1, pressed); return;
     default: break;
     }
     const auto held = std::find(heldKeys.begin(), heldKeys.end(), code);

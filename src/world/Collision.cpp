@@ -1,7 +1,7 @@
 // Contact search and response between game objects, once per frame.
 #include "world/GameObject.h"
 
-#include "app/GameApp.h"
+#include "world/World.h"
 #include "display/SpriteInstance.h"
 #include "world/Angles.h"
 
@@ -25,7 +25,7 @@ float NonZero(float value, float replacement)
 
 bool IsPlayer(const CGameObject& object)
 {
-    return &object == TheApp().world.GetPlayerObject();
+    return &object == TheWorld().GetPlayerObject();
 }
 } // namespace
 

@@ -1,8 +1,10 @@
 #include "world/GameObject.h"
 
-#include "app/GameApp.h"
+#include "display/Screen.h"
 #include "display/SpriteInstance.h"
+#include "display/SpriteSet.h"
 #include "world/Angles.h"
+#include "world/World.h"
 
 #include <algorithm>
 
@@ -11,7 +13,8 @@ constexpr std::int32_t BandCount = 10;
 } // namespace
 
 CGameObject::CGameObject()
-    : masterItem(new CLinkedItem(this)), bandItem(new CLinkedItem(this)), bandItem2(new CLinkedItem(this))
+    : masterItem(new CLinkedItem(this, &vector)), bandItem(new CLinkedItem(this, &vector)),
+      bandItem2(new CLinkedItem(this, &vector))
 {
     hitThisFrame.reserve(10);
     ++created;
@@ -29,10 +32,9 @@ CGameObject::~CGameObject()
 
 void CGameObject::SetSprite(const std::string& name)
 {
-    CGameApp& app = TheApp();
     auto* instance = new CSpriteInstance;
-    app.sprites.Find(name, *instance); // an unknown name leaves the look unbound, not missing
-    app.liveSprites.push_back(instance);
+    TheSprites().Find(name, *instance); // an unknown name leaves the look unbound, not missing
+    LiveSprites().push_back(instance);
     sprite = instance;
     SetSpriteRotation();
     sprite->SetPosition(GetX(), GetY());
@@ -42,7 +44,7 @@ void CGameObject::ReleaseSprite()
 {
     if (!sprite)
         return;
-    auto& live = TheApp().liveSprites;
+    auto& live = LiveSprites();
     const auto found = std::find(live.begin(), live.end(), sprite);
     if (found != live.end()) {
         live.erase(found);
@@ -78,8 +80,8 @@ bool CGameObject::Update(std::int32_t elapsedMs)
     }
     vector.Move(static_cast<std::uint32_t>(elapsedMs));
 
-    const std::int32_t width = TheApp().screenWidth;
-    const std::int32_t height = TheApp().screenHeight;
+    const std::int32_t width = ScreenWidth();
+    const std::int32_t height = ScreenHeight();
     const std::int32_t x = GetX();
     const std::int32_t y = GetY();
     const bool offScreen = x > width + radius || x < -radius || y > height + radius || y < -radius;
@@ -111,7 +113,7 @@ void CGameObject::Bounce(std::int32_t width, std::int32_t height)
 
 void CGameObject::UpdateBands()
 {
-    const std::int32_t h = TheApp().world.GetBandHeight();
+    const std::int32_t h = TheWorld().GetBandHeight();
     const std::int32_t y = GetY();
     const std::int32_t top = std::clamp((y - radius) / h, 0, BandCount - 1);
     const std::int32_t bottom = std::clamp((y + radius) / h, 0, BandCount - 1);
@@ -136,7 +138,7 @@ void CGameObject::MoveToBand(CLinkedItem* node, std::int32_t& nodeBand, std::int
         return;
     node->Unlink();
     nodeBand = newBand;
-    TheApp().world.InsertInBand(newBand, node);
+    TheWorld().InsertInBand(newBand, node);
 }
 
 void CGameObject::ExpireNow()

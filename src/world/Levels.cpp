@@ -2,7 +2,9 @@
 // edges, and the change from one level to the next.
 #include "world/World.h"
 
-#include "app/GameApp.h"
+#include "app/GameControl.h"
+#include "core/Random.h"
+#include "display/Screen.h"
 #include "ship/Ship.h"
 
 #include <algorithm>
@@ -36,9 +38,8 @@ void SetInterval(CWorld::SpawnClock& clock, double interval)
 // Half the range as two halves: the middle of the edge comes up more often.
 std::int32_t AlongEdge(std::int32_t length)
 {
-    CGameApp& app = TheApp();
-    const auto first = static_cast<std::int32_t>(app.Draw(length));
-    const auto second = static_cast<std::int32_t>(app.Draw(length));
+    const auto first = static_cast<std::int32_t>(SharedRandom().Draw(length));
+    const auto second = static_cast<std::int32_t>(SharedRandom().Draw(length));
     return first / 2 + second / 2;
 }
 } // namespace
@@ -46,7 +47,7 @@ std::int32_t AlongEdge(std::int32_t length)
 void CWorld::NewGame(std::int32_t startLevel)
 {
     Clear();
-    bandHeight = TheApp().screenHeight / BandCount;
+    bandHeight = ScreenHeight() / BandCount;
     auto* ship = new CShip;
     ship->SetPlayerShip();
     AdoptPlayer(ship);
@@ -75,7 +76,7 @@ void CWorld::AdvanceClock(SpawnClock& clock, double elapsedMs, SpawnOperation sp
     if (clock.accumulated <= clock.threshold)
         return;
     // The next spacing is drawn before the spawn takes its own draws.
-    clock.threshold = (clock.interval - clock.interval * 0.5) + std::trunc(TheApp().Draw(clock.interval));
+    clock.threshold = (clock.interval - clock.interval * 0.5) + std::trunc(SharedRandom().Draw(clock.interval));
     (this->*spawn)(1);
     clock.accumulated = 0.0;
 }
@@ -84,7 +85,7 @@ void CWorld::BeginNextLevel()
 {
     ++level;
     timeLeft = LevelMs;
-    TheApp().SetGameState(StateDesign);
+    Game::SetGameState(StateDesign);
     RegenerateStock();
     powerupsTaken = 0;
     RegenerateKits();
@@ -118,7 +119,7 @@ void CWorld::SetLevelTimings()
 void CWorld::SpawnAsteroids(std::int32_t count)
 {
     for (std::int32_t i = 0; i < count; ++i) {
-        const auto k = static_cast<std::int32_t>(TheApp().Draw(10));
+        const auto k = static_cast<std::int32_t>(SharedRandom().Draw(10));
         auto* asteroid = new CBody;
         bool placed;
         std::int16_t size;
@@ -140,7 +141,7 @@ void CWorld::SpawnAsteroids(std::int32_t count)
 void CWorld::SpawnMines(std::int32_t count)
 {
     for (std::int32_t i = 0; i < count; ++i) {
-        const auto k = static_cast<std::int32_t>(TheApp().Draw(3));
+        const auto k = static_cast<std::int32_t>(SharedRandom().Draw(3));
         auto* mine = new CBody;
         const bool placed = PlaceAtEdge(*mine, 10, 20);
         mine->SetTeam(TeamEnemy);
@@ -179,17 +180,16 @@ bool CWorld::AddOrDiscard(CGameObject* object, bool placed, bool isEnemy)
 
 bool CWorld::PlaceAtEdge(CGameObject& object, std::int32_t leastSpeed, std::int32_t greatestSpeed)
 {
-    CGameApp& app = TheApp();
-    const std::int32_t width = app.screenWidth;
-    const std::int32_t height = app.screenHeight;
+    const std::int32_t width = ScreenWidth();
+    const std::int32_t height = ScreenHeight();
     const std::int32_t r = object.GetRadius();
-    const auto sx = static_cast<float>(app.Draw(greatestSpeed));
-    const auto sy = static_cast<float>(app.Draw(greatestSpeed));
+    const auto sx = static_cast<float>(SharedRandom().Draw(greatestSpeed));
+    const auto sy = static_cast<float>(SharedRandom().Draw(greatestSpeed));
     const float a = static_cast<float>(leastSpeed);
     const float drift = static_cast<float>(greatestSpeed / 2);
     for (std::int32_t attempt = 0; attempt < PlacementAttempts; ++attempt) {
         CVector candidate;
-        switch (app.Rand() % 4) {
+        switch (SharedRandom().Rand() % 4) {
         case 0: candidate.Set(AlongEdge(width), 1 - r, sx - drift, std::max(sy, a)); break;
         case 1: candidate.Set(AlongEdge(width), r + height - 1, sx - drift, std::min(-sy, -a)); break;
         case 2: candidate.Set(1 - r, AlongEdge(height), std::max(sx, a), sy - drift); break;

@@ -2,7 +2,7 @@
 // for powerups, and the kits every new mine and enemy ship is fitted with.
 #include "world/World.h"
 
-#include "app/GameApp.h"
+#include "core/Random.h"
 #include "ship/Armour.h"
 #include "ship/EnergySystem.h"
 #include "ship/Engine.h"
@@ -34,16 +34,15 @@ std::int32_t Trunc(double v)
 // The offer is made a little above the level, each piece with its own draw.
 std::int32_t OfferTechLevel(std::int32_t level)
 {
-    return OfferLevelStep * (level + OfferLevelBase) + Trunc(TheApp().Draw(101));
+    return OfferLevelStep * (level + OfferLevelBase) + Trunc(SharedRandom().Draw(101));
 }
 
 // The bonus sits above the offer, most often near the low end of its range.
 std::int32_t BonusTechLevel(std::int32_t level)
 {
-    CGameApp& app = TheApp();
-    const std::int32_t k1 = Trunc(app.Draw(401));
-    const std::int32_t k2 = Trunc(app.Draw(401));
-    const std::int32_t k3 = Trunc(app.Draw(401));
+    const std::int32_t k1 = Trunc(SharedRandom().Draw(401));
+    const std::int32_t k2 = Trunc(SharedRandom().Draw(401));
+    const std::int32_t k3 = Trunc(SharedRandom().Draw(401));
     return OfferLevelStep * (level + BonusLevelBase) + Trunc(2.0 / 3.0 * std::abs(k1 + k2 + k3 - 601));
 }
 
@@ -120,7 +119,7 @@ void CWorld::AddBonusComponent()
 {
     const std::int32_t techLevel = BonusTechLevel(level);
     CComponent* bonus = nullptr;
-    switch (Trunc(TheApp().Draw(7))) {
+    switch (Trunc(SharedRandom().Draw(7))) {
     case 0: bonus = Generated<CEngine>(techLevel, 1.0f); break;
     case 1: bonus = Generated<CJet>(techLevel, 1.0f); break;
     case 2: bonus = Generated<CSubspaceSail>(techLevel, 1.0f); break;

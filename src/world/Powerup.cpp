@@ -1,8 +1,8 @@
 #include "world/Powerup.h"
 
-#include "app/GameApp.h"
+#include "audio/SoundCues.h"
 #include "ship/Ship.h"
-#include "world/SoundCues.h"
+#include "world/World.h"
 
 CPowerup::CPowerup()
 {
@@ -16,9 +16,8 @@ void CPowerup::OnHit(std::int32_t damage, CGameObject* other)
 {
     // Only the player's ship can touch a powerup, so every hit is a pickup.
     CGameObject::OnHit(damage, other);
-    CGameApp& app = TheApp();
-    app.world.AddPowerup();
-    if (CShip* player = app.world.GetPlayer())
+    TheWorld().AddPowerup();
+    if (CShip* player = TheWorld().GetPlayer())
         player->AddEnergy(EnergyGift);
-    app.PlaySoundEffect(SoundCues::Urgent, SoundCues::Pickup);
+    SoundCues::Play(SoundCues::Urgent, SoundCues::Pickup);
 }

@@ -1,9 +1,9 @@
 #include "world/Projectile.h"
 
-#include "app/GameApp.h"
 #include "ship/Ship.h"
 #include "world/Angles.h"
 #include "world/GameObject.h"
+#include "world/World.h"
 
 #include <cmath>
 
@@ -65,7 +65,7 @@ void LaunchProjectile(const CVector& launch, std::int32_t damage, std::int32_t t
 {
     auto* shot = new CGameObject;
     shot->InitProjectile(launch, damage, team, lifetimeMs, bounds);
-    TheApp().world.AddObject(shot);
+    TheWorld().AddObject(shot);
 }
 
 void FireParallel(const CShip& ship, const CLaser& laser)

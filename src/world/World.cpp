@@ -1,6 +1,8 @@
 #include "world/World.h"
 
-#include "app/GameApp.h"
+#include "app/GameControl.h"
+#include "core/Trace.h"
+#include "display/Screen.h"
 #include "ship/Component.h"
 #include "ship/Ship.h"
 #include "world/GameObject.h"
@@ -65,7 +67,7 @@ bool CWorld::RunObjectPass(std::int32_t dt)
             continue;
         }
         if (object == GetPlayerObject()) {
-            TheApp().GameOver();
+            Game::GameOver();
             return false;
         }
         CountKill(*object);
@@ -92,8 +94,8 @@ void CWorld::CheckMasterList(std::int32_t survivors) const
 {
     if (masterList.GetCount() == survivors)
         return;
-    CGameApp::TraceCode(static_cast<std::uint32_t>(survivors), "Master Object list corrupt!", 0);
-    CGameApp::Trace(masterList.Dump(), 0);
+    CTrace::TraceCode(static_cast<std::uint32_t>(survivors), "Master Object list corrupt!", 0);
+    CTrace::Trace(masterList.Dump(), 0);
 }
 
 void CWorld::AddObject(CGameObject* object)
@@ -146,7 +148,7 @@ void CWorld::AdoptPlayer(CShip* ship)
 
 std::int32_t CWorld::GetBandHeight() const
 {
-    return bandHeight > 0 ? bandHeight : TheApp().screenHeight / BandCount;
+    return bandHeight > 0 ? bandHeight : ScreenHeight() / BandCount;
 }
 
 void CWorld::Clear()

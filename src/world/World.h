@@ -129,3 +129,6 @@ private:
     std::int32_t enemiesLeft = 0;
     std::int32_t powerupsTaken = 0;
 };
+
+// The game in progress; the application object owns it.
+CWorld& TheWorld();

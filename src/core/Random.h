@@ -23,3 +23,6 @@ public:
 private:
     std::uint32_t state = 1;
 };
+
+// The generator every rule draws from; the application object owns it.
+CRandom& SharedRandom();

@@ -10,4 +10,7 @@ constexpr const char* Pickup = "green.wav";
 constexpr const char* Explosion = "explosion.wav";
 constexpr const char* PlayerShot = "bullet1.wav";
 constexpr const char* EnemyShot = "bullet2.wav";
+
+// Plays one effect through the application's sound rules.
+void Play(std::int16_t priority, const char* file);
 } // namespace SoundCues

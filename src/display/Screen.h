@@ -1,0 +1,17 @@
+#pragma once
+#include <cstdint>
+#include <list>
+
+class CDisplay;
+class CSpriteInstance;
+class CSpriteSet;
+
+// The screen the game draws on and what draws on it. The application object
+// owns them all; the layers below it reach them only through here.
+std::int16_t ScreenWidth();
+std::int16_t ScreenHeight();
+std::int16_t ScreenBitsPerPixel();
+CDisplay& TheDisplay();
+CSpriteSet& TheSprites();
+// Every sprite instance in use, so a restore or a new game can reach them all.
+std::list<CSpriteInstance*>& LiveSprites();
