@@ -23,9 +23,11 @@ constexpr std::size_t HeightField = 2;
 constexpr std::size_t DirectionsField = 3;
 constexpr std::size_t FrameCountField = 4;
 constexpr std::size_t FrameTimeField = 5;
-// Far more frames than any sprite needs (the ships turn through 72 facings);
-// a line asking for more would keep start-up reading files for hours.
-constexpr std::int64_t MaxSpriteFrames = 4096;
+// What one catalogue line may cost: the screen-sized pages its frames fill and
+// the table of its frames. The whole game's sprites fill less than one page;
+// a line asking for more than this (a slip of the keyboard, most likely) is
+// refused rather than left to exhaust the machine.
+constexpr std::int64_t SpriteLineMemoryBudget = std::int64_t{256} << 20;
 
 // A decimal number as the catalogue writes it: blanks first, a sign, then
 // digits up to the first other character. No digits read as 0.
@@ -71,11 +73,37 @@ bool ReadSpriteLine(const std::string& line, SpriteLine& out)
     const bool animated = fields.size() > FrameTimeField;
     out.frameCount = animated ? number(FrameCountField) : 0;
     out.frameTime = animated ? number(FrameTimeField) : 0;
-    const std::int64_t frames = std::int64_t{std::max(out.directions, 1)} * std::max(out.frameCount, 1);
-    return !out.name.empty() && out.width >= 1 && out.height >= 1 && frames <= MaxSpriteFrames;
+    return !out.name.empty() && out.width >= 1 && out.height >= 1;
+}
+
+std::int64_t FrameCount(const SpriteLine& line)
+{
+    return std::int64_t{std::max(line.directions, 1)} * std::max(line.frameCount, 1);
+}
+
+// The memory a line's frames take: whole pages for frames that fit on one,
+// placeholders (the table alone) for frames that do not.
+std::int64_t LineMemory(const SpriteLine& line)
+{
+    const std::int64_t frames = FrameCount(line);
+    const std::int64_t table = frames * static_cast<std::int64_t>(sizeof(CSpriteFrame));
+    if (line.width > ScreenWidth() || line.height >= ScreenHeight())
+        return table;
+    const std::int64_t perPage = std::int64_t{ScreenWidth() / line.width} * std::max(1, ScreenHeight() / line.height);
+    const std::int64_t pages = (frames + perPage - 1) / perPage;
+    const std::int64_t pageBytes = std::int64_t{ScreenWidth()} * ScreenHeight() * (CSurface::BitsPerPixel / 8);
+    return table + pages * pageBytes;
 }
 
 } // namespace
+
+bool CSpriteSet::FitsMemoryBudget(const SpriteLine& line)
+{
+    if (LineMemory(line) <= SpriteLineMemoryBudget)
+        return true;
+    CTrace::Trace("Sprite line refused, its frames would take more memory than the pages may: " + line.name, 0);
+    return false;
+}
 
 std::vector<SpriteLine> CSpriteSet::ParseCatalogue(const std::string& text)
 {
@@ -120,7 +148,8 @@ void CSpriteSet::Load()
         return;
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     for (const SpriteLine& line : ParseCatalogue(text))
-        AddSprite(line);
+        if (FitsMemoryBudget(line))
+            AddSprite(line);
 }
 
 void CSpriteSet::AddSprite(const SpriteLine& line)

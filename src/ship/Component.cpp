@@ -1,6 +1,7 @@
 #include "ship/Component.h"
 
 #include "core/Random.h"
+#include "core/Trace.h"
 #include "ship/Armour.h"
 #include "ship/EnergySystem.h"
 #include "ship/Engine.h"
@@ -108,7 +109,13 @@ double CComponent::Draw(double m)
 
 double CComponent::Cheaper(double v, double k) const
 {
-    return v + (v / TechFactor() - v) * k;
+    double factor = TechFactor();
+    if (factor == 0.0) {
+        // Technology level 0 would divide by zero: it is made as at level 1, the nearest that does not.
+        CTrace::Trace("Technology level 0 in a division", 0);
+        factor = TechFactorOf(1);
+    }
+    return v + (v / factor - v) * k;
 }
 
 double CComponent::Stronger(double v, double k) const

@@ -1,4 +1,6 @@
 #pragma once
+#include "core/Truncate.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -90,8 +92,9 @@ protected:
     double Cheaper(double v, double k) const;
     double Stronger(double v, double k) const;
     // The technology level as a factor: 1000 stands for 1.0.
-    double TechFactor() const { return techLevel * 0.001; }
-    static std::int32_t Trunc(double v) { return static_cast<std::int32_t>(v); }
+    double TechFactor() const { return TechFactorOf(techLevel); }
+    static double TechFactorOf(std::int32_t level) { return level * 0.001; }
+    static std::int32_t Trunc(double v) { return TruncToInt32(v); }
 
     static void AppendLine(std::vector<std::string>& lines, const char* label, std::int32_t value);
 

@@ -1,6 +1,7 @@
 #include "ship/Ship.h"
 
 #include "audio/SoundCues.h"
+#include "core/Truncate.h"
 #include "display/Screen.h"
 #include "world/Angles.h"
 #include "world/Projectile.h"
@@ -90,7 +91,7 @@ bool CShip::Update(std::int32_t elapsedMs)
         return true; // showing its explosion
 
     if (energyMax > energy)
-        energy = std::min(static_cast<float>(energy + t / energyRecharge), static_cast<float>(energyMax));
+        Recharge(t);
     for (CLaser& laser : lasers)
         laser.AddCooldown(-elapsedMs);
     fireTimer = static_cast<float>(fireTimer - t);
@@ -187,15 +188,29 @@ void CShip::Fire(std::int32_t index)
     fireTimer = FireSpacingMs;
 }
 
+// One unit of energy takes energyRecharge milliseconds. The energy systems of
+// the highest technology levels need 0 ms or less: they refill at once, and a
+// frame of no time at all brings nothing, so energy never becomes 0/0 and
+// recharge only ever raises it.
+void CShip::Recharge(double t)
+{
+    if (energyRecharge > 0)
+        energy = std::min(static_cast<float>(energy + t / energyRecharge), static_cast<float>(energyMax));
+    else if (t > 0)
+        energy = static_cast<float>(energyMax);
+}
+
 void CShip::OnHit(std::int32_t damage, CGameObject* other)
 {
     if (shield.HasSerial()) {
         // The shield draws what energy it may and stops the damage that energy pays for.
         const float rate = shield.GetConversionRate();
-        std::int32_t drawn = static_cast<std::int32_t>(shield.GetStrength() * rate);
+        std::int32_t drawn = TruncToInt32(shield.GetStrength() * rate);
         if (drawn > energy)
-            drawn = static_cast<std::int32_t>(energy);
-        const std::int32_t stopped = std::min(static_cast<std::int32_t>(drawn / rate), damage);
+            drawn = TruncToInt32(energy);
+        // A shield that converts at rate 0 draws nothing and so stops nothing.
+        const std::int32_t paidFor = rate != 0.0f ? TruncToInt32(drawn / rate) : 0;
+        const std::int32_t stopped = std::min(paidFor, damage);
         energy -= rate * static_cast<float>(stopped);
         damage -= stopped;
     }

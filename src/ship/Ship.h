@@ -84,6 +84,7 @@ private:
     void SetHull(std::int32_t points);
     void AddLaser(CLaser& laser);
     bool CanFireAgain() const { return fireTimer < 1.0f; }
+    void Recharge(double t);
     void FireByKeys();
     void EnemyAct();
     bool ReachesIntoScreen() const;

@@ -4,15 +4,16 @@
 
 #include "app/GameControl.h"
 #include "core/Random.h"
+#include "core/Trace.h"
 #include "display/Screen.h"
 #include "ship/Ship.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 constexpr double FirstLevelMs = 500.0;
-constexpr std::int32_t HighestStartLevel = 1000;
 constexpr double LevelMs = 120000.0;
 constexpr double FirstRealLevelMs = 60000.0;
 constexpr double AsteroidIntervalMs = 1100.0;
@@ -42,7 +43,20 @@ std::int32_t AlongEdge(std::int32_t length)
     const auto second = static_cast<std::int32_t>(SharedRandom().Draw(length));
     return first / 2 + second / 2;
 }
+using LevelLimits = std::numeric_limits<std::int16_t>;
 } // namespace
+
+// A start level read from a hand-edited settings file may be any number, and
+// the game opens with the short level before it. Only a level the 16-bit
+// counter cannot hold is brought to its nearest end.
+std::int16_t CWorld::LevelBefore(std::int32_t startLevel)
+{
+    const std::int64_t before = std::int64_t{startLevel} - 1;
+    const std::int64_t held = std::clamp<std::int64_t>(before, LevelLimits::min(), LevelLimits::max());
+    if (held != before)
+        CTrace::TraceValue(startLevel, "Start level beyond the level counter", 0);
+    return static_cast<std::int16_t>(held);
+}
 
 void CWorld::NewGame(std::int32_t startLevel)
 {
@@ -57,9 +71,7 @@ void CWorld::NewGame(std::int32_t startLevel)
     score = 0;
     enemiesLeft = 0;
     powerupsTaken = 0;
-    // A start level read from a hand-edited settings file may be any number;
-    // the game is only made for levels from the first to the thousandth.
-    level = static_cast<std::int16_t>(std::clamp(startLevel, 1, HighestStartLevel) - 1);
+    level = LevelBefore(startLevel);
     timeLeft = FirstLevelMs;
 }
 
@@ -83,7 +95,10 @@ void CWorld::AdvanceClock(SpawnClock& clock, double elapsedMs, SpawnOperation sp
 
 void CWorld::BeginNextLevel()
 {
-    ++level;
+    if (level < LevelLimits::max())
+        ++level;
+    else
+        CTrace::Trace("Level counter at its highest", 0);
     timeLeft = LevelMs;
     Game::SetGameState(StateDesign);
     RegenerateStock();

@@ -47,6 +47,7 @@ public:
     void AddScore(std::int32_t points) { score += points; }
     std::int32_t GetScore() const { return score; }
     std::int16_t GetLevel() const { return level; }
+    static std::int16_t LevelBefore(std::int32_t startLevel);
     std::int32_t GetTimeLeft() const;
     void AddPowerup() { ++powerupsTaken; }
     std::int32_t GetPowerupsTaken() const { return powerupsTaken; }
