@@ -3,6 +3,7 @@
 #include "world/World.h"
 
 #include "core/Random.h"
+#include "core/Truncate.h"
 #include "ship/Armour.h"
 #include "ship/EnergySystem.h"
 #include "ship/Engine.h"
@@ -26,24 +27,19 @@ constexpr std::int32_t LightMineSpace = 4000;
 constexpr std::int32_t HeavyMineSpace = 6000;
 constexpr std::int32_t TurretSpaceToFill = 8000;
 
-std::int32_t Trunc(double v)
-{
-    return static_cast<std::int32_t>(v);
-}
-
 // The offer is made a little above the level, each piece with its own draw.
 std::int32_t OfferTechLevel(std::int32_t level)
 {
-    return OfferLevelStep * (level + OfferLevelBase) + Trunc(SharedRandom().Draw(101));
+    return OfferLevelStep * (level + OfferLevelBase) + TruncToInt32(SharedRandom().Draw(101));
 }
 
 // The bonus sits above the offer, most often near the low end of its range.
 std::int32_t BonusTechLevel(std::int32_t level)
 {
-    const std::int32_t k1 = Trunc(SharedRandom().Draw(401));
-    const std::int32_t k2 = Trunc(SharedRandom().Draw(401));
-    const std::int32_t k3 = Trunc(SharedRandom().Draw(401));
-    return OfferLevelStep * (level + BonusLevelBase) + Trunc(2.0 / 3.0 * std::abs(k1 + k2 + k3 - 601));
+    const std::int32_t k1 = TruncToInt32(SharedRandom().Draw(401));
+    const std::int32_t k2 = TruncToInt32(SharedRandom().Draw(401));
+    const std::int32_t k3 = TruncToInt32(SharedRandom().Draw(401));
+    return OfferLevelStep * (level + BonusLevelBase) + TruncToInt32(2.0 / 3.0 * std::abs(k1 + k2 + k3 - 601));
 }
 
 template <class Kind, class... Args>
@@ -119,7 +115,7 @@ void CWorld::AddBonusComponent()
 {
     const std::int32_t techLevel = BonusTechLevel(level);
     CComponent* bonus = nullptr;
-    switch (Trunc(SharedRandom().Draw(7))) {
+    switch (TruncToInt32(SharedRandom().Draw(7))) {
     case 0: bonus = Generated<CEngine>(techLevel, 1.0f); break;
     case 1: bonus = Generated<CJet>(techLevel, 1.0f); break;
     case 2: bonus = Generated<CSubspaceSail>(techLevel, 1.0f); break;

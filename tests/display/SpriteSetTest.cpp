@@ -1,4 +1,5 @@
 #include "support/DisplayApp.h"
+#include "support/TestApp.h"
 
 #include "display/SpriteInstance.h"
 #include "display/SpriteSet.h"
@@ -90,6 +91,19 @@ TEST_F(SpriteSetTest, AMissingFrameHasNoSurfaceAndTakesNoRoom)
     CSpriteInstance instance; // names are matched exactly
     EXPECT_FALSE(Sprites().Find("Ship", instance));
     EXPECT_EQ(instance.GetSpriteIndex(), CSpriteInstance::Unbound);
+}
+
+// 4 × 4 frames: 49,152 to a 1.5 MiB page, 2.6 MiB with their table: 97 pages fit the 256 MiB a line may take.
+TEST_F(SpriteSetTest, ALineIsRefusedOnlyWhenItsPagesWouldPassTheMemoryBudget)
+{
+    qvtest::TraceRecorder trace;
+    EXPECT_TRUE(CSpriteSet::FitsMemoryBudget(Line("many", 4, 4, 5000, 1, 1)));
+    EXPECT_TRUE(CSpriteSet::FitsMemoryBudget(Line("placeholders", 2000, 4, 1000)));
+    EXPECT_TRUE(CSpriteSet::FitsMemoryBudget(Line("pages", 4, 4, 49152, 97, 1)));
+    EXPECT_TRUE(trace.lines.empty());
+    EXPECT_FALSE(CSpriteSet::FitsMemoryBudget(Line("more", 4, 4, 49152, 98, 1)));
+    EXPECT_EQ(trace.Texts(),
+              std::vector<std::string>{"Sprite line refused, its frames would take more memory than the pages may: more"});
 }
 
 TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWhereTheyWere)

@@ -3,6 +3,7 @@
 #include "support/Parts.h"
 #include "support/TextLog.h"
 
+#include "platform/Keys.h"
 #include "ship/Ship.h"
 
 #include <gtest/gtest.h>
@@ -93,7 +94,7 @@ TEST_F(ShipDesignerTest, ALetterOrDigitKeysTheHighlightedShipLaserWhicheverListH
     EXPECT_EQ(key(1), 'F');
     Press({VK_RIGHT, VK_DOWN, VK_LEFT, 'G'});
     EXPECT_EQ(key(1), 'G');
-    Press({VK_RIGHT, VK_DOWN, '7'});
+    Press({VK_RIGHT, VK_DOWN, Platform::VirtualKeyFor(SDLK_KP_7)}); // the number pad's digits are digits
     EXPECT_EQ(key(2), '7');
 
     t->world.Clear(); // without a ship Enter and the fire keys do nothing

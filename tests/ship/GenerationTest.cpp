@@ -1,3 +1,4 @@
+#include "core/Truncate.h"
 #include "ship/Armour.h"
 #include "ship/EnergySystem.h"
 #include "ship/Engine.h"
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <vector>
 
@@ -108,6 +110,36 @@ TEST(GenerationValues, ManyDrawsAtTheBaseLevelStayInTheirRanges)
                 ASSERT_TRUE(stats[k] >= range.low[k] && stats[k] <= range.high[k])
                     << "value " << k << " of kind " << &range - &ranges[0] + 1 << " is " << stats[k];
         }
+}
+
+TEST(GenerationValues, TruncationHoldsEveryValueAWholeNumberCan)
+{
+    qvtest::TraceRecorder trace;
+    EXPECT_EQ(TruncToInt32(-1.9), -1);
+    EXPECT_EQ(TruncToInt32(2147483647.9), 2147483647);
+    EXPECT_EQ(TruncToInt32(-2147483648.9), -2147483647 - 1);
+    EXPECT_TRUE(trace.lines.empty());
+    EXPECT_EQ(TruncToInt32(2147483648.0), 2147483647);
+    EXPECT_EQ(TruncToInt32(-2147483649.0), -2147483647 - 1);
+    EXPECT_EQ(TruncToInt32(std::nan("")), 0);
+    EXPECT_EQ(trace.lines.size(), 3u);
+}
+
+// Odd start levels reach technology levels of 0 and below, where the rules'
+// formulas divide by zero or take roots of negative numbers.
+TEST(GenerationValues, TechnologyLevelsOfZeroAndBelowAreTraced)
+{
+    TestApp app;
+    ScriptedDraws script({}, 0.5);
+    {
+        qvtest::TraceRecorder trace;
+        const Stats atZero = Of(Generated<CShield>(0));
+        EXPECT_EQ(atZero, Of(Generated<CShield>(1))); // made as at the nearest level that divides
+        EXPECT_EQ(trace.Texts().front(), "Technology level 0 in a division");
+    }
+    qvtest::TraceRecorder trace;
+    EXPECT_EQ(Generated<CEnergySystem>(-1000).GetRecharge(), 0); // not a number, made whole
+    EXPECT_EQ(trace.Texts().back(), "A value beyond 32 bits was made whole");
 }
 
 TEST(LaserGeneration, PatternDrawsAndCaps)

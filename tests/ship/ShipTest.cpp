@@ -141,6 +141,26 @@ TEST_F(Ships, EnergyRechargesTowardItsStorage)
     EXPECT_EQ(player->GetEnergy(), 150);
 }
 
+// The energy systems of the highest technology levels need 0 ms or less a unit.
+TEST_F(Ships, EnergyAndShieldsStayNumbersAtEveryRecharge)
+{
+    for (const std::int32_t recharge : {1, 0, -5}) {
+        CEnergySystem plant = Plant(150, recharge);
+        player->AddComponent(&plant);
+        player->energy = 100.0f;
+        player->Update(0);
+        EXPECT_FLOAT_EQ(player->GetExactEnergy(), 100.0f) << recharge; // no time, no energy
+        player->Update(16);
+        EXPECT_FLOAT_EQ(player->GetExactEnergy(), recharge > 0 ? 116.0f : 150.0f) << recharge;
+    }
+    CShield numb = Shield(24, 0.0f); // converts nothing, so stops nothing
+    player->AddComponent(&numb);
+    player->hull = 100.0f;
+    player->OnHit(30, nullptr);
+    EXPECT_EQ(player->GetHull(), 70);
+    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 150.0f);
+}
+
 TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
 {
     CLaser laser = Laser(Shots(5, 400, CLaser::Parallel));
