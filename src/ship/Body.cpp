@@ -2,6 +2,7 @@
 
 #include "audio/SoundCues.h"
 #include "core/Random.h"
+#include "core/Truncate.h"
 #include "display/Screen.h"
 #include "world/Angles.h"
 #include "world/Powerup.h"
@@ -213,7 +214,7 @@ void CBody::SplitAsteroid()
 
 void CBody::ScatterDebris()
 {
-    const auto pieces = static_cast<std::int32_t>(mass * DebrisPerMass);
+    const std::int32_t pieces = TruncToInt32(mass * DebrisPerMass);
     if (pieces <= 0)
         return;
     const double step = Angles::TwoPi / pieces;

@@ -1,6 +1,8 @@
 // Fitting components to bodies and ships, and the statistics that follow
 // from what is fitted.
 #include "ship/Body.h"
+
+#include "core/Truncate.h"
 #include "ship/Ship.h"
 
 #include <algorithm>
@@ -26,7 +28,7 @@ std::int32_t TopSpeed(std::int32_t sailSpeed)
     if (sailSpeed == 0)
         return BaseTopSpeed;
     const double s = sailSpeed / SailSpeedScale;
-    return BaseTopSpeed + std::abs(static_cast<std::int32_t>(TopSpeedRange * (1.0 - std::pow(s, 0.7) / s)));
+    return TruncToInt32(BaseTopSpeed + std::abs(TopSpeedRange * (1.0 - std::pow(s, 0.7) / s)));
 }
 
 // Turning ability from the jets' summed turn thrust; a ship without jets cannot turn.
@@ -174,7 +176,7 @@ void CBody::RecomputeStats()
         mass += n * armour[i].GetWeight() * WeightToMass * (1.0 + ArmourStackPenalty * (n + static_cast<double>(i) - 1));
         hullPoints += n * armour[i].GetArmourValue();
     }
-    hullMax = static_cast<std::int32_t>(hullPoints);
+    hullMax = TruncToInt32(hullPoints);
 
     std::int32_t turnThrust = 0;
     for (const CJet& e : jets) {
@@ -266,6 +268,6 @@ void CShip::RecomputeStats()
 
 std::int32_t CShip::GetDisplayTurnSpeed() const
 {
-    return static_cast<std::int32_t>(turnRate * 10000 / mass);
+    return TruncToInt32(turnRate * 10000 / mass);
 }
 
