@@ -17,6 +17,7 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <vector>
 #include <sstream>
 
 namespace {
@@ -260,6 +261,57 @@ TEST_F(GamepadsTest, MappingsFromTheEnvironmentAreHonoured)
     pad.SetHat(0, SDL_HAT_LEFTUP);
     pad.SetAxis(0, 32767);
     EXPECT_EQ(PumpSorted(), "+Down +Left +South +Start +Up");
+}
+
+// The real message loop: the pads start once the application has started,
+// and what they press reaches the window procedure as key messages.
+TEST(GamepadsInTheLoop, RunStartsThePadsAndTheirKeysReachTheWindowProcedure)
+{
+    struct RecordingWnd : CPlatformWnd {
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
+        {
+            if (message == WM_KEYDOWN || message == WM_KEYUP)
+                keys.push_back((message == WM_KEYDOWN ? "+" : "-") + std::to_string(wParam));
+            return DefWindowProc(message, wParam, lParam);
+        }
+        std::vector<std::string> keys;
+    };
+    struct LoopApp : CPlatformApp {
+        bool InitInstance() override
+        {
+            startedEarly = GetGamepads() != nullptr;
+            Platform::RegisterClass("GamepadLoopTest", 0);
+            window.CreateEx(0, "GamepadLoopTest", "Gamepads", 0, 0, 0, 64, 64);
+            SetMainWnd(&window);
+            return true;
+        }
+        bool OnIdle(long) override
+        {
+            switch (idles++) {
+            case 0: pad = std::make_unique<VirtualPad>(); break;
+            case 1: pad->Set(SDL_CONTROLLER_BUTTON_A, true); break;
+            case 2: pad->Unplug(); break;
+            default: Platform::PostQuitMessage(0); break;
+            }
+            return true;
+        }
+        PadKeys BindPadControl(PadControl control) override
+        {
+            return control == PadControl::South ? PadKeys{{}, VK_RETURN} : PadKeys{};
+        }
+        RecordingWnd window;
+        std::unique_ptr<VirtualPad> pad;
+        bool startedEarly = true;
+        int idles = 0;
+    };
+    SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+    CMessageQueue::Instance().Clear();
+    LoopApp app;
+    EXPECT_EQ(app.Run(), 0);
+    EXPECT_FALSE(app.startedEarly);
+    ASSERT_NE(app.GetGamepads(), nullptr);
+    EXPECT_EQ(app.window.keys, (std::vector<std::string>{"+13", "-13"}));
+    app.window.DestroyWindow();
 }
 
 // SDL's own mapping for a controller plugged in by USB, or "" when it has none.
