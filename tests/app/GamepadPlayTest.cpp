@@ -139,18 +139,6 @@ TEST_F(GamepadPlayTest, InMenusAndOnTheDesignScreenThePadChoosesTakesAndGoesBack
     Click(SDL_CONTROLLER_BUTTON_B);
     EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
 
-    Set(SDL_CONTROLLER_BUTTON_DPAD_DOWN, true); // held, it repeats as a key does
-    EXPECT_EQ(selected(), 2);
-    t.clock.Advance(CGamepads::RepeatDelayMs);
-    Pump();
-    EXPECT_EQ(selected(), 3);
-    t.clock.Advance(CGamepads::RepeatIntervalMs);
-    Pump();
-    EXPECT_EQ(selected(), 4);
-    Set(SDL_CONTROLLER_BUTTON_DPAD_DOWN, false);
-    t.clock.Advance(CGamepads::RepeatIntervalMs);
-    Pump();
-    EXPECT_EQ(selected(), 4);
 
     t->NewGame();
     t->world.AddToStock(Engine(100));

@@ -45,9 +45,7 @@ TEST(PadBindings, EachControlStandsForItsKeyWhereTheKeysGo)
     };
     const Case cases[] = {
         {flight, PadControl::Up, "hold Up"},
-        {flight, PadControl::Down, "hold Down"},
         {flight, PadControl::Left, "hold Left"},
-        {flight, PadControl::Right, "hold Right"},
         {flight, PadControl::Start, "hold Esc"},
         {flight, PadControl::RightShoulder, "hold F"}, // the fitted lasers, in the order they were fitted
         {flight, PadControl::LeftShoulder, "hold Q"},
@@ -56,7 +54,6 @@ TEST(PadBindings, EachControlStandsForItsKeyWhereTheKeysGo)
         {flight, PadControl::West, ""},
         {flight, PadControl::South, ""},
         {flight, PadControl::East, ""}, // never a pause by a slip of the thumb
-        {flight, PadControl::North, ""},
         {flight, PadControl::Back, ""},
         {menus, PadControl::Up, "hold Up"},
         {menus, PadControl::Right, "hold Right"},
@@ -64,9 +61,7 @@ TEST(PadBindings, EachControlStandsForItsKeyWhereTheKeysGo)
         {menus, PadControl::East, "hold Esc"},
         {menus, PadControl::Start, "hold Esc"},
         {menus, PadControl::RightShoulder, ""}, // lasers fire in flight only
-        {menus, PadControl::North, ""},
         {designer, PadControl::Down, "hold Down"},
-        {designer, PadControl::Left, "hold Left"},
         {designer, PadControl::South, "hold Enter"},
         {designer, PadControl::East, "hold Esc"},
         {designer, PadControl::Start, "hold Esc"},

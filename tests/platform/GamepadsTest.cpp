@@ -91,43 +91,6 @@ protected:
     std::unique_ptr<CGamepads> pads;
 };
 
-TEST_F(GamepadsTest, ButtonsAndTheDpadPressTheirKeysAndLetThemGo)
-{
-    Start();
-    VirtualPad pad;
-    EXPECT_EQ(Pump(), "");
-    ASSERT_EQ(pads->Count(), 1u);
-    const std::pair<SDL_GameControllerButton, const char*> buttons[] = {
-        {SDL_CONTROLLER_BUTTON_A, "South"},
-        {SDL_CONTROLLER_BUTTON_B, "East"},
-        {SDL_CONTROLLER_BUTTON_X, "West"},
-        {SDL_CONTROLLER_BUTTON_Y, "North"},
-        {SDL_CONTROLLER_BUTTON_START, "Start"},
-        {SDL_CONTROLLER_BUTTON_BACK, "Back"},
-        {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, "LeftShoulder"},
-        {SDL_CONTROLLER_BUTTON_RIGHTSHOULDER, "RightShoulder"},
-        {SDL_CONTROLLER_BUTTON_DPAD_UP, "Up"},
-        {SDL_CONTROLLER_BUTTON_DPAD_DOWN, "Down"},
-        {SDL_CONTROLLER_BUTTON_DPAD_LEFT, "Left"},
-        {SDL_CONTROLLER_BUTTON_DPAD_RIGHT, "Right"},
-    };
-    for (const auto& [button, name] : buttons) {
-        pad.Set(button, true);
-        EXPECT_EQ(Pump(), std::string("+") + name);
-        pad.Set(button, false);
-        EXPECT_EQ(Pump(), std::string("-") + name);
-    }
-    pad.Set(SDL_CONTROLLER_BUTTON_GUIDE, true);
-    pad.Set(SDL_CONTROLLER_BUTTON_LEFTSTICK, true);
-    pad.Set(SDL_CONTROLLER_AXIS_RIGHTX, 32767);
-    EXPECT_EQ(Pump(), ""); // nothing in the game
-    pad.Set(SDL_CONTROLLER_AXIS_TRIGGERRIGHT, 32767);
-    pad.Set(SDL_CONTROLLER_AXIS_TRIGGERLEFT, 32767);
-    EXPECT_EQ(PumpSorted(), "+LeftTrigger +RightTrigger");
-    pad.Set(SDL_CONTROLLER_AXIS_TRIGGERRIGHT, 0);
-    EXPECT_EQ(Pump(), "-RightTrigger");
-}
-
 // The stick turns a direction on from half way out and off only once back
 // under 30 %, so a stick resting near either threshold does not chatter.
 TEST_F(GamepadsTest, StickDirectionsHaveADeadZoneWithHysteresis)
@@ -153,6 +116,9 @@ TEST_F(GamepadsTest, StickDirectionsHaveADeadZoneWithHysteresis)
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTY, 20000), "-Up +Down");
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, -20000), "+Left"); // a diagonal holds both
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTY, -CAxisSwitch::OffBelow + 1), "-Down");
+    pad.Set(SDL_CONTROLLER_BUTTON_GUIDE, true);
+    pad.Set(SDL_CONTROLLER_BUTTON_LEFTSTICK, true);
+    EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_RIGHTX, 32767), ""); // nothing in this game
 }
 
 // A key stays down while any control of any pad holds it; a pad unplugged
