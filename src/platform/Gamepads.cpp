@@ -6,6 +6,7 @@
 #include <SDL.h>
 
 #include <cstdlib>
+#include <utility>
 
 int CAxisSwitch::Read(int value)
 {
