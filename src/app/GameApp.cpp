@@ -253,3 +253,23 @@ void CGameApp::OnKey(UINT key, bool pressed)
     case KeyRoute::Dropped: break;
     }
 }
+
+PadKeys CGameApp::BindPadControl(PadControl control)
+{
+    using Context = CPadBindings::Context;
+    CPadBindings::Facts facts;
+    const CShip* player = world.GetPlayer();
+    switch (RouteKey(gameState, 0, true, player != nullptr)) { // where any key but Escape goes now
+    case KeyRoute::Menus: facts.context = menus.IsEnteringName() ? Context::NameEntry : Context::Menus; break;
+    case KeyRoute::Designer: facts.context = Context::Designer; break;
+    default: facts.context = Context::Flight; break;
+    }
+    if (facts.context == Context::NameEntry) {
+        const CHighScoreTable& scores = menus.GetHighScores();
+        facts.name = scores.GetName(scores.GetEditIndex());
+    }
+    if (player)
+        for (const CLaser& laser : player->GetLasers())
+            facts.fireKeys.push_back(laser.GetFireKey());
+    return padBindings.Bind(control, facts);
+}

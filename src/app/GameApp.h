@@ -1,5 +1,6 @@
 #pragma once
 #include "app/GameControl.h"
+#include "app/PadBindings.h"
 #include "core/Random.h"
 #include "core/Trace.h"
 #include "display/Display.h"
@@ -62,6 +63,8 @@ public:
     void OnActivate(bool isActive);
     void OnKey(UINT key, bool pressed);
     static KeyRoute RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer);
+    // A gamepad control pressed: the keys it stands for where the keys go now.
+    PadKeys BindPadControl(PadControl control) override;
     HWND GetMainWindowHandle() const;
 
     // Frame composition.
@@ -128,6 +131,7 @@ public:
     std::int16_t lastSoundPriority = 0;
     std::uint32_t musicDevice = NoMusicDevice;
     CRandom random;
+    CPadBindings padBindings;
 
 private:
     void CreateFonts();

@@ -47,7 +47,7 @@ CMenuSystem::~CMenuSystem()
 void CMenuSystem::OnKey(UINT key, bool pressed)
 {
     const auto code = static_cast<std::uint8_t>(key & 0xFF);
-    if (screen == ScreenHighScores && highScores.IsEditing()) {
+    if (IsEnteringName()) {
         highScores.EnterNameKey(code, pressed);
         return;
     }

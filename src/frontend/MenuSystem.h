@@ -61,6 +61,8 @@ public:
     void SetOptionOn(OptionId id, bool on);
 
     std::int32_t GetScreen() const { return screen; }
+    // A new high score's name is being typed: every key goes to it.
+    bool IsEnteringName() const { return screen == ScreenHighScores && highScores.IsEditing(); }
     std::int16_t GetOptionsCursor() const { return optionsCursor; }
     const CMenuPage& GetCurrentPage() const { return pages[static_cast<std::size_t>(currentPage)]; }
     const std::vector<CMenuOption>& GetOptions() const { return options; }

@@ -75,6 +75,8 @@ int CPlatformApp::Run()
             mainWindow->DestroyWindow();
         return ExitInstance();
     }
+    // Only now, so that looking for pads never delays the title screen.
+    StartGamepads();
     long idleCount = 0;
     for (;;) {
         if (!PumpMessages())
@@ -98,7 +100,23 @@ bool CPlatformApp::PumpMessages()
         else
             Platform::PostQuitMessage(0);
     }
-    TranslateSdlEvents();
+    if (!DispatchPosted())
+        return false;
+    // What one event posts is handled before the next is translated, so a
+    // gamepad button is read against the game as the keys before it left it.
+    SDL_Event event;
+    while (SDL_PollEvent(&event)) {
+        TranslateSdlEvent(event);
+        if (!DispatchPosted())
+            return false;
+    }
+    if (gamepads)
+        gamepads->Repeat(InputWindow());
+    return DispatchPosted();
+}
+
+bool CPlatformApp::DispatchPosted()
+{
     auto& queue = CMessageQueue::Instance();
     while (auto msg = queue.Take()) {
         if (msg->message == WM_QUIT) {
@@ -111,11 +129,17 @@ bool CPlatformApp::PumpMessages()
     return true;
 }
 
-void CPlatformApp::TranslateSdlEvents()
+bool CPlatformApp::StartGamepads()
 {
-    SDL_Event event;
-    while (SDL_PollEvent(&event))
-        TranslateSdlEvent(event);
+    if (!gamepads)
+        gamepads = std::make_unique<CGamepads>([this](PadControl control) { return BindPadControl(control); });
+    return gamepads->Start();
+}
+
+// Where input without a window of its own goes: the main window.
+CPlatformWnd* CPlatformApp::InputWindow() const
+{
+    return mainWindow ? mainWindow : CPlatformWnd::AnyWindow();
 }
 
 void CPlatformApp::Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lParam)
@@ -130,7 +154,7 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
     auto& queue = CMessageQueue::Instance();
     switch (event.type) {
     case SDL_QUIT:
-        if (CPlatformWnd* w = mainWindow ? mainWindow : CPlatformWnd::AnyWindow())
+        if (CPlatformWnd* w = InputWindow())
             queue.Post({w, WM_CLOSE, 0, 0});
         break;
     case SDL_KEYDOWN:
@@ -175,6 +199,8 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
         Platform::NotifySurfacesLost();
         break;
     default:
+        if (gamepads)
+            gamepads->HandleEvent(event, InputWindow());
         break;
     }
 }

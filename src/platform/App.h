@@ -1,5 +1,8 @@
 #pragma once
+#include "platform/Gamepads.h"
 #include "platform/Types.h"
+
+#include <memory>
 
 union SDL_Event;
 
@@ -23,20 +26,30 @@ public:
 
     CPlatformWnd* GetMainWnd() const { return mainWindow; }
 
+    // Starts listening to gamepads, which then press keys in the main window.
+    // Run does it once the application has started. False when SDL cannot.
+    bool StartGamepads();
+    CGamepads* GetGamepads() const { return gamepads.get(); }
+
 protected:
     virtual bool InitInstance() { return true; }
     // Called while no message waits; true asks to be called again at once.
     virtual bool OnIdle(long count);
     virtual int ExitInstance() { return exitCode; }
+    // What a gamepad control means now, in keys; by default nothing.
+    virtual PadKeys BindPadControl(PadControl /*control*/) { return {}; }
 
     void SetMainWnd(CPlatformWnd* window) { mainWindow = window; }
 
 private:
-    void TranslateSdlEvents();
     void TranslateSdlEvent(const SDL_Event& event);
+    // Hands every posted message to its window; false once the quit message is taken.
+    bool DispatchPosted();
     void Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lParam);
+    CPlatformWnd* InputWindow() const;
 
     CPlatformWnd* mainWindow = nullptr;
+    std::unique_ptr<CGamepads> gamepads;
     int exitCode = 0;
     bool quitTaken = false;
 };
