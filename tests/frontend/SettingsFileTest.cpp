@@ -125,7 +125,7 @@ TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
     {
         CMenuSystem menus;
         menus.SetOptionOn(OptionMusic, false);
-        EXPECT_EQ(Platform::ReplaceFile(CMenuSystem::SettingsFile, menus.SettingsText()), ERROR_DISK_FULL);
+        EXPECT_EQ(Platform::SaveFile(CMenuSystem::SettingsFile, menus.SettingsText()), ERROR_DISK_FULL);
     }
     Platform::SetFileWriteHandler(nullptr);
     EXPECT_EQ(ReadSettings(), old);
