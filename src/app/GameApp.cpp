@@ -3,6 +3,7 @@
 #include "app/GameWnd.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
+#include "platform/Console.h"
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
 
@@ -67,6 +68,7 @@ bool CGameApp::InitInstance()
     if (!mainWnd->CreateEx(WS_EX_TOPMOST, WindowClassName, WindowTitle, WS_POPUP, 0, 0, desktopWidth,
                            desktopHeight)) {
         Trace("Error, Unable to create window!", 0);
+        Platform::PrintError("cannot open the game's window: " + Platform::WhyNoWindow());
         return false;
     }
     mainWnd->SetWindowedSize(screenWidth, screenHeight);
@@ -146,12 +148,30 @@ std::string CGameApp::DisplayErrorText(Result code)
     }
 }
 
+std::string CGameApp::DisplayFailureLine(Result code)
+{
+    std::string line = "cannot start the display: " + DisplayErrorText(code);
+    line.pop_back(); // the box's text ends in a line feed; this line ends with its advice
+    switch (code) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_DATA:
+    case ERROR_READ_FAULT:
+        return line + ": " + CDisplay::BlankFile + " is missing or unreadable; start the game with its launcher, "
+                      "or from the folder that holds its data, or reinstall it";
+    default:
+        return line + ": the graphics system refused (" + Platform::LastSdlError() +
+               "); check the graphics driver and the display";
+    }
+}
+
 void CGameApp::ReportDisplayError(Result code)
 {
     if (code == 0)
         return;
     const std::string text = DisplayErrorText(code);
     TraceCode(code, text, 0);
+    Platform::PrintError(DisplayFailureLine(code));
     Platform::MessageBox(GetMainWindowHandle(), text, "ERROR", MB_OK);
     Shutdown();
     if (mainWnd)

@@ -50,6 +50,8 @@ public:
     void Shutdown();
     void ReportDisplayError(Result code);
     static std::string DisplayErrorText(Result code);
+    // The line on stderr for a failed display start: what failed, what to do.
+    static std::string DisplayFailureLine(Result code);
 
     // Frame loop and game states.
     bool OnIdle(long count) override;

@@ -8,7 +8,6 @@
 namespace {
 
 constexpr const char* PaletteFile = "art/palette.bmp";
-constexpr const char* BlankFile = "art/blank.bmp";
 constexpr const char* TitleFile = "art/title_screen.bmp";
 constexpr const char* SurfaceQueryError = "Error getting DirectDraw2 Surface!";
 

@@ -6,6 +6,9 @@
 // makes the screen-sized pages the sprite catalogue keeps its frames in.
 class CDisplay {
 public:
+    // The picture every surface is cleared from; the display cannot start without it.
+    static constexpr const char* BlankFile = "art/blank.bmp";
+
     CDisplay() = default;
     CDisplay(const CDisplay&) = delete;
     CDisplay& operator=(const CDisplay&) = delete;

@@ -53,6 +53,8 @@ public:
     // The file's text for the current options and scores, and the reading of one.
     std::string SettingsText();
     void ApplySettingsText(const std::string& text);
+    // The settings file's full name, for telling the player where it is.
+    static std::string SettingsPath();
 
     // The option with this identity, or null.
     CMenuOption* FindOption(OptionId id);

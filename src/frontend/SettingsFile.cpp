@@ -10,11 +10,13 @@
 // a line counts for an option or the table when it merely contains the name.
 #include "frontend/MenuSystem.h"
 
+#include "platform/Console.h"
 #include "platform/FileStore.h"
 
 #include <algorithm>
 #include <cctype>
 #include <climits>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -80,14 +82,27 @@ std::string_view TrimBlanks(std::string_view text)
 void CMenuSystem::LoadSettings()
 {
     std::string text;
-    if (Platform::ReadFileCreating(SettingsFile, text) == S_OK)
+    const Result read = Platform::ReadFileCreating(SettingsFile, text);
+    if (read == S_OK)
         ApplySettingsText(text);
+    else
+        Platform::PrintError("cannot read " + SettingsPath() + ": " + Platform::FileProblemText(read) +
+                             "; playing with the default options");
 }
 
 void CMenuSystem::SaveSettings()
 {
-    // A folder that cannot be written keeps the old file and says nothing.
-    Platform::ReplaceFile(SettingsFile, SettingsText());
+    // The game goes on either way; the player hears that this run's changes are lost.
+    const Result saved = Platform::SaveFile(SettingsFile, SettingsText());
+    if (saved != S_OK)
+        Platform::PrintError("options and high scores not saved to " + SettingsPath() + ": " +
+                             Platform::FileProblemText(saved));
+}
+
+std::string CMenuSystem::SettingsPath()
+{
+    std::error_code ignored;
+    return std::filesystem::absolute(SettingsFile, ignored).string();
 }
 
 std::string CMenuSystem::SettingsText()

@@ -8,8 +8,11 @@
 
 #include <SDL.h>
 
+#include <algorithm>
+#include <cctype>
 #include <csignal>
 #include <cstdlib>
+#include <sstream>
 
 namespace {
 
@@ -22,6 +25,39 @@ extern "C" void OnCloseSignal(int)
 
 // How long the loop sleeps at most while idle, so a signal is noticed soon.
 constexpr int IdleWaitMs = 100;
+
+std::string& noVideoReason()
+{
+    static std::string reason;
+    return reason;
+}
+
+std::string Lowered(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+bool HasEnvironment(const char* name)
+{
+    const char* value = std::getenv(name);
+    return value && *value;
+}
+
+// Video up, and on a driver that shows something or was asked for; otherwise
+// the reason why not.
+std::string StartVideo()
+{
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
+        return std::string("SDL found no display (") + SDL_GetError() + ")";
+    const std::string driver = SDL_GetCurrentVideoDriver() ? SDL_GetCurrentVideoDriver() : "";
+    const char* asked = SDL_GetHint(SDL_HINT_VIDEODRIVER);
+    if (Platform::ShowsNothing(driver) && !Platform::NamedInDriverList(driver, asked ? asked : "")) {
+        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+        return "SDL found no display, only its '" + driver + "' video, which shows nothing";
+    }
+    return "";
+}
 
 } // namespace
 
@@ -41,7 +77,38 @@ void StartSdl()
     if (SDL_WasInit(SDL_INIT_EVENTS) == 0)
         SDL_InitSubSystem(SDL_INIT_EVENTS | SDL_INIT_TIMER);
     if (SDL_WasInit(SDL_INIT_VIDEO) == 0)
-        SDL_InitSubSystem(SDL_INIT_VIDEO);
+        noVideoReason() = StartVideo();
+}
+
+std::string LastSdlError()
+{
+    const char* error = SDL_GetError();
+    return error && *error ? error : "no reason given";
+}
+
+std::string WhyNoWindow()
+{
+    std::string reason = noVideoReason();
+    if (reason.empty())
+        reason = LastSdlError();
+    if (!HasEnvironment("DISPLAY") && !HasEnvironment("WAYLAND_DISPLAY"))
+        return reason + "; neither DISPLAY nor WAYLAND_DISPLAY is set: start the game from a desktop session";
+    return reason + "; check that DISPLAY or WAYLAND_DISPLAY names a display you may use";
+}
+
+bool ShowsNothing(const std::string& driver)
+{
+    const std::string name = Lowered(driver);
+    return name == "offscreen" || name == "dummy";
+}
+
+bool NamedInDriverList(const std::string& driver, const std::string& list)
+{
+    std::istringstream names(Lowered(list));
+    for (std::string name; std::getline(names, name, ',');)
+        if (name == Lowered(driver))
+            return true;
+    return false;
 }
 
 } // namespace Platform
@@ -73,7 +140,8 @@ int CPlatformApp::Run()
     if (!InitInstance()) {
         if (mainWindow)
             mainWindow->DestroyWindow();
-        return ExitInstance();
+        ExitInstance();
+        return StartFailedStatus;
     }
     // Only now, so that looking for pads never delays the title screen.
     StartGamepads();

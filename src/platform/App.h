@@ -3,6 +3,7 @@
 #include "platform/Types.h"
 
 #include <memory>
+#include <string>
 
 union SDL_Event;
 
@@ -16,8 +17,11 @@ public:
     CPlatformApp& operator=(const CPlatformApp&) = delete;
     virtual ~CPlatformApp();
 
+    // The exit status of a program whose InitInstance failed.
+    static constexpr int StartFailedStatus = 1;
+
     // Starts SDL, runs InitInstance and, if it succeeds, the message loop.
-    // Returns the quit message's exit code.
+    // Returns the quit message's exit code, or StartFailedStatus.
     int Run();
 
     // Handles every message that waits now, without idling or blocking.
@@ -59,6 +63,16 @@ namespace Platform {
 // interrupted or logged-out game still shuts down normally and saves.
 void InstallCloseSignals();
 // Starts the SDL subsystems the program uses. Without a display the video
-// part fails quietly: windows then cannot be created. Safe to call again.
+// part fails quietly: windows then cannot be created. SDL's stand-in video
+// drivers, which show nothing, count as no display unless SDL_VIDEODRIVER
+// names them. Safe to call again.
 void StartSdl();
+// What SDL last said went wrong.
+std::string LastSdlError();
+// Why windows cannot be created, and what the player can do about it.
+std::string WhyNoWindow();
+// Whether a video driver is one of SDL's stand-ins that show nothing, and
+// whether the SDL_VIDEODRIVER list asks for it by name.
+bool ShowsNothing(const std::string& driver);
+bool NamedInDriverList(const std::string& driver, const std::string& list);
 } // namespace Platform

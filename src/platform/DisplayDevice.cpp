@@ -152,9 +152,10 @@ Result CDisplayDevice::SetDisplayMode(std::int32_t width, std::int32_t height, s
         return DDERR_NOEXCLUSIVEMODE;
     if (width <= 0 || height <= 0 || bitsPerPixel != CSurface::BitsPerPixel)
         return DDERR_INVALIDMODE;
-    // The mode is a picture of this size scaled over the whole desktop, so the
-    // player's real display mode is never changed.
-    SDL_SetWindowFullscreen(window->GetSdlWindow(), SDL_WINDOW_FULLSCREEN_DESKTOP);
+    // The mode is a picture of this size scaled over the whole desktop, or
+    // over a window of the player's choice, so the player's real display mode
+    // is never changed.
+    window->ApplyWindowMode();
     modeWidth = width;
     modeHeight = height;
     return DD_OK;

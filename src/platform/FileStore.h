@@ -13,11 +13,27 @@ namespace Platform {
 // write the file meanwhile.
 Result ReadFileCreating(const std::string& path, std::string& text);
 
-// Replaces the file's contents as one step: the new contents go to a temporary
-// file in the same folder, reach the disk, and are then renamed over the old
-// file. A crash or a failure at any point leaves either the old file or the
-// new one, never a mixture; a failure also removes the temporary file.
-Result ReplaceFile(const std::string& path, std::string_view contents);
+// Gives the file at path these contents, as creating it anew would, and
+// safely. A symbolic link is followed: its target gets the contents and the
+// link stays. A file that cannot be written (read-only, or on a read-only
+// disk) is left alone. The new contents go to a temporary file beside the
+// file, reach the disk and are renamed over it, so a crash at any point
+// leaves the old file or the new one. Only where no temporary file can be made
+// but the file itself may be written, or where the file has other names too,
+// is it overwritten in place.
+Result SaveFile(const std::string& path, std::string_view contents);
+
+// Removes the temporary files that saves of path cut short by a crash or a
+// kill left beside it. Returns how many it removed.
+int RemoveInterruptedSaves(const std::string& path);
+
+// A short account of a failed save or read, with what the player can do.
+std::string FileProblemText(Result code);
+
+// The points a save passes, in order; tests stop a save at each.
+enum class SaveStep { TemporaryMade, Written, Flushed, Closed, Renamed };
+using SaveStepHook = std::function<void(SaveStep)>;
+void SetSaveStepHook(SaveStepHook hook);
 
 // What writes bytes to an open file; tests replace it to make a write fail
 // part-way. Returns the bytes written, or -1 with errno set. Null restores

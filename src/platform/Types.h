@@ -53,10 +53,12 @@ constexpr Result DDERR_SURFACELOST = 0x887601C2;
 constexpr Result ERROR_FILE_NOT_FOUND = 2;
 constexpr Result ERROR_PATH_NOT_FOUND = 3;
 constexpr Result ERROR_ACCESS_DENIED = 5;
+constexpr Result ERROR_WRITE_PROTECT = 19; // the file system is read-only
 constexpr Result ERROR_INVALID_DATA = 13;
 constexpr Result ERROR_WRITE_FAULT = 29;
 constexpr Result ERROR_READ_FAULT = 30;
 constexpr Result ERROR_DISK_FULL = 112;
+constexpr Result ERROR_FILE_READ_ONLY = 6009;
 
 // Message box flags and answers.
 constexpr UINT MB_OK = 0x0000;

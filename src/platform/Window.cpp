@@ -18,6 +18,41 @@ std::set<std::string>& registeredClasses()
     return classes;
 }
 
+struct WindowModeState {
+    Platform::WindowMode mode = Platform::WindowMode::FullScreen;
+    Platform::WindowModeListener listener;
+};
+
+WindowModeState& windowMode()
+{
+    static WindowModeState state;
+    return state;
+}
+
+struct ApplicationIcon {
+    int size = 0;
+    std::vector<std::uint8_t> rgba;
+};
+
+ApplicationIcon& applicationIcon()
+{
+    static ApplicationIcon icon;
+    return icon;
+}
+
+void GiveIcon(SDL_Window* window)
+{
+    const ApplicationIcon& icon = applicationIcon();
+    if (icon.size <= 0)
+        return;
+    SDL_Surface* picture = SDL_CreateRGBSurfaceWithFormatFrom(const_cast<std::uint8_t*>(icon.rgba.data()), icon.size,
+                                                              icon.size, 32, icon.size * 4, SDL_PIXELFORMAT_RGBA32);
+    if (!picture)
+        return;
+    SDL_SetWindowIcon(window, picture);
+    SDL_FreeSurface(picture);
+}
+
 std::vector<CPlatformWnd*>& liveWindows()
 {
     // Never destroyed: the application object, a global made before this list,
@@ -52,6 +87,17 @@ void ShowCursor(bool show)
     SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
 }
 
+void SetWindowMode(WindowMode mode) { windowMode().mode = mode; }
+WindowMode GetWindowMode() { return windowMode().mode; }
+void SetWindowModeListener(WindowModeListener listener) { windowMode().listener = std::move(listener); }
+
+void SetApplicationIcon(int size, const std::uint8_t* rgba)
+{
+    ApplicationIcon& icon = applicationIcon();
+    icon.size = rgba ? size : 0;
+    icon.rgba.assign(rgba, rgba + (rgba ? 4 * size * size : 0));
+}
+
 } // namespace Platform
 
 CPlatformWnd::~CPlatformWnd()
@@ -83,6 +129,7 @@ bool CPlatformWnd::CreateEx(std::uint32_t exStyle, const std::string& className,
     sdlWindow = SDL_CreateWindow(title.c_str(), x, y, width, height, flags);
     if (!sdlWindow)
         return false;
+    GiveIcon(sdlWindow);
     liveWindows().push_back(this);
     return true;
 }
@@ -91,6 +138,9 @@ void CPlatformWnd::ShowWindow(int command)
 {
     if (!sdlWindow || command != SW_SHOW)
         return;
+    // A window the player wants small appears so, without first covering the desktop.
+    if (Platform::GetWindowMode() == Platform::WindowMode::Windowed)
+        ApplyWindowMode();
     SDL_ShowWindow(sdlWindow);
     SDL_RaiseWindow(sdlWindow);
     // A newly shown popup becomes the active window at once; the application
@@ -145,9 +195,20 @@ void CPlatformWnd::ToggleFullscreen()
     if (!sdlWindow)
         return;
     const bool fullscreen = (SDL_GetWindowFlags(sdlWindow) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
+    const Platform::WindowMode chosen = fullscreen ? Platform::WindowMode::Windowed : Platform::WindowMode::FullScreen;
+    Platform::SetWindowMode(chosen);
+    ApplyWindowMode();
+    if (auto& listener = windowMode().listener)
+        listener(chosen);
+}
+
+void CPlatformWnd::ApplyWindowMode()
+{
+    if (!sdlWindow)
+        return;
     // The picture is scaled to whatever size the window has, so either way the
     // whole playing field shows.
-    if (fullscreen) {
+    if (Platform::GetWindowMode() == Platform::WindowMode::Windowed) {
         SDL_SetWindowFullscreen(sdlWindow, 0);
         SDL_SetWindowAlwaysOnTop(sdlWindow, SDL_FALSE);
         SDL_SetWindowBordered(sdlWindow, SDL_TRUE);

@@ -1,6 +1,8 @@
 #pragma once
 #include "platform/Types.h"
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 struct SDL_Window;
@@ -17,6 +19,19 @@ int GetSystemMetrics(SystemMetric metric);
 
 // Shows or hides the mouse pointer while it is over the program's windows.
 void ShowCursor(bool show);
+
+// How the game's window shows its picture: over the whole desktop, or in a
+// window of the game's own size. Alt+Enter switches between the two.
+enum class WindowMode { FullScreen, Windowed };
+void SetWindowMode(WindowMode mode);
+WindowMode GetWindowMode();
+// Hears of every switch the player makes.
+using WindowModeListener = std::function<void(WindowMode)>;
+void SetWindowModeListener(WindowModeListener listener);
+
+// The picture the program's windows carry as their icon: size x size pixels,
+// four bytes each (red, green, blue, alpha), rows from the top.
+void SetApplicationIcon(int size, const std::uint8_t* rgba);
 
 } // namespace Platform
 
@@ -48,6 +63,8 @@ public:
 
     // Alt+Enter: between the full-screen window and a window of the game's size.
     void ToggleFullscreen();
+    // Takes the window mode the player chose.
+    void ApplyWindowMode();
     void SetWindowedSize(int width, int height) { windowedWidth = width; windowedHeight = height; }
 
     // The live window whose SDL id this is, or null.

@@ -41,6 +41,12 @@ TEST(GameAppDisplayErrors, TextsByCodeAndATraceOnlyForFailures)
     EXPECT_EQ(CGameApp::DisplayErrorText(0x88760122), "No rotation hardware\n");
     EXPECT_EQ(CGameApp::DisplayErrorText(0x80004001), "Unsupported\n");
     EXPECT_EQ(CGameApp::DisplayErrorText(2), "Direct Draw Init Failed (00000002)\n");
+    EXPECT_EQ(CGameApp::DisplayFailureLine(13).find("cannot start the display: Direct Draw Init Failed (0000000d): "
+                                                    "art/blank.bmp is missing or unreadable; "),
+              0u);
+    EXPECT_EQ(CGameApp::DisplayFailureLine(0x88760122).find("cannot start the display: No rotation hardware: the "
+                                                            "graphics system refused ("),
+              0u);
     TestApp t;
     Platform::SetMessageBoxHandler([](HWND, const std::string&, const std::string&, UINT) { return IDOK; });
     TraceRecorder trace;

@@ -1,5 +1,7 @@
 #include "support/DisplayApp.h"
 
+#include "platform/Console.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -87,10 +89,14 @@ TEST(DisplayInit, AFailedStartShowsTheErrorAndEndsStartUp)
         boxes.push_back(caption + ":" + text);
         return IDOK;
     });
-    Platform::StartSdl();
-    EXPECT_FALSE(t->InitInstance()); // no art folder at all
+    std::vector<std::string> said;
+    Platform::SetErrorLineHandler([&](const std::string& line) { said.push_back(line); });
+    EXPECT_EQ(t->Run(), CPlatformApp::StartFailedStatus); // no art folder at all
     Platform::SetMessageBoxHandler(nullptr);
+    Platform::SetErrorLineHandler(nullptr);
     EXPECT_EQ(boxes, std::vector<std::string>{"ERROR:Direct Draw Init Failed (00000003)\n"});
+    ASSERT_EQ(said.size(), 1u);
+    EXPECT_EQ(said[0], CGameApp::DisplayFailureLine(3));
     EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
 }
 

@@ -14,11 +14,16 @@ or with another screenshot.
 
 Environment: QV_GAME (the program), QV_GAME_DIR (the built game data) and
 QV_BUILD_DIR (the build, for installing it), all set by CTest.
+
+Runs that end before a game begins (a refused start, --help) go through
+`run_program`; `XServer` gives them a display of their own, and
+`dismiss_error_box` answers the box such a start shows there.
 """
 
 import ctypes
 import ctypes.util
 import os
+import pwd
 import shutil
 import signal
 import subprocess
@@ -159,10 +164,15 @@ class Game:
     """The game running on an X server of its own. Use it in a `with` block:
     leaving it ends the game, the server and the scratch folder."""
 
-    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None):
+    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None, args=(),
+                 ordinary_user=False, prepare=None, config_home=None):
         """settings: the bytes of a settings file the player has from before.
         installed: the prefix of an installation whose launcher starts the game
-        in the player's folder, instead of the built game in a scratch folder."""
+        in the player's folder, instead of the built game in a scratch folder.
+        args: the game's command line. ordinary_user: run as a user whom file
+        permissions bind, even where the tests run as root. prepare: called
+        with the game's folder once it holds the data and the settings.
+        config_home: the player's configuration folder (a fresh one by default)."""
         self.data = os.environ["QV_GAME_DIR"]
         self.screen_size = screen
         self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
@@ -174,6 +184,10 @@ class Game:
             self.program = os.environ["QV_GAME"]
             self.folder = self.scratch
         self.settings = settings
+        self.args = list(args)
+        self.ordinary_user = ordinary_user
+        self.prepare = prepare
+        self.config_home = config_home or os.path.join(self.scratch, "config")
         self.xvfb = self.game = None
         self.status = None
 
@@ -184,23 +198,33 @@ class Game:
             if self.settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
         else:
-            for name in os.listdir(self.data):
-                if name != SETTINGS_FILE and not name.startswith("."):
-                    os.symlink(os.path.join(self.data, name), os.path.join(self.folder, name))
+            link_game_data(self.folder)
         if self.settings is not None:
             with open(self.settings_path(), "wb") as f:
                 f.write(self.settings)
+        if self.ordinary_user:
+            os.chmod(self.scratch, 0o777)  # the player's folder is theirs
+        if self.prepare:
+            self.prepare(self.folder)
         self.start_x_server()
+        self.game = self.start([self.program] + self.args, stderr=open(self.log_path(), "wb"))
+        self.wait_for_window()
+        return self
+
+    def start(self, command, **streams):
+        """Starts a program of the game's in its folder, on its display, as its player."""
+        if self.ordinary_user:
+            command = as_ordinary_user(command)
+        return subprocess.Popen(command, cwd=self.scratch, env=self.game_env(), stdout=subprocess.DEVNULL,
+                                **streams)
+
+    def game_env(self):
         # In a sanitizer build, leaks are the unit tests' business: on a real X
         # server SDL's system libraries (D-Bus, the GL driver it loads and
         # unloads) keep memory the leak checker cannot tell from the game's.
         sanitizers = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
-        self.game = subprocess.Popen([self.program], cwd=self.scratch,
-                                     env=self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers,
-                                                  XDG_DATA_HOME=self.scratch),
-                                     stdout=subprocess.DEVNULL, stderr=open(self.log_path(), "wb"))
-        self.wait_for_window()
-        return self
+        return self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers, XDG_DATA_HOME=self.scratch,
+                        XDG_CONFIG_HOME=self.config_home)
 
     def __exit__(self, kind, value, trace):
         if kind is not None:
@@ -213,18 +237,7 @@ class Game:
         return False
 
     def start_x_server(self):
-        # -displayfd picks a free display number, so tests can run side by side.
-        read_end, write_end = os.pipe()
-        width, height = self.screen_size
-        self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
-                                      "-nolisten", "tcp"], pass_fds=(write_end,),
-                                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        os.close(write_end)
-        with os.fdopen(read_end) as f:
-            number = f.readline().strip()
-        if not number:
-            fail("Xvfb did not start")
-        self.display = ":" + number
+        self.xvfb, self.display = start_xvfb(self.screen_size)
 
     def env(self, **extra):
         env = dict(os.environ, DISPLAY=self.display, **extra)
@@ -237,8 +250,7 @@ class Game:
 
     def current_window(self):
         """The game's window now: the first one SDL makes may be replaced by another."""
-        found = self.x("xdotool", "search", "--onlyvisible", "--name", "^Quelvarion$", check=False).split()
-        return found[-1] if found else None
+        return find_window(self.display, "Quelvarion")
 
     def wait_for_window(self, timeout=20):
         deadline = time.monotonic() + timeout
@@ -306,6 +318,19 @@ class Game:
         x11.XFlush(connection)
         x11.XCloseDisplay(connection)
 
+    def window_size(self):
+        """The game window's width and height on the screen."""
+        shell = self.x("xdotool", "getwindowgeometry", "--shell", self.current_window())
+        values = dict(line.split("=", 1) for line in shell.split())
+        return int(values["WIDTH"]), int(values["HEIGHT"])
+
+    def wait_window_size(self, size, timeout=10):
+        deadline = time.monotonic() + timeout
+        while self.window_size() != size:
+            if time.monotonic() > deadline:
+                fail(f"the window is {self.window_size()}, not {size}")
+            time.sleep(0.2)
+
     def terminate(self):
         self.game.send_signal(signal.SIGTERM)
 
@@ -357,6 +382,110 @@ class Game:
         if os.path.exists(self.log_path()):
             shutil.copy(self.log_path(), stem + ".log")
             print(f"game output: {stem}.log", file=sys.stderr)
+
+
+def start_xvfb(size=(SCREEN_WIDTH, SCREEN_HEIGHT)):
+    """An X server of its own: the process and its display name."""
+    # -displayfd picks a free display number, so tests can run side by side.
+    read_end, write_end = os.pipe()
+    width, height = size
+    xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
+                             "-nolisten", "tcp"], pass_fds=(write_end,),
+                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(write_end)
+    with os.fdopen(read_end) as f:
+        number = f.readline().strip()
+    if not number:
+        fail("Xvfb did not start")
+    return xvfb, ":" + number
+
+
+class XServer:
+    """An X server for runs that are not a whole game; use it in a `with` block."""
+
+    def __enter__(self):
+        self.process, self.display = start_xvfb()
+        return self
+
+    def __exit__(self, *failure):
+        self.process.kill()
+        self.process.wait()
+        return False
+
+
+def find_window(display, title):
+    """The newest visible window of that title on display, or None."""
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
+                           env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
+                           timeout=10).stdout.split()
+    return found[-1] if found else None
+
+
+def find_error_box(display):
+    """The "ERROR" box's window, or None. (Its title is typed UTF-8, which
+    xdotool's search by name does not read, so the window tree is asked.)"""
+    tree = subprocess.run(["xwininfo", "-root", "-tree"], env=dict(os.environ, DISPLAY=display),
+                          capture_output=True, text=True, timeout=10).stdout
+    found = [line.split()[0] for line in tree.splitlines() if '"ERROR"' in line]
+    return found[-1] if found else None
+
+
+def dismiss_error_box(display, process, timeout=20):
+    """Waits for the "ERROR" box a failed start shows and presses Enter on it.
+    Fails if the program ends without showing one."""
+    deadline = time.monotonic() + timeout
+    env = dict(os.environ, DISPLAY=display)
+    while time.monotonic() < deadline:
+        box = find_error_box(display)
+        if box:
+            subprocess.run(["xdotool", "windowfocus", "--sync", box, "key", "Return"], env=env,
+                           capture_output=True, timeout=10)
+            return
+        if process.poll() is not None:
+            fail(f"the program ended (status {process.returncode}) without showing its error box")
+        time.sleep(0.1)
+    fail("no error box showed")
+
+
+def ordinary_user():
+    """Where the tests run as root, the user other programs run as (nobody)."""
+    return pwd.getpwnam("nobody") if os.geteuid() == 0 else None
+
+
+def as_ordinary_user(command):
+    user = ordinary_user()
+    if not user:
+        return command
+    return ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--"] + command
+
+
+def link_game_data(folder):
+    """Links to every file of the built game data, as a player's folder has them."""
+    data = os.environ["QV_GAME_DIR"]
+    for name in os.listdir(data):
+        if name != SETTINGS_FILE and not name.startswith("."):
+            os.symlink(os.path.join(data, name), os.path.join(folder, name))
+
+
+def run_program(args, folder, display=None, answer_box=False, timeout=30):
+    """Runs the game to its end: (status, stdout, stderr). With no display the
+    run has none at all; answer_box presses Enter on the error box it shows."""
+    env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
+    if display:
+        env["DISPLAY"] = display
+    env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=os.path.join(folder, ".config-test"),
+               ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
+    process = subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env,
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    if answer_box:
+        dismiss_error_box(display, process)
+    try:
+        out, err = process.communicate(timeout=timeout)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.communicate()
+        fail(f"{args} still running after {timeout} s")
+    return process.returncode, out, err
 
 
 def expect_equal(actual, expected, what):

@@ -1,12 +1,17 @@
 """An installation into a fresh prefix: its desktop entry and metainfo are
-valid, its launcher starts the game in the player's own folder, with links to
-the installed data, and the player's settings stay in that folder."""
+valid, its icons, manual page and licence are in place, its launcher starts
+the game in the player's own folder, with links to the installed data, and the
+player's settings stay in that folder. The launcher keeps to the XDG rules."""
 import os
 import shutil
+import struct
 import subprocess
 import tempfile
 
-from quelvarion_e2e import SETTINGS_FILE, Game, expect_equal, expect_normal_end, fail, run, settings_text, showing_title
+from quelvarion_e2e import (SETTINGS_FILE, Game, as_ordinary_user, expect_equal, expect_normal_end, fail,
+                            ordinary_user, run, settings_text, showing_title)
+
+ICON_SIZES = (16, 32, 48, 64, 128, 256)
 
 SETTINGS = settings_text({"Start Level": "2", "Sound FX": "Off"}, [("IDA", 1700)])
 
@@ -20,14 +25,64 @@ def validate(prefix):
             subprocess.run(command, check=True, capture_output=True)
 
 
+def png_size(path):
+    with open(path, "rb") as f:
+        header = f.read(24)
+    return struct.unpack(">II", header[16:24]) if header.startswith(b"\x89PNG") else None
+
+
+def check_desktop_parts(prefix):
+    for size in ICON_SIZES:
+        path = os.path.join(prefix, f"share/icons/hicolor/{size}x{size}/apps/quelvarion.png")
+        expect_equal(png_size(path) if os.path.exists(path) else None, (size, size), f"the {size} px icon")
+    with open(os.path.join(prefix, "share/icons/hicolor/scalable/apps/quelvarion.svg")) as f:
+        if "<svg" not in f.read():
+            fail("the scalable icon is no SVG picture")
+    manual = subprocess.run(["man", "-l", os.path.join(prefix, "share/man/man6/quelvarion.6")],
+                            capture_output=True, text=True, env=dict(os.environ, MANWIDTH="80"))
+    if manual.returncode != 0 or "--windowed" not in manual.stdout.replace("\u2010", "-"):
+        fail(f"the manual page does not read: {manual.stderr!r}")
+    with open(os.path.join(prefix, "share/doc/quelvarion/LICENSE")) as f:
+        if not f.read().startswith("MIT License"):
+            fail("the licence is not the MIT licence the metainfo names")
+
+
+def launch(prefix, env, user=False):
+    command = [os.path.join(prefix, "bin/quelvarion"), "--version"]
+    return subprocess.run(as_ordinary_user(command) if user else command, env=env, capture_output=True,
+                          text=True, timeout=30, cwd="/")
+
+
+def check_launcher_folders(prefix):
+    """A relative or empty XDG_DATA_HOME is ignored for ~/.local/share; without
+    any home the launcher says so instead of writing to /.local."""
+    home = tempfile.mkdtemp(prefix="qv-home-")
+    try:
+        for data_home in ("relative/share", ""):
+            env = dict(os.environ, HOME=home, XDG_DATA_HOME=data_home)
+            expect_equal(launch(prefix, env).returncode, 0, f"launcher status with XDG_DATA_HOME={data_home!r}")
+            if not os.path.isdir(os.path.join(home, ".local/share/quelvarion")):
+                fail(f"XDG_DATA_HOME={data_home!r} did not fall back to ~/.local/share")
+        if ordinary_user():  # nobody's home does not exist
+            env = {k: v for k, v in os.environ.items() if k not in ("HOME", "XDG_DATA_HOME")}
+            result = launch(prefix, env, user=True)
+            if result.returncode != 1 or not result.stderr.startswith("quelvarion: "):
+                fail(f"launcher without a home: status {result.returncode}, {result.stderr!r}")
+            if os.path.exists("/.local"):
+                fail("the launcher wrote to /.local")
+    finally:
+        shutil.rmtree(home, ignore_errors=True)
+
+
 def installed():
     prefix = tempfile.mkdtemp(prefix="qv-prefix-")
+    os.chmod(prefix, 0o755)  # an installation everyone may run
     try:
         subprocess.run(["cmake", "--install", os.environ["QV_BUILD_DIR"], "--prefix", prefix],
                        check=True, capture_output=True)
         validate(prefix)
-        if not os.path.exists(os.path.join(prefix, "share/icons/hicolor/128x128/apps/quelvarion.png")):
-            fail("no icon installed")
+        check_desktop_parts(prefix)
+        check_launcher_folders(prefix)
         with Game(settings=SETTINGS, installed=prefix) as game:
             game.wait_for_screen(showing_title)
             game.wait_title_pause()

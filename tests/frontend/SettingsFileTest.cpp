@@ -1,4 +1,5 @@
 #include "frontend/MenuSystem.h"
+#include "platform/Console.h"
 #include "platform/FileStore.h"
 #include "support/TestApp.h"
 
@@ -122,13 +123,17 @@ TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
             errno = ENOSPC;
         return -1;
     });
+    std::vector<std::string> said;
+    Platform::SetErrorLineHandler([&](const std::string& line) { said.push_back(line); });
     {
         CMenuSystem menus;
         menus.SetOptionOn(OptionMusic, false);
-        EXPECT_EQ(Platform::ReplaceFile(CMenuSystem::SettingsFile, menus.SettingsText()), ERROR_DISK_FULL);
     }
     Platform::SetFileWriteHandler(nullptr);
+    Platform::SetErrorLineHandler(nullptr);
     EXPECT_EQ(ReadSettings(), old);
+    EXPECT_EQ(said, std::vector<std::string>{"options and high scores not saved to " + CMenuSystem::SettingsPath() +
+                                             ": the disk is full (free some space)"});
     EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1); // no half-written leftovers
 }
 

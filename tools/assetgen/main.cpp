@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -13,22 +14,34 @@ int Usage() {
     std::fprintf(stderr,
                  "usage: quelvarion_assetgen <game-dir>\n"
                  "       quelvarion_assetgen --contact-sheet <file.png>\n"
-                 "       quelvarion_assetgen --icon <file.png>\n");
+                 "       quelvarion_assetgen --icon <file.png> [size]\n"
+                 "       quelvarion_assetgen --icon-svg <file.svg>\n"
+                 "       quelvarion_assetgen --window-icon <file.cpp> <size>\n");
     return 2;
+}
+
+int Written(bool written, const char* path) {
+    if (written) return 0;
+    std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", path);
+    return 1;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 3 && std::strcmp(argv[1], "--contact-sheet") == 0) {
-        if (assetgen::ContactSheet::Write(assetgen::SpriteCatalogue::Game(), argv[2])) return 0;
-        std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", argv[2]);
-        return 1;
+    if (argc == 3 && std::strcmp(argv[1], "--contact-sheet") == 0)
+        return Written(assetgen::ContactSheet::Write(assetgen::SpriteCatalogue::Game(), argv[2]), argv[2]);
+    if ((argc == 3 || argc == 4) && std::strcmp(argv[1], "--icon") == 0) {
+        const int size = argc == 4 ? std::atoi(argv[3]) : assetgen::AppIcon::DesignSize;
+        if (size <= 0) return Usage();
+        return Written(assetgen::AppIcon::WritePng(argv[2], size), argv[2]);
     }
-    if (argc == 3 && std::strcmp(argv[1], "--icon") == 0) {
-        if (assetgen::AppIcon::Write(argv[2])) return 0;
-        std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", argv[2]);
-        return 1;
+    if (argc == 3 && std::strcmp(argv[1], "--icon-svg") == 0)
+        return Written(assetgen::AppIcon::WriteSvg(argv[2]), argv[2]);
+    if (argc == 4 && std::strcmp(argv[1], "--window-icon") == 0) {
+        const int size = std::atoi(argv[3]);
+        if (size <= 0) return Usage();
+        return Written(assetgen::AppIcon::WriteSource(argv[2], size), argv[2]);
     }
     if (argc != 2 || argv[1][0] == '-') return Usage();
     const assetgen::AssetGenerator::Result result = assetgen::AssetGenerator::Generate(argv[1]);

@@ -1,0 +1,168 @@
+#include "app/Launch.h"
+
+#include "frontend/MenuSystem.h"
+#include "platform/CommandLine.h"
+#include "platform/Console.h"
+#include "platform/FileStore.h"
+#include "platform/MessageBox.h"
+#include "platform/UserDirs.h"
+
+#include <cctype>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* WindowedWord = "windowed";
+constexpr const char* FullScreenWord = "fullscreen";
+
+const std::vector<OptionSpec>& Options()
+{
+    static const std::vector<OptionSpec> options{
+        {"help", "", "show this help and exit"},
+        {"version", "", "show the version and exit"},
+        {"windowed", "", "start in a 1024 x 768 window"},
+        {"fullscreen", "", "start over the whole screen"},
+        {"trace", "", "write the trace, each line timed, to stderr"},
+    };
+    return options;
+}
+
+std::string CurrentFolder()
+{
+    std::error_code error;
+    const fs::path folder = fs::current_path(error);
+    return error ? std::string(".") : folder.string();
+}
+
+} // namespace
+
+CLaunch::CLaunch(const std::vector<std::string>& arguments)
+{
+    Platform::MillisecondsSinceStart(); // the trace's times count from here
+    std::signal(SIGPIPE, SIG_IGN);      // a closed terminal must not end the game
+
+    const LaunchRequest request = ReadCommandLine(arguments);
+    switch (request.action) {
+    case LaunchAction::ShowHelp:
+        std::fputs(UsageText().c_str(), stdout);
+        std::exit(HelpStatus);
+    case LaunchAction::ShowVersion:
+        std::fputs(VersionText().c_str(), stdout);
+        std::exit(HelpStatus);
+    case LaunchAction::BadUsage:
+        Platform::PrintError(request.error);
+        std::fputs(UsageText().c_str(), stderr);
+        std::exit(UsageStatus);
+    case LaunchAction::Play:
+        break;
+    }
+    if (request.trace)
+        Platform::TraceToStderr();
+
+    const std::string folder = CurrentFolder();
+    if (!HoldsGameData("."))
+        Refuse("no game data in " + folder + " (neither sprite.ini nor art/ is there); start the game with its "
+               "launcher, quelvarion, or from the folder that holds its data");
+    if (lock.Take(".") == CFolderLock::HeldElsewhere)
+        Refuse("the game is already running in " + folder + "; play on in that one, or end it first");
+    Platform::RemoveInterruptedSaves(CMenuSystem::SettingsFile);
+
+    const std::string windowModePath = WindowModePath();
+    Platform::SetWindowMode(request.windowMode.value_or(
+        ReadWindowMode(windowModePath).value_or(Platform::WindowMode::FullScreen)));
+    if (!windowModePath.empty())
+        Platform::SetWindowModeListener(
+            [windowModePath](Platform::WindowMode mode) { RememberWindowMode(windowModePath, mode); });
+}
+
+LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments)
+{
+    LaunchRequest request;
+    const auto line = CCommandLine::Parse(Options(), arguments, request.error);
+    if (!line) {
+        request.action = LaunchAction::BadUsage;
+        return request;
+    }
+    if (line->Has("windowed") && line->Has("fullscreen")) {
+        request.action = LaunchAction::BadUsage;
+        request.error = "choose one of --windowed and --fullscreen";
+        return request;
+    }
+    if (line->Has("help"))
+        request.action = LaunchAction::ShowHelp;
+    else if (line->Has("version"))
+        request.action = LaunchAction::ShowVersion;
+    request.trace = line->Has("trace");
+    if (line->Has("windowed"))
+        request.windowMode = Platform::WindowMode::Windowed;
+    else if (line->Has("fullscreen"))
+        request.windowMode = Platform::WindowMode::FullScreen;
+    return request;
+}
+
+std::string CLaunch::UsageText()
+{
+    return "Usage: quelvarion [OPTION]...\n"
+           "Top-down space combat with a ship you fit yourself.\n\n" +
+           CCommandLine::OptionsHelp(Options()) +
+           "\nAlt+Enter switches between the whole screen and a window; the game\n"
+           "remembers the choice. The game runs in the current folder, which must hold\n"
+           "its data; it keeps your options and high scores there, in quelvarion.ini.\n"
+           "See quelvarion(6).\n";
+}
+
+std::string CLaunch::VersionText()
+{
+    return std::string("quelvarion ") + QV_VERSION + "\n";
+}
+
+bool CLaunch::HoldsGameData(const std::string& folder)
+{
+    std::error_code error;
+    return fs::is_regular_file(fs::path(folder) / "sprite.ini", error) || fs::is_directory(fs::path(folder) / "art", error);
+}
+
+std::string CLaunch::WindowModePath()
+{
+    const std::string config = Platform::ConfigHome();
+    return config.empty() ? "" : config + "/" + WindowModeFolder + "/" + WindowModeFileName;
+}
+
+std::optional<Platform::WindowMode> CLaunch::ReadWindowMode(const std::string& path)
+{
+    std::string text;
+    if (path.empty() || !fs::exists(path) || Platform::ReadFileCreating(path, text) != S_OK)
+        return std::nullopt;
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
+        text.pop_back();
+    if (text == WindowedWord)
+        return Platform::WindowMode::Windowed;
+    if (text == FullScreenWord)
+        return Platform::WindowMode::FullScreen;
+    return std::nullopt;
+}
+
+void CLaunch::RememberWindowMode(const std::string& path, Platform::WindowMode mode)
+{
+    // The folders the XDG rules ask for: the configuration home as usual, our own private.
+    const fs::path folder = fs::path(path).parent_path();
+    std::error_code ignored;
+    fs::create_directories(folder.parent_path(), ignored);
+    ::mkdir(folder.c_str(), 0700);
+    const std::string word = mode == Platform::WindowMode::Windowed ? WindowedWord : FullScreenWord;
+    if (const Result saved = Platform::SaveFile(path, word + "\n"); saved != S_OK)
+        Platform::PrintError("window mode not remembered in " + path + ": " + Platform::FileProblemText(saved));
+}
+
+void CLaunch::Refuse(const std::string& problem)
+{
+    Platform::PrintError(problem);
+    Platform::MessageBox(nullptr, "Quelvarion cannot start: " + problem + ".\n", "ERROR", MB_OK);
+    std::exit(RefusedStatus);
+}

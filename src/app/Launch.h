@@ -1,0 +1,53 @@
+#pragma once
+#include "platform/FolderLock.h"
+#include "platform/Window.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// What one start of the program comes to.
+enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage };
+
+// The command line, read.
+struct LaunchRequest {
+    LaunchAction action = LaunchAction::Play;
+    std::string error; // why the command line was refused
+    bool trace = false;
+    std::optional<Platform::WindowMode> windowMode; // --windowed or --fullscreen
+};
+
+// Everything settled before the application object is built: the command
+// line, whether the folder the game runs in holds its data, and the folder's
+// lock. A run that is to be no game ends in the constructor, having touched
+// nothing. A game's launch holds the lock until the program ends.
+class CLaunch {
+public:
+    static constexpr int HelpStatus = 0;
+    static constexpr int RefusedStatus = 1;
+    static constexpr int UsageStatus = 2;
+    static constexpr const char* WindowModeFolder = "quelvarion";
+    static constexpr const char* WindowModeFileName = "window-mode";
+
+    explicit CLaunch(const std::vector<std::string>& arguments);
+    CLaunch(const CLaunch&) = delete;
+    CLaunch& operator=(const CLaunch&) = delete;
+
+    static LaunchRequest ReadCommandLine(const std::vector<std::string>& arguments);
+    static std::string UsageText();
+    static std::string VersionText();
+    // The game's data: its sprite catalogue or its art folder.
+    static bool HoldsGameData(const std::string& folder);
+
+    // The window mode the player last chose with Alt+Enter, kept in a file of
+    // its own under the configuration folder. Empty when there is none.
+    static std::string WindowModePath();
+    static std::optional<Platform::WindowMode> ReadWindowMode(const std::string& path);
+    static void RememberWindowMode(const std::string& path, Platform::WindowMode mode);
+
+private:
+    // Says why the game cannot run here, on stderr and in a box, and ends the program.
+    [[noreturn]] static void Refuse(const std::string& problem);
+
+    CFolderLock lock;
+};

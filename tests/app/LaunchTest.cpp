@@ -1,0 +1,133 @@
+#include "app/Launch.h"
+#include "platform/CommandLine.h"
+#include "platform/UserDirs.h"
+#include "support/BitmapFiles.h"
+#include "support/TestApp.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Platform::WindowMode;
+
+// Sets an environment variable for the life of the object (null unsets it).
+class ScopedEnv {
+public:
+    ScopedEnv(const char* name, const char* value) : name(name)
+    {
+        if (const char* old = std::getenv(name))
+            previous = old;
+        value ? ::setenv(name, value, 1) : ::unsetenv(name);
+    }
+    ~ScopedEnv() { previous ? ::setenv(name, previous->c_str(), 1) : ::unsetenv(name); }
+
+private:
+    const char* name;
+    std::optional<std::string> previous;
+};
+
+TEST(LaunchCommandLine, EachOptionAndEachMistake)
+{
+    struct Case {
+        std::vector<std::string> args;
+        LaunchAction action;
+        bool trace;
+        std::optional<WindowMode> mode;
+    };
+    const Case cases[] = {
+        {{}, LaunchAction::Play, false, std::nullopt},
+        {{"--trace", "--windowed"}, LaunchAction::Play, true, WindowMode::Windowed},
+        {{"--fullscreen"}, LaunchAction::Play, false, WindowMode::FullScreen},
+        {{"--windowed", "--help"}, LaunchAction::ShowHelp, false, WindowMode::Windowed},
+        {{"--version", "--help"}, LaunchAction::ShowHelp, false, std::nullopt},
+        {{"--version"}, LaunchAction::ShowVersion, false, std::nullopt},
+        {{"-h"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--windowed", "--fullscreen"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--trace=1"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"quelvarion.ini"}, LaunchAction::BadUsage, false, std::nullopt},
+    };
+    for (const Case& c : cases) {
+        const LaunchRequest request = CLaunch::ReadCommandLine(c.args);
+        EXPECT_EQ(request.action, c.action) << &c - cases;
+        EXPECT_EQ(request.error.empty(), c.action != LaunchAction::BadUsage) << &c - cases;
+        if (c.action != LaunchAction::BadUsage) {
+            EXPECT_EQ(request.trace, c.trace) << &c - cases;
+            EXPECT_EQ(request.windowMode, c.mode) << &c - cases;
+        }
+    }
+    EXPECT_EQ(CLaunch::ReadCommandLine({"--bogus"}).error, "unknown option '--bogus'");
+}
+
+// Options that name a value, as later options (a file to record to) will.
+TEST(CommandLine, ValuesFollowTheirOptionOrAnEqualsSign)
+{
+    const std::vector<OptionSpec> specs{{"record", "FILE", "record the game"}, {"trace", "", "trace"}};
+    std::string error;
+    auto line = CCommandLine::Parse(specs, {"--record", "a.qvr", "--trace"}, error);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->Value("record"), "a.qvr");
+    EXPECT_TRUE(line->Has("trace"));
+    line = CCommandLine::Parse(specs, {"--record=--trace"}, error);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->Value("record"), "--trace");
+    EXPECT_FALSE(line->Has("trace"));
+    EXPECT_FALSE(CCommandLine::Parse(specs, {"--trace", "--record"}, error));
+    EXPECT_EQ(error, "option '--record' needs a FILE");
+    EXPECT_EQ(CCommandLine::OptionsHelp(specs), "  --record FILE       record the game\n  --trace             trace\n");
+}
+
+TEST(LaunchFolder, GameDataIsTheCatalogueOrTheArtFolder)
+{
+    qvtest::ScopedWorkDir dir;
+    EXPECT_FALSE(CLaunch::HoldsGameData("."));
+    fs::create_directory("sprite.ini"); // a folder of that name is no catalogue
+    EXPECT_FALSE(CLaunch::HoldsGameData("."));
+    fs::create_directory("art");
+    EXPECT_TRUE(CLaunch::HoldsGameData("."));
+    fs::create_directory("other");
+    qvtest::WriteFile("other/sprite.ini", std::string("ship1 8 8\n"));
+    EXPECT_TRUE(CLaunch::HoldsGameData("other"));
+}
+
+TEST(LaunchWindowMode, KeptUnderTheXdgConfigurationFolderAndReadBack)
+{
+    qvtest::ScopedWorkDir dir;
+    const std::string home = dir.Path().string();
+    ScopedEnv homeVar("HOME", home.c_str());
+    {
+        ScopedEnv config("XDG_CONFIG_HOME", "relative/config"); // ignored, as the rules say
+        EXPECT_EQ(CLaunch::WindowModePath(), home + "/.config/quelvarion/window-mode");
+    }
+    ScopedEnv config("XDG_CONFIG_HOME", (home + "/cfg").c_str());
+    const std::string path = CLaunch::WindowModePath();
+    EXPECT_EQ(path, home + "/cfg/quelvarion/window-mode");
+    EXPECT_EQ(CLaunch::ReadWindowMode(path), std::nullopt);
+    EXPECT_FALSE(fs::exists(path)); // reading makes nothing
+
+    CLaunch::RememberWindowMode(path, WindowMode::Windowed);
+    EXPECT_EQ(CLaunch::ReadWindowMode(path), WindowMode::Windowed);
+    EXPECT_EQ(fs::status(home + "/cfg/quelvarion").permissions(), fs::perms::owner_all);
+    CLaunch::RememberWindowMode(path, WindowMode::FullScreen);
+    EXPECT_EQ(CLaunch::ReadWindowMode(path), WindowMode::FullScreen);
+    qvtest::WriteFile(path, std::string("sideways\n"));
+    EXPECT_EQ(CLaunch::ReadWindowMode(path), std::nullopt);
+}
+
+TEST(UserDirs, ConfigHomeIgnoresEmptyAndRelativeVariables)
+{
+    ScopedEnv config("XDG_CONFIG_HOME", "");
+    {
+        ScopedEnv home("HOME", "/home/ann");
+        EXPECT_EQ(Platform::ConfigHome(), "/home/ann/.config");
+    }
+    ScopedEnv home("HOME", "ann"); // the user database's home instead
+    const std::string found = Platform::ConfigHome();
+    EXPECT_TRUE(found.empty() || (found.front() == '/' && found.ends_with("/.config"))) << found;
+}
+
+} // namespace

@@ -1,0 +1,67 @@
+"""--windowed starts the game in a 1024 x 768 window that carries the game's
+icon, and --trace writes the trace calls to stderr in their order, each with
+its time since the start. Alt+Enter's choice is remembered for the next start;
+--fullscreen and --windowed overrule it for one run."""
+import re
+import shutil
+import tempfile
+
+from quelvarion_e2e import SCREEN_HEIGHT, SCREEN_WIDTH, Game, expect_equal, fail, run
+
+WINDOW = (1024, 768)
+SCREEN = (SCREEN_WIDTH, SCREEN_HEIGHT)
+TRACE_LINE = re.compile(r"^\[ *(\d+\.\d{3})\] (.*)$")
+FIRST_TRACES = [" ", "******************************************", "            Initialisation",
+                "******************************************", " ", "Application Constructor",
+                "Beginning Initialisation"]
+
+
+def check_trace(log_path):
+    with open(log_path) as f:
+        lines = [TRACE_LINE.match(line) for line in f.read().splitlines()]
+    traced = [m for m in lines if m]
+    texts = [m.group(2) for m in traced]
+    expect_equal(texts[:len(FIRST_TRACES)], FIRST_TRACES, "the first trace lines")
+    for expected in ("Screen Width 1024", "********* Initialisation Complete ********"):
+        if expected not in texts:
+            fail(f"no trace line {expected!r} in {texts}")
+    times = [float(m.group(1)) for m in traced]
+    if times != sorted(times) or times[-1] < 6:
+        fail(f"trace times {times} do not rise through the title pause")
+
+
+def icon_size(game):
+    icon = game.x("xprop", "-id", game.current_window(), "_NET_WM_ICON")
+    # Newer xprop draws the icon, older ones list its numbers, width and height first.
+    found = re.search(r"Icon \((\d+) x (\d+)\)", icon) or re.search(r"= (\d+), (\d+),", icon)
+    return (int(found.group(1)), int(found.group(2))) if found else None
+
+
+def window_mode():
+    config = tempfile.mkdtemp(prefix="qv-e2e-config-")
+    try:
+        with Game(args=["--windowed", "--trace"], config_home=config) as game:
+            game.wait_window_size(WINDOW)
+            expect_equal(icon_size(game), (64, 64), "the window's icon")
+            game.wait_title_pause()
+            game.keys("alt+Return")
+            game.wait_window_size(SCREEN)
+            game.close_window()
+            expect_equal(game.wait_exit(), 0, "exit status")
+            check_trace(game.log_path())
+        with Game(config_home=config) as game:  # full screen, as chosen last
+            game.wait_title_pause()
+            game.wait_window_size(SCREEN)
+            game.keys("alt+Return")
+            game.wait_window_size(WINDOW)
+            game.close_window()
+            expect_equal(game.wait_exit(), 0, "exit status")
+        with Game(config_home=config) as game:
+            game.wait_window_size(WINDOW)
+        with Game(args=["--fullscreen"], config_home=config) as game:
+            game.wait_window_size(SCREEN)
+    finally:
+        shutil.rmtree(config, ignore_errors=True)
+
+
+run(window_mode)
