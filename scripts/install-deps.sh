@@ -5,9 +5,9 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
-  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev
+  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libfluidsynth-dev
   fontconfig fonts-dejavu-core
-  fluid-soundfont-gm
+  timgm6mb-soundfont
   libgtest-dev libgmock-dev libbenchmark-dev
   libcairo2-dev
   xvfb xdotool imagemagick sox python3
