@@ -1,6 +1,7 @@
 #include "platform/WavePlayer.h"
 
 #include "platform/AudioDevice.h"
+#include "platform/FileBytes.h"
 #include "platform/WaveFile.h"
 
 #include <SDL.h>
@@ -13,6 +14,29 @@ constexpr double DefaultToneHz = 880.0;
 constexpr std::uint32_t DefaultToneMs = 250;
 constexpr int DefaultToneRate = 22050;
 constexpr std::uint32_t SyncPollMs = 5;
+
+// An effect is a short sound. The mixer would turn a wave of any rate or
+// length into its own rate in memory: a few kilobytes at one sample a second
+// would take gigabytes, so such files are not played.
+constexpr std::size_t MaxWaveBytes = 16 << 20;
+constexpr int MinWaveRate = 4000;
+constexpr int MaxWaveRate = 192000;
+constexpr double MaxWaveSeconds = 30.0;
+
+bool IsPlayableWave(const std::vector<std::uint8_t>& bytes)
+{
+    if (bytes.size() > MaxWaveBytes)
+        return false;
+    SDL_AudioSpec spec{};
+    Uint8* samples = nullptr;
+    Uint32 length = 0;
+    if (!SDL_LoadWAV_RW(SDL_RWFromConstMem(bytes.data(), static_cast<int>(bytes.size())), 1, &spec, &samples, &length))
+        return false;
+    SDL_FreeWAV(samples);
+    const double frameBytes = static_cast<double>(SDL_AUDIO_BITSIZE(spec.format) / 8 * spec.channels);
+    return spec.freq >= MinWaveRate && spec.freq <= MaxWaveRate && frameBytes > 0 &&
+           length / frameBytes / spec.freq <= MaxWaveSeconds;
+}
 
 } // namespace
 
@@ -94,7 +118,10 @@ Mix_Chunk* CWavePlayer::Load(const std::string& file)
 {
     if (auto found = loaded.find(file); found != loaded.end())
         return found->second;
-    Mix_Chunk* chunk = Mix_LoadWAV(file.c_str());
+    const auto bytes = Platform::ReadFileAtMost(file, MaxWaveBytes);
+    if (!bytes || !IsPlayableWave(*bytes))
+        return nullptr;
+    Mix_Chunk* chunk = Mix_LoadWAV_RW(SDL_RWFromConstMem(bytes->data(), static_cast<int>(bytes->size())), 1);
     if (chunk)
         loaded.emplace(file, chunk);
     return chunk;

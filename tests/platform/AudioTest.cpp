@@ -1,6 +1,7 @@
 #include "platform/AudioDevice.h"
 #include "platform/MessageQueue.h"
 #include "platform/Sequencer.h"
+#include "platform/WaveFile.h"
 #include "platform/WavePlayer.h"
 #include "platform/Window.h"
 #include "support/AudioFiles.h"
@@ -56,10 +57,16 @@ protected:
 };
 
 // Cutting in and yielding are the game's effect priorities, tested there.
-TEST_F(AudioTest, MissingAndBrokenWavesPingTheDefaultTone)
+TEST_F(AudioTest, MissingBrokenAndUnreasonableWavesPingTheDefaultTone)
 {
     WriteBytes("broken.wav", "RIFF, but not really");
-    for (const char* file : {"missing.wav", "broken.wav"}) {
+    WriteTune("tune.wav", 100); // the mixer would render a tune into memory
+    // A few samples a second would be stretched to gigabytes at the output's rate.
+    WriteBytes("slow.wav", Platform::EncodeWave(std::vector<std::int16_t>(1000, 100), 1));
+    WriteBytes("long.wav", Platform::EncodeWave(Platform::MakeTone(440.0, 31000, 4000), 4000));
+    WriteWave("fine.wav", 100);
+    ASSERT_TRUE(Platform::PlaySound("fine.wav", SND_FILENAME | SND_ASYNC) && !player.IsPlayingDefault());
+    for (const char* file : {"missing.wav", "broken.wav", "tune.wav", "slow.wav", "long.wav"}) {
         Platform::PlaySound(nullptr, 0);
         EXPECT_TRUE(Platform::PlaySound(file, SND_FILENAME | SND_NOSTOP | SND_ASYNC) && player.IsPlayingDefault()) << file;
     }

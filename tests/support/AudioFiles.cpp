@@ -39,6 +39,11 @@ void WriteBytes(const std::string& file, const std::string& bytes)
     std::ofstream(file, std::ios::binary) << bytes;
 }
 
+void WriteBytes(const std::string& file, const std::vector<std::uint8_t>& bytes)
+{
+    WriteAll(file, bytes);
+}
+
 bool WaitUntil(const std::function<bool()>& condition, std::uint32_t timeoutMs)
 {
     for (const Uint64 end = SDL_GetTicks64() + timeoutMs; !condition(); SDL_Delay(5))
