@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <complex>
+#include <numbers>
 #include <cmath>
 #include <cstdlib>
 #include <map>
@@ -74,6 +76,56 @@ TEST(SoundFiles, EachIsMono16BitPcmOfTheRightLengthAndNeverClips) {
         EXPECT_LT(std::abs(w.samples.front()), 300);
         EXPECT_LT(std::abs(w.samples.back()), 300);
     }
+}
+
+// How the energy of a sound's first 93 ms (4096 samples at 44.1 kHz) is
+// shared between the bass, which laptop and phone speakers barely play, the
+// middle and the treble.
+struct Bands {
+    double low = 0, mid = 0, high = 0;  // below 200 Hz, 200 Hz to 2 kHz, above
+};
+
+Bands EnergyBands(const Wave& w) {
+    constexpr size_t kFrame = 4096;
+    std::vector<std::complex<double>> x(kFrame);
+    for (size_t i = 0; i < kFrame && i < w.samples.size(); ++i) x[i] = w.samples[i];
+    // Iterative radix-2 FFT.
+    for (size_t i = 1, j = 0; i < kFrame; ++i) {
+        size_t bit = kFrame >> 1;
+        for (; j & bit; bit >>= 1) j ^= bit;
+        j ^= bit;
+        if (i < j) std::swap(x[i], x[j]);
+    }
+    for (size_t len = 2; len <= kFrame; len <<= 1) {
+        const std::complex<double> step = std::polar(1.0, -2 * std::numbers::pi / static_cast<double>(len));
+        for (size_t start = 0; start < kFrame; start += len) {
+            std::complex<double> turn = 1;
+            for (size_t k = 0; k < len / 2; ++k, turn *= step) {
+                const auto a = x[start + k], b = x[start + k + len / 2] * turn;
+                x[start + k] = a + b;
+                x[start + k + len / 2] = a - b;
+            }
+        }
+    }
+    Bands bands;
+    for (size_t bin = 1; bin < kFrame / 2; ++bin) {
+        const double hz = static_cast<double>(bin) * w.spec.freq / kFrame, energy = std::norm(x[bin]);
+        (hz < 200 ? bands.low : hz < 2000 ? bands.mid : bands.high) += energy;
+    }
+    const double total = bands.low + bands.mid + bands.high;
+    return {bands.low / total, bands.mid / total, bands.high / total};
+}
+
+// Laptop speakers hardly play below 200 Hz: every sound has most of its
+// onset above that, and an explosion fills all three bands.
+TEST(SoundFiles, EachEffectStartsWhereSmallSpeakersPlay) {
+    for (const auto& [name, length] : kSounds) {
+        const Bands b = EnergyBands(Read(name));
+        EXPECT_LE(b.low, 0.5) << name;
+        EXPECT_GE(b.mid, 0.25) << name;
+    }
+    const Bands blast = EnergyBands(Read("explosion.wav"));
+    EXPECT_GE(std::min({blast.low, blast.mid, blast.high}), 0.2);
 }
 
 TEST(SoundFiles, TheSequencerReadsTheTuneToItsLastBarLine) {
