@@ -64,8 +64,14 @@ TEST_F(AudioTest, MissingBrokenAndUnreasonableWavesPingTheDefaultTone)
     // A few samples a second would be stretched to gigabytes at the output's rate.
     WriteBytes("slow.wav", Platform::EncodeWave(std::vector<std::int16_t>(1000, 100), 1));
     WriteBytes("long.wav", Platform::EncodeWave(Platform::MakeTone(440.0, 31000, 4000), 4000));
-    WriteWave("fine.wav", 100);
-    ASSERT_TRUE(Platform::PlaySound("fine.wav", SND_FILENAME | SND_ASYNC) && !player.IsPlayingDefault());
+    // A file cut short, whose data chunk claims gigabytes, plays what it holds.
+    auto cut = Platform::EncodeWave(Platform::MakeTone(440.0, 100, 22050), 22050);
+    std::fill(cut.begin() + 40, cut.begin() + 44, 0xD2);
+    WriteBytes("cut.wav", cut);
+    ASSERT_TRUE(Platform::PlaySound("cut.wav", SND_FILENAME | SND_ASYNC) && !player.IsPlayingDefault());
+    // One with no samples at all plays, and is over at once.
+    WriteBytes("empty.wav", Platform::EncodeWave({}, 22050));
+    EXPECT_TRUE(Platform::PlaySound("empty.wav", SND_FILENAME | SND_ASYNC) && !player.IsPlaying());
     for (const char* file : {"missing.wav", "broken.wav", "tune.wav", "slow.wav", "long.wav"}) {
         Platform::PlaySound(nullptr, 0);
         EXPECT_TRUE(Platform::PlaySound(file, SND_FILENAME | SND_NOSTOP | SND_ASYNC) && player.IsPlayingDefault()) << file;
