@@ -12,13 +12,21 @@ game's own 1024 x 768 picture wherever the letterbox puts it, and
 `mean_difference`, `lit_pixels` and `lit_cells` compare it with a picture file
 or with another screenshot.
 
-Environment: QV_GAME (the program), QV_GAME_DIR (the built game data) and
-QV_BUILD_DIR (the build, for installing it), all set by CTest.
+A game started with `record=True` plays through SDL's disk audio driver, and
+`Recording` measures what it played: silences, samples at full scale, and how
+loud the music is over time.
+
+Environment: QV_GAME (the program), QV_GAME_DIR (the built game data),
+QV_BUILD_DIR (the build, for installing it) and QV_ASSETGEN (the data
+generator, for a short tune), all set by CTest.
 """
 
+import array
 import ctypes
 import ctypes.util
+import math
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -36,6 +44,13 @@ SETTINGS_FILE = "quelvarion.ini"
 # The entries of the main menu, top to bottom, and the options in their order.
 MAIN_MENU = ["New Game", "Help", "About", "Options", "High Scores", "Exit Game"]
 OPTIONS = ["Start Level", "Music", "Sound FX", "Background Stars", "Ship/Turrent Stats"]
+
+
+# SDL's disk driver writes what the game plays as 16-bit stereo at 44.1 kHz.
+AUDIO_RATE = 44100
+FULL_SCALE = 32767
+# A hundredth of a second whose loudest sample stays under this (-60 dB) is silent.
+SILENT_PEAK = 33
 
 
 def fail(message):
@@ -134,6 +149,72 @@ class Screen:
                        input=self.pixels, check=True)
 
 
+def tune_excerpt(first_bar, bars, folder):
+    """Bars of the game's tune as a short tune of their own, written into folder."""
+    path = os.path.join(folder, f"excerpt-{first_bar}-{bars}.mid")
+    subprocess.run([os.environ["QV_ASSETGEN"], "--tune-excerpt", path, str(first_bar), str(bars)], check=True)
+    return path
+
+
+class Recording:
+    """What the game played, from SDL's disk audio driver: interleaved 16-bit
+    stereo samples, read in hundredths of a second."""
+
+    STEP = AUDIO_RATE // 100
+
+    def __init__(self, path):
+        self.samples = array.array("h")
+        with open(path, "rb") as f:
+            self.samples.frombytes(f.read())
+        if self.samples.itemsize != 2 or sys.byteorder != "little":
+            fail("the recording is not read as it was written")
+        step = 2 * self.STEP
+        self.peaks = [max(max(self.samples[i:i + step]), -min(self.samples[i:i + step]))
+                      for i in range(0, len(self.samples) - step + 1, step)]
+
+    def seconds(self):
+        return len(self.peaks) / 100
+
+    def at_full_scale(self):
+        """How many samples reached full scale, either way."""
+        return sum(self.samples.count(v) for v in (FULL_SCALE, -FULL_SCALE, -FULL_SCALE - 1))
+
+    def loudest(self):
+        return max(self.peaks, default=0)
+
+    def silences(self, start=0.0, end=None):
+        """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
+        first, last = int(start * 100), int((end if end is not None else self.seconds()) * 100)
+        runs, begun = [], None
+        for i in range(first, min(last, len(self.peaks))):
+            if self.peaks[i] < SILENT_PEAK:
+                begun = i if begun is None else begun
+            elif begun is not None:
+                runs.append((begun / 100, (i - begun) / 100))
+                begun = None
+        if begun is not None:
+            runs.append((begun / 100, (min(last, len(self.peaks)) - begun) / 100))
+        return runs
+
+    def sound_after_silence(self, at_least, start=0.0):
+        """When sound starts again after the first silence of at least that many seconds from start."""
+        for begun, length in self.silences(start):
+            if length >= at_least:
+                return begun + length
+        fail(f"no silence of {at_least} s in the recording after {start} s")
+
+    def level(self, start, seconds):
+        """The quietest tenth of the twentieths of a second in that span, as an RMS:
+        what sounds all the time, whatever plays over it now and then."""
+        rms = []
+        for i in range(int(start * 20), int((start + seconds) * 20)):
+            part = self.samples[2 * i * (AUDIO_RATE // 20):2 * (i + 1) * (AUDIO_RATE // 20)]
+            if len(part):
+                rms.append(math.sqrt(sum(v * v for v in part) / len(part)))
+        rms.sort()
+        return rms[len(rms) // 10] if rms else 0
+
+
 def picture_file(path, width, height):
     """A picture file scaled to width x height, as a Screen."""
     raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
@@ -159,10 +240,13 @@ class Game:
     """The game running on an X server of its own. Use it in a `with` block:
     leaving it ends the game, the server and the scratch folder."""
 
-    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None):
+    def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None, record=False,
+                 tune=None):
         """settings: the bytes of a settings file the player has from before.
         installed: the prefix of an installation whose launcher starts the game
-        in the player's folder, instead of the built game in a scratch folder."""
+        in the player's folder, instead of the built game in a scratch folder.
+        record: play through SDL's disk audio driver into a file (see recording).
+        tune: a MIDI file to play as the background tune instead of the game's."""
         self.data = os.environ["QV_GAME_DIR"]
         self.screen_size = screen
         self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
@@ -174,6 +258,8 @@ class Game:
             self.program = os.environ["QV_GAME"]
             self.folder = self.scratch
         self.settings = settings
+        self.record = record
+        self.tune = tune
         self.xvfb = self.game = None
         self.status = None
 
@@ -186,7 +272,8 @@ class Game:
         else:
             for name in os.listdir(self.data):
                 if name != SETTINGS_FILE and not name.startswith("."):
-                    os.symlink(os.path.join(self.data, name), os.path.join(self.folder, name))
+                    source = self.tune if name == "background.mid" and self.tune else os.path.join(self.data, name)
+                    os.symlink(source, os.path.join(self.folder, name))
         if self.settings is not None:
             with open(self.settings_path(), "wb") as f:
                 f.write(self.settings)
@@ -195,9 +282,10 @@ class Game:
         # server SDL's system libraries (D-Bus, the GL driver it loads and
         # unloads) keep memory the leak checker cannot tell from the game's.
         sanitizers = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+        audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record \
+            else {"SDL_AUDIODRIVER": "dummy"}
         self.game = subprocess.Popen([self.program], cwd=self.scratch,
-                                     env=self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers,
-                                                  XDG_DATA_HOME=self.scratch),
+                                     env=self.env(ASAN_OPTIONS=sanitizers, XDG_DATA_HOME=self.scratch, **audio),
                                      stdout=subprocess.DEVNULL, stderr=open(self.log_path(), "wb"))
         self.wait_for_window()
         return self
@@ -306,6 +394,11 @@ class Game:
         x11.XFlush(connection)
         x11.XCloseDisplay(connection)
 
+    def unfocus(self):
+        """Gives the keyboard to the desktop, as clicking another window would."""
+        root = re.search(r"Window id: (0x[0-9a-fA-F]+)", self.x("xwininfo", "-root")).group(1)
+        self.x("xdotool", "windowfocus", root)
+
     def terminate(self):
         self.game.send_signal(signal.SIGTERM)
 
@@ -342,6 +435,13 @@ class Game:
         with open(self.settings_path(), "rb") as f:
             return f.read()
 
+    def recording_path(self):
+        return os.path.join(self.scratch, "output.raw")
+
+    def recording(self):
+        """What the game has played so far (it must have been started with record=True)."""
+        return Recording(self.recording_path())
+
     def log_path(self):
         return os.path.join(self.scratch, "game.log")
 
@@ -357,6 +457,9 @@ class Game:
         if os.path.exists(self.log_path()):
             shutil.copy(self.log_path(), stem + ".log")
             print(f"game output: {stem}.log", file=sys.stderr)
+        if self.record and os.path.exists(self.recording_path()):
+            shutil.copy(self.recording_path(), stem + ".raw")
+            print(f"what it played (16-bit stereo, 44.1 kHz): {stem}.raw", file=sys.stderr)
 
 
 def expect_equal(actual, expected, what):
@@ -373,6 +476,38 @@ def expect_normal_end(game, settings):
     """The game ends with status 0, leaving exactly these settings."""
     expect_equal(game.wait_exit(), 0, "exit status")
     expect_equal(game.settings_saved(), settings, "quelvarion.ini")
+
+
+# What the music must do, as heard from where it starts to where the recording ends.
+LONGEST_SILENCE_S = 0.5
+MUSIC_WINDOW_S = 5
+# The quiet tenth of the music in every window stays above this RMS (-50 dB).
+MUSIC_LEVEL = 100
+
+
+def expect_music_plays_on(recording, music_start, tune_seconds):
+    """The music that started at music_start loops with no silence at its
+    seams, never pauses for long, is heard in every window of a few seconds,
+    and nothing in the recording reaches full scale. Returns what it measured."""
+    end = recording.seconds() - 0.2  # the game was stopped mid-chunk
+    seams = [music_start + k * tune_seconds for k in range(1, int((end - music_start) / tune_seconds) + 1)]
+    if not seams:
+        fail(f"the recording ended before the tune did ({end - music_start:.1f} s of music)")
+    silences = recording.silences(music_start, end)
+    longest = max((length for _, length in silences), default=0.0)
+    if longest > LONGEST_SILENCE_S:
+        fail(f"{longest:.2f} s of silence in the music: {silences}")
+    at_seams = [(s, length) for s, length in silences for seam in seams if abs(s - seam) < 0.5]
+    if at_seams:
+        fail(f"silence where the tune starts again (seams at {seams}): {at_seams}")
+    clipped = recording.at_full_scale()
+    if clipped:
+        fail(f"{clipped} samples at full scale")
+    windows = int((end - music_start) / MUSIC_WINDOW_S)
+    levels = [recording.level(music_start + k * MUSIC_WINDOW_S, MUSIC_WINDOW_S) for k in range(windows)]
+    if min(levels) < MUSIC_LEVEL:
+        fail(f"the music is hardly heard in a window of {MUSIC_WINDOW_S} s: levels {[round(v) for v in levels]}")
+    return {"seams": len(seams), "longest silence": longest, "full scale": clipped, "loudest": recording.loudest()}
 
 
 def run(test):

@@ -1,11 +1,14 @@
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "AppIcon.h"
 #include "AssetGenerator.h"
 #include "ContactSheet.h"
+#include "DataFile.h"
 #include "SpriteCatalogue.h"
+#include "Tune.h"
 
 namespace {
 
@@ -13,7 +16,8 @@ int Usage() {
     std::fprintf(stderr,
                  "usage: quelvarion_assetgen <game-dir>\n"
                  "       quelvarion_assetgen --contact-sheet <file.png>\n"
-                 "       quelvarion_assetgen --icon <file.png>\n");
+                 "       quelvarion_assetgen --icon <file.png>\n"
+                 "       quelvarion_assetgen --tune-excerpt <file.mid> <first-bar> <bars>\n");
     return 2;
 }
 
@@ -27,6 +31,13 @@ int main(int argc, char** argv) {
     }
     if (argc == 3 && std::strcmp(argv[1], "--icon") == 0) {
         if (assetgen::AppIcon::Write(argv[2])) return 0;
+        std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", argv[2]);
+        return 1;
+    }
+    if (argc == 5 && std::strcmp(argv[1], "--tune-excerpt") == 0) {
+        const int first = std::atoi(argv[3]), bars = std::atoi(argv[4]);
+        if (first < 0 || bars < 1 || first + bars > assetgen::Tune::kBars) return Usage();
+        if (assetgen::DataFile::Write(argv[2], assetgen::Tune::Excerpt(first, bars))) return 0;
         std::fprintf(stderr, "quelvarion_assetgen: cannot write %s\n", argv[2]);
         return 1;
     }
