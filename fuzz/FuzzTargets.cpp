@@ -242,8 +242,12 @@ int FuzzTune(const std::uint8_t* data, std::size_t size)
     Check((opened == 0) == tune.has_value());
     if (opened != 0)
         return 0;
+    // Without a sound font (SDL_SOUNDFONTS names the game's) there is nothing to render.
     MCI_STATUS_PARMS port{.dwItem = MCI_SEQ_STATUS_PORT};
-    Check(Platform::MciSendCommand(open.wDeviceID, MCI_STATUS, MCI_STATUS_ITEM, port) == 0);
+    if (Platform::MciSendCommand(open.wDeviceID, MCI_STATUS, MCI_STATUS_ITEM, port) != 0) {
+        Platform::MciSendCommand(open.wDeviceID, MCI_CLOSE, 0, MCI_GENERIC_PARMS{});
+        return 0;
+    }
     Check(Platform::MciSendCommand(open.wDeviceID, MCI_PLAY, MCI_NOTIFY, MCI_PLAY_PARMS{&window}) == 0);
 
     // Rendered here as the output would take it, beside the dummy driver's own

@@ -7,7 +7,6 @@ packages=(
   build-essential cmake pkg-config
   libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libfluidsynth-dev
   fontconfig fonts-dejavu-core
-  timgm6mb-soundfont
   libgtest-dev libgmock-dev libbenchmark-dev
   libcairo2-dev
   xvfb xdotool imagemagick sox python3

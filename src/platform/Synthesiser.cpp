@@ -7,20 +7,25 @@
 
 namespace {
 
-// Debian's General MIDI fonts, most wanted first: TimGM6mb (timgm6mb-soundfont)
-// is small enough to keep whole in memory; the others weigh about 150 MB.
+// The game's own font, made with the tune for its instruments and read from
+// the game's folder like the tune; should it be missing, Debian's General
+// MIDI fonts, the smallest first.
 constexpr const char* DefaultFonts[] = {
+    "background.sf2",
     "/usr/share/sounds/sf2/TimGM6mb.sf2",
     "/usr/share/sounds/sf2/default-GM.sf2",
     "/usr/share/sounds/sf2/FluidR3_GM.sf2",
 };
 constexpr const char* FontSeparators = ":;";
 
-// The music's loudness. With the default font the game's tune peaks at about
-// 0.35 of full scale at this gain (0.13 at FluidSynth's own 0.2), which
+// The music's loudness. With the game's own font the tune peaks at about
+// 0.34 of full scale at this gain (0.1 at FluidSynth's own 0.2), which
 // leaves the loudest effect (see CAudioDevice::EffectVolume) room over it
 // under the limiter's ceiling.
-constexpr double SynthGain = 0.55;
+constexpr double SynthGain = 0.6;
+// Voices at once: the tune needs about thirty; each costs memory whether it
+// sounds or not.
+constexpr int Polyphony = 64;
 constexpr int Channels = 16;
 constexpr int AllNotesOff = 123;
 constexpr int ResetAllControllers = 121;
@@ -68,6 +73,7 @@ std::unique_ptr<CSynthesiser> CSynthesiser::Create(int sampleRate)
         return nullptr;
     fluid_settings_setnum(self->settings, "synth.sample-rate", sampleRate);
     fluid_settings_setnum(self->settings, "synth.gain", SynthGain);
+    fluid_settings_setint(self->settings, "synth.polyphony", Polyphony);
     // The sequencer's own lock guards every call.
     fluid_settings_setint(self->settings, "synth.threadsafe-api", 0);
     self->synth = new_fluid_synth(self->settings);

@@ -13,9 +13,11 @@ struct _fluid_synth_t;
 // with one sound font loaded once for the whole run.
 //
 // The font is the player's choice when SDL_SOUNDFONTS names one or more
-// (separated by ':' or ';', all loaded together), otherwise the small
-// TimGM6mb font, which costs about 6 MB; Debian's large General MIDI font is
-// only a fallback for a machine without it.
+// (separated by ':' or ';', all loaded together), otherwise the game's own
+// "background.sf2", made by the data generator for exactly the tune's
+// instruments: about a megabyte in the synthesiser, where Debian's General
+// MIDI fonts take 13 to 155 MB. Those are only a fallback should the game's
+// font be missing.
 class CSynthesiser {
 public:
     // A synthesiser for an output at this rate, or nothing when no sound font
