@@ -25,7 +25,7 @@ public:
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
     // Of SDL_mixer's 128: the game's effects, which peak at 0.89 of full
-    // scale, come out at 0.53, and the tune's loudest bar (about 0.35, see
+    // scale, come out at 0.53, and the tune's loudest bar (about 0.34, see
     // CSynthesiser) still fits under the limiter's ceiling with them.
     static constexpr int EffectVolume = 76;
 

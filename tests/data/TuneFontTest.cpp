@@ -10,7 +10,10 @@
 #include <string>
 
 #include "GameDataFiles.h"
+#include "platform/AudioDevice.h"
+#include "platform/Limiter.h"
 #include "platform/MidiTune.h"
+#include "platform/MusicStream.h"
 #include "platform/Synthesiser.h"
 
 namespace {
@@ -109,6 +112,34 @@ TEST(TuneFont, EveryProgramAndDrumOfTheTuneSoundsAndSoDoesEveryOtherProgram) {
     for (uint8_t key : drums) EXPECT_GT(Loudness(*synth, kDrumChannel, 0, key), 0.01f) << "drum " << int(key);
     for (int program = 0; program < 128; ++program)
         EXPECT_GT(Loudness(*synth, 0, static_cast<uint8_t>(program), 60), 0.001f) << "program " << program;
+}
+
+// The levels leave the limiter nothing to do with the game's own sounds: the
+// loudest effect over the loudest moment of the tune stays under its ceiling.
+TEST(TuneFont, TheLoudestEffectOverTheLoudestBarOfTheTuneStaysUnderTheCeiling) {
+    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
+    auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
+    auto synth = CSynthesiser::Create(kRate);
+    ASSERT_TRUE(tune && synth);
+    CMusicStream stream(std::move(synth), kRate);
+    stream.Start(std::make_shared<const CMidiTune>(std::move(*tune)));
+    float music = 0.0f;
+    std::vector<float> chunk(2 * 4096);
+    for (bool ended = false; !ended;) {
+        std::fill(chunk.begin(), chunk.end(), 0.0f);
+        ended = stream.Render(chunk.data(), chunk.size() / 2);
+        for (float v : chunk) music = std::max(music, std::fabs(v));
+    }
+    float effects = 0.0f;
+    for (const char* name : {"startup.wav", "green.wav", "explosion.wav", "bullet1.wav", "bullet2.wav"}) {
+        const auto wave = qvdata::ReadBytes(qvdata::GameDir() / name);
+        for (size_t at = 44; at + 1 < wave.size(); at += 2)
+            effects = std::max(effects, std::fabs(static_cast<int16_t>(wave[at] | wave[at + 1] << 8) / 32768.0f));
+    }
+    effects *= static_cast<float>(CAudioDevice::EffectVolume) / 128.0f;
+    EXPECT_GT(music, 0.2f) << "the tune is clearly heard";
+    EXPECT_GT(effects, 0.4f) << "and so are the effects";
+    EXPECT_LT(music + effects, CLimiter::Ceiling);
 }
 
 }  // namespace
