@@ -287,7 +287,12 @@ class Game:
         self.game = subprocess.Popen([self.program], cwd=self.scratch,
                                      env=self.env(ASAN_OPTIONS=sanitizers, XDG_DATA_HOME=self.scratch, **audio),
                                      stdout=subprocess.DEVNULL, stderr=open(self.log_path(), "wb"))
-        self.wait_for_window()
+        try:
+            self.wait_for_window()
+        except BaseException as problem:
+            # A `with` block whose start fails never reaches __exit__: end the game and its server here.
+            self.__exit__(type(problem), problem, problem.__traceback__)
+            raise
         return self
 
     def __exit__(self, kind, value, trace):
