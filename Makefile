@@ -43,7 +43,7 @@ test-asan: deps
 # written to $(FUZZ_BUILD)/findings; once fixed, keep them in fuzz/regressions.
 fuzz: deps
 	@cmake -S . -B $(FUZZ_BUILD) -DQV_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > /dev/null
-	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target fuzzers
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target fuzzers quelvarion_game_data
 	@bash scripts/run-fuzzers.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
 install: build

@@ -8,14 +8,22 @@
 #include "frontend/MenuSystem.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
+#include "platform/AudioDevice.h"
 #include "platform/DC.h"
+#include "platform/MessageQueue.h"
+#include "platform/MidiTune.h"
+#include "platform/Sequencer.h"
+#include "platform/WavePlayer.h"
+#include "platform/Window.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <system_error>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
+#include <vector>
 #include <unistd.h>
 
 namespace qvfuzz {
@@ -108,6 +116,16 @@ void CheckCatalogue()
     }
 }
 
+// The tune's notices to window since the last call: how many said it ended.
+int SuccessfulEnds(HWND window)
+{
+    int ends = 0;
+    while (auto msg = CMessageQueue::Instance().Take())
+        if (msg->window == window && msg->message == MM_MCINOTIFY && msg->wParam == MCI_NOTIFY_SUCCESSFUL)
+            ++ends;
+    return ends;
+}
+
 } // namespace
 
 void WriteSpriteArt()
@@ -190,6 +208,67 @@ int FuzzBitmap(const std::uint8_t* data, std::size_t size)
     CBitmap own;
     if (Platform::LoadImageFile("frame.bmp", 0, 0, own) == 0)
         Check(own.GetWidth() > 0 && own.GetHeight() > 0);
+    return 0;
+}
+
+} // namespace qvfuzz
+
+namespace qvfuzz {
+
+int FuzzWave(const std::uint8_t* data, std::size_t size)
+{
+    EnterScratchFolder();
+    WriteInput("effect.wav", data, size);
+    // Whatever the file holds, a sound starts: its own or the default tone.
+    CWavePlayer& player = CWavePlayer::Instance();
+    Check(player.Play("effect.wav", SND_FILENAME | SND_ASYNC));
+    player.Release(); // sounds are kept by name: the next input must be read afresh
+    return 0;
+}
+
+int FuzzTune(const std::uint8_t* data, std::size_t size)
+{
+    constexpr std::size_t PieceFrames = 1024;
+    constexpr std::size_t MostFrames = 22 * PieceFrames; // about half a second of music
+    EnterScratchFolder();
+    WriteInput("tune.mid", data, size);
+    static CPlatformWnd window; // all a notice needs is a window to be addressed to
+    SuccessfulEnds(&window);
+
+    // A file opens exactly when it reads as a tune.
+    const auto tune = CMidiTune::Parse(data, size);
+    MCI_OPEN_PARMS open{.lpstrDeviceType = "sequencer", .lpstrElementName = "tune.mid"};
+    const MCIERROR opened = Platform::MciSendCommand(0, MCI_OPEN, MCI_OPEN_TYPE | MCI_OPEN_ELEMENT, open);
+    Check((opened == 0) == tune.has_value());
+    if (opened != 0)
+        return 0;
+    // Without a sound font (SDL_SOUNDFONTS names the game's) there is nothing to render.
+    MCI_STATUS_PARMS port{.dwItem = MCI_SEQ_STATUS_PORT};
+    if (Platform::MciSendCommand(open.wDeviceID, MCI_STATUS, MCI_STATUS_ITEM, port) != 0) {
+        Platform::MciSendCommand(open.wDeviceID, MCI_CLOSE, 0, MCI_GENERIC_PARMS{});
+        return 0;
+    }
+    Check(Platform::MciSendCommand(open.wDeviceID, MCI_PLAY, MCI_NOTIFY, MCI_PLAY_PARMS{&window}) == 0);
+
+    // Rendered here as the output would take it, beside the dummy driver's own
+    // thread: the music stays finite, and a tune that ends within what was
+    // rendered is reported to have ended, once.
+    std::vector<float> piece(2 * PieceFrames);
+    std::size_t rendered = 0;
+    for (; rendered < MostFrames; rendered += PieceFrames) {
+        std::fill(piece.begin(), piece.end(), 0.0f);
+        CSequencer::Instance().Render(piece.data(), PieceFrames);
+        for (float sample : piece)
+            Check(std::isfinite(sample));
+    }
+    // Counted once the device is closed: the dummy driver's thread may have
+    // played the end a moment after the loop above.
+    Check(Platform::MciSendCommand(open.wDeviceID, MCI_CLOSE, 0, MCI_GENERIC_PARMS{}) == 0);
+    const int ends = SuccessfulEnds(&window);
+    Check(ends <= 1);
+    const auto rate = static_cast<std::uint64_t>(CAudioDevice::Instance().SampleRate());
+    if (tune->EndMicros() * rate / 1'000'000 <= rendered)
+        Check(ends == 1);
     return 0;
 }
 

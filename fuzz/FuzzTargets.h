@@ -20,6 +20,14 @@ int FuzzPalette(const std::uint8_t* data, std::size_t size);
 // The input as a sprite frame's bitmap file, drawn into a surface.
 int FuzzBitmap(const std::uint8_t* data, std::size_t size);
 
+// The input as an effect's wave file, played through the wave player on the
+// audio output (SDL's dummy driver will do).
+int FuzzWave(const std::uint8_t* data, std::size_t size);
+
+// The input as the background tune, opened, played and rendered through the
+// sequencer, its end reported once if it ends.
+int FuzzTune(const std::uint8_t* data, std::size_t size);
+
 // A few small frame files whose names catalogue inputs can mention: "ship"
 // with four directions, "boom" with three animation frames, "rock" still.
 void WriteSpriteArt();

@@ -8,9 +8,8 @@ set -euo pipefail
 packages=(
   # building and running
   build-essential cmake pkg-config
-  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev
+  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libfluidsynth-dev
   fontconfig fonts-dejavu-core
-  fluid-soundfont-gm
   libcairo2-dev
   # the unit tests and the benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev

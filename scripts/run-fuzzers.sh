@@ -15,7 +15,7 @@ for target in "$build"/fuzz_*; do
     mkdir -p "$corpus" "$findings"
     seeds="$root/fuzz/regressions/$short"
     log="$build/$name.log"
-    (cd "$build" && SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=dummy "$target" \
+    (cd "$build" && SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=dummy SDL_SOUNDFONTS="$build/game/background.sf2" "$target" \
         -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$findings/" \
         "$corpus" "$seeds") > "$log" 2>&1
     rc=$?

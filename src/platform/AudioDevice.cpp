@@ -6,36 +6,15 @@
 #include <SDL.h>
 #include <SDL_mixer.h>
 
-#include <cstdlib>
-#include <filesystem>
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
 constexpr int OutputRate = 44100;
 constexpr int OutputChannels = 2;
 constexpr int OutputChunkSamples = 1024;
-
-// General MIDI sound fonts from Debian's fluid-soundfont-gm, most preferred first.
-constexpr const char* SoundFonts[] = {
-    "/usr/share/sounds/sf2/default-GM.sf2",
-    "/usr/share/sounds/sf2/FluidR3_GM.sf2",
-};
-
-// Tells the MIDI synthesiser which instruments to play with, unless the
-// player has chosen a sound font through SDL_SOUNDFONTS. Only one font is
-// given: the synthesiser would load every font on the list for every tune.
-void ChooseSoundFont()
-{
-    if (std::getenv("SDL_SOUNDFONTS"))
-        return;
-    std::error_code ignored;
-    for (const char* font : SoundFonts) {
-        if (std::filesystem::exists(font, ignored)) {
-            Mix_SetSoundFonts(font);
-            return;
-        }
-    }
-}
+constexpr float FullScale = 32768.0f;
 
 } // namespace
 
@@ -55,20 +34,22 @@ bool CAudioDevice::Open()
         failed = true;
         return false;
     }
-    ChooseSoundFont();
-    Mix_Init(MIX_INIT_MID);
-    if (Mix_OpenAudio(OutputRate, AUDIO_S16SYS, OutputChannels, OutputChunkSamples) != 0) {
-        Mix_Quit();
+    // Only the rate may differ from the one asked for: the mix is always
+    // 16-bit stereo, which is what MixOutput reads.
+    if (Mix_OpenAudioDevice(OutputRate, AUDIO_S16SYS, OutputChannels, OutputChunkSamples, nullptr,
+                            SDL_AUDIO_ALLOW_FREQUENCY_CHANGE) != 0) {
         SDL_QuitSubSystem(SDL_INIT_AUDIO);
         failed = true;
         return false;
     }
+    Uint16 format = 0;
+    int channels = 0;
+    Mix_QuerySpec(&rate, &format, &channels);
+    limiter = std::make_unique<CLimiter>(rate);
+    mix.assign(static_cast<std::size_t>(OutputChannels * OutputChunkSamples), 0.0f);
     Mix_AllocateChannels(Voice + 1);
-    // Effects and the tune each peak near full scale on their own; mixed at
-    // these levels a shot over the loudest bar of the tune still does not clip.
     Mix_Volume(Voice, EffectVolume);
-    Mix_VolumeMusic(MusicVolume);
-    CSequencer::Instance().Attach();
+    Mix_SetPostMix(&CAudioDevice::MixOutput, this);
     open = true;
     return true;
 }
@@ -79,9 +60,31 @@ void CAudioDevice::Close()
     if (!open)
         return;
     open = false;
+    Mix_SetPostMix(nullptr, nullptr);
     Mix_CloseAudio();
-    Mix_Quit();
     SDL_QuitSubSystem(SDL_INIT_AUDIO);
+}
+
+// On the audio thread, once SDL_mixer has mixed the wave voice: adds the
+// music and keeps the sum under full scale.
+void CAudioDevice::MixOutput(void* self, std::uint8_t* stream, int bytes)
+{
+    CAudioDevice& device = *static_cast<CAudioDevice*>(self);
+    auto* samples = reinterpret_cast<std::int16_t*>(stream);
+    const std::size_t frames = static_cast<std::size_t>(bytes) / (sizeof(std::int16_t) * OutputChannels);
+    const std::size_t pieceFrames = device.mix.size() / OutputChannels;
+    for (std::size_t done = 0; done < frames;) {
+        const std::size_t count = std::min(pieceFrames, frames - done);
+        std::int16_t* out = samples + OutputChannels * done;
+        float* mix = device.mix.data();
+        for (std::size_t i = 0; i < OutputChannels * count; ++i)
+            mix[i] = out[i] / FullScale;
+        CSequencer::Instance().Render(mix, count);
+        device.limiter->Process(mix, count);
+        for (std::size_t i = 0; i < OutputChannels * count; ++i)
+            out[i] = static_cast<std::int16_t>(std::lrint(mix[i] * FullScale));
+        done += count;
+    }
 }
 
 namespace Platform {

@@ -1,9 +1,15 @@
 #pragma once
+#include "platform/Limiter.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 // The program's one audio output, on SDL_mixer: a single voice for wave
-// sounds and the music stream for the MIDI sequencer. It is opened on first
-// use; a machine without sound fails the open once, and from then on every
-// sound and tune refuses quietly and the game runs silent.
+// sounds, with the MIDI sequencer's music added to the mix and the whole
+// kept under full scale by a limiter. It is opened on first use; a machine
+// without sound fails the open once, and from then on every sound and tune
+// refuses quietly and the game runs silent.
 class CAudioDevice {
 public:
     static CAudioDevice& Instance();
@@ -13,15 +19,24 @@ public:
     bool IsOpen() const { return open; }
     // Lets go of the output; the next Open tries afresh.
     void Close();
+    // The output's frames a second, once open.
+    int SampleRate() const { return rate; }
 
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
-    static constexpr int EffectVolume = 88; // of SDL_mixer's 128
-    static constexpr int MusicVolume = 52;
+    // Of SDL_mixer's 128: the game's effects, which peak at 0.89 of full
+    // scale, come out at 0.53, and the tune's loudest bar (about 0.34, see
+    // CSynthesiser) still fits under the limiter's ceiling with them.
+    static constexpr int EffectVolume = 76;
 
 private:
+    static void MixOutput(void* self, std::uint8_t* stream, int bytes);
+
     bool open = false;
     bool failed = false;
+    int rate = 0;
+    std::unique_ptr<CLimiter> limiter;
+    std::vector<float> mix; // one chunk of the output, as floats
 };
 
 namespace Platform {

@@ -1,32 +1,22 @@
 #include "platform/Sequencer.h"
 
 #include "platform/AudioDevice.h"
+#include "platform/FileBytes.h"
 #include "platform/MessageQueue.h"
-
-#include <SDL.h>
-#include <SDL_mixer.h>
 
 #include <algorithm>
 #include <cctype>
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <utility>
 
 namespace {
 
 constexpr const char* SequencerType = "sequencer";
-constexpr char MidiSignature[] = {'M', 'T', 'h', 'd'};
 
 bool SameName(const std::string& a, const std::string& b)
 {
     const auto sameLetter = [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); };
     return std::ranges::equal(a, b, sameLetter);
-}
-
-bool IsMidiFile(const std::vector<std::uint8_t>& bytes)
-{
-    return bytes.size() >= sizeof MidiSignature &&
-           std::equal(std::begin(MidiSignature), std::end(MidiSignature), bytes.begin());
 }
 
 // Safe from any thread: the message queue is the only thing it touches.
@@ -104,13 +94,14 @@ MCIERROR CSequencer::Open(std::uint32_t flags, MCI_OPEN_PARMS& parms)
         return MCIERR_INVALID_DEVICE_NAME;
     if (!(flags & MCI_OPEN_ELEMENT))
         return MCIERR_MISSING_PARAMETER;
-    std::ifstream file(parms.lpstrElementName, std::ios::binary);
-    if (!file)
+    const auto bytes = Platform::ReadFileAtMost(parms.lpstrElementName, CMidiTune::MaxFileBytes);
+    if (!bytes)
         return MCIERR_FILE_NOT_FOUND;
-    Device device;
-    device.tune.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-    if (!IsMidiFile(device.tune))
+    std::optional<CMidiTune> tune = CMidiTune::Parse(bytes->data(), bytes->size());
+    if (!tune)
         return MCIERR_INVALID_FILE;
+    Device device;
+    device.tune = std::make_shared<const CMidiTune>(std::move(*tune));
     parms.wDeviceID = ++lastId;
     std::lock_guard<std::mutex> guard(lock);
     devices.emplace(parms.wDeviceID, std::move(device));
@@ -119,21 +110,22 @@ MCIERROR CSequencer::Open(std::uint32_t flags, MCI_OPEN_PARMS& parms)
 
 MCIERROR CSequencer::Status(MCIDEVICEID id, std::uint32_t flags, MCI_STATUS_PARMS& parms)
 {
-    Device* device = Find(id);
-    if (!device)
+    if (!Find(id))
         return MCIERR_INVALID_DEVICE_ID;
     if (!(flags & MCI_STATUS_ITEM))
         return MCIERR_MISSING_PARAMETER;
     switch (parms.dwItem) {
     case MCI_SEQ_STATUS_PORT:
-        // The device has an output once its tune is in the synthesiser.
-        if (MCIERROR error = LoadIntoSynthesiser(*device))
+        // The device has an output once the synthesiser is ready to sound it.
+        if (MCIERROR error = PrepareOutput())
             return error;
         parms.dwReturn = MCI_SEQ_MAPPER;
         return 0;
-    case MCI_STATUS_MODE:
-        parms.dwReturn = PlayingDevice() == id ? MCI_MODE_PLAY : MCI_MODE_STOP;
+    case MCI_STATUS_MODE: {
+        std::lock_guard<std::mutex> guard(lock);
+        parms.dwReturn = playing == id ? MCI_MODE_PLAY : MCI_MODE_STOP;
         return 0;
+    }
     default:
         return MCIERR_UNSUPPORTED_FUNCTION;
     }
@@ -144,35 +136,35 @@ MCIERROR CSequencer::Play(MCIDEVICEID id, std::uint32_t flags, HWND callback)
     Device* device = Find(id);
     if (!device)
         return MCIERR_INVALID_DEVICE_ID;
-    if (MCIERROR error = LoadIntoSynthesiser(*device))
+    if (MCIERROR error = PrepareOutput())
         return error;
     const HWND notify = (flags & MCI_NOTIFY) ? callback : nullptr;
 
-    bool alreadyPlaying = false;
-    bool atEnd = false;
     Notice replaced;
+    Notice cut;
+    bool atEnd = false;
     {
         std::lock_guard<std::mutex> guard(lock);
-        alreadyPlaying = playing == id;
         atEnd = device->atEnd;
-        if (alreadyPlaying && notify)
-            replaced = {std::exchange(device->notify, notify), id};
+        if (playing == id || atEnd) {
+            if (playing == id && notify)
+                replaced = {std::exchange(device->notify, notify), id};
+        } else {
+            if (playing != NoDevice)
+                cut = {std::exchange(devices.at(playing).notify, nullptr), playing};
+            // Only the same tune straight after its own end goes on from where it stands.
+            if (playing != NoDevice || streamed != id)
+                stream->Stop();
+            stream->Start(device->tune);
+            streamed = playing = id;
+            device->notify = notify;
+        }
     }
-    if (alreadyPlaying || atEnd) {
-        replaced.Post(MCI_NOTIFY_SUPERSEDED);
-        if (atEnd) // nothing is left to play: the play is over at once
-            Notice{notify, id}.Post(MCI_NOTIFY_SUCCESSFUL);
-        return 0;
-    }
-
-    const Notice cut = StopPlaying(PlayingDevice());
-    // Booked before it starts, so that however soon the tune ends, its end is heard.
-    Book(id, notify);
-    const bool started = Mix_PlayMusic(device->music, 0) == 0;
-    if (!started)
-        Book(NoDevice, nullptr);
+    replaced.Post(MCI_NOTIFY_SUPERSEDED);
     cut.Post(MCI_NOTIFY_ABORTED);
-    return started ? 0 : MCIERR_HARDWARE;
+    if (atEnd) // nothing is left to play: the play is over at once
+        Notice{notify, id}.Post(MCI_NOTIFY_SUCCESSFUL);
+    return 0;
 }
 
 MCIERROR CSequencer::Seek(MCIDEVICEID id, std::uint32_t flags)
@@ -193,29 +185,34 @@ MCIERROR CSequencer::Seek(MCIDEVICEID id, std::uint32_t flags)
 
 MCIERROR CSequencer::Close(MCIDEVICEID id)
 {
-    Device* device = Find(id);
-    if (!device)
+    if (!Find(id))
         return MCIERR_INVALID_DEVICE_ID;
     const Notice cut = StopPlaying(id);
-    Retire(*device);
     {
         std::lock_guard<std::mutex> guard(lock);
+        if (streamed == id) {
+            stream->Stop();
+            streamed = NoDevice;
+        }
         devices.erase(id);
     }
     cut.Post(MCI_NOTIFY_ABORTED);
     return 0;
 }
 
-void CSequencer::Attach()
+void CSequencer::Render(float* stereo, std::size_t frames)
 {
-    Mix_HookMusicFinished(&CSequencer::OnMusicFinished);
+    std::lock_guard<std::mutex> guard(lock);
+    if (stream && stream->Render(stereo, frames))
+        OnTuneEnded();
 }
 
 void CSequencer::CloseAll()
 {
     while (!devices.empty())
         Close(devices.begin()->first);
-    FreeSpare();
+    std::lock_guard<std::mutex> guard(lock);
+    stream.reset();
 }
 
 void CSequencer::ForgetWindow(HWND window)
@@ -238,80 +235,48 @@ CSequencer::Device* CSequencer::Find(MCIDEVICEID id)
     return found == devices.end() ? nullptr : &found->second;
 }
 
-MCIERROR CSequencer::LoadIntoSynthesiser(Device& device)
+// Opens the output and makes the synthesiser, with its sound font, once for
+// the run: the font takes a moment to load, which happens here, on the
+// caller's thread, never on the audio thread.
+MCIERROR CSequencer::PrepareOutput()
 {
-    if (device.music)
-        return 0;
     if (!CAudioDevice::Instance().Open())
         return MCIERR_HARDWARE;
-    if (spare.music && spare.tune == device.tune) {
-        device.music = std::exchange(spare.music, nullptr);
-        spare.tune.clear();
-        return 0;
+    {
+        std::lock_guard<std::mutex> guard(lock);
+        if (stream)
+            return 0;
     }
-    SDL_RWops* source = SDL_RWFromConstMem(device.tune.data(), static_cast<int>(device.tune.size()));
-    device.music = Mix_LoadMUSType_RW(source, MUS_MID, 1);
-    return device.music ? 0 : MCIERR_SEQ_NOMIDIPRESENT;
-}
-
-void CSequencer::Book(MCIDEVICEID id, HWND notify)
-{
+    const int rate = CAudioDevice::Instance().SampleRate();
+    std::unique_ptr<CSynthesiser> synthesiser = CSynthesiser::Create(rate);
+    if (!synthesiser)
+        return MCIERR_SEQ_NOMIDIPRESENT;
+    auto made = std::make_unique<CMusicStream>(std::move(synthesiser), rate);
     std::lock_guard<std::mutex> guard(lock);
-    if (Device* device = Find(id))
-        device->notify = notify;
-    playing = id;
-}
-
-MCIDEVICEID CSequencer::PlayingDevice() const
-{
-    std::lock_guard<std::mutex> guard(lock);
-    return playing;
+    stream = std::move(made);
+    return 0;
 }
 
 // Stops the device if it is the one playing and hands back the notice its
 // play was owed, for the caller to report as cut short.
 CSequencer::Notice CSequencer::StopPlaying(MCIDEVICEID id)
 {
-    Notice cut;
-    {
-        std::lock_guard<std::mutex> guard(lock);
-        if (id == NoDevice || playing != id)
-            return cut;
-        cut = {std::exchange(devices.at(id).notify, nullptr), id};
-        playing = NoDevice;
-    }
-    // The mixer calls the end-of-tune hook from inside the halt; with nothing
-    // booked as playing any more, the hook reports nothing.
-    Mix_HaltMusic();
-    return cut;
+    std::lock_guard<std::mutex> guard(lock);
+    if (id == NoDevice || playing != id)
+        return {};
+    stream->Stop();
+    playing = NoDevice;
+    return {std::exchange(devices.at(id).notify, nullptr), id};
 }
 
-void CSequencer::Retire(Device& device)
+// On the audio thread, under the lock, when the playing tune has played its
+// last event: the device stands at its end and its window hears so.
+void CSequencer::OnTuneEnded()
 {
-    if (!device.music)
+    if (playing == NoDevice)
         return;
-    FreeSpare();
-    spare.tune = std::move(device.tune);
-    spare.music = std::exchange(device.music, nullptr);
-}
-
-void CSequencer::FreeSpare()
-{
-    if (spare.music)
-        Mix_FreeMusic(spare.music);
-    spare = {};
-}
-
-// Runs on the audio thread, under the audio lock, when a tune has ended by
-// itself or been halted. It only books the end and posts the notice.
-void CSequencer::OnMusicFinished()
-{
-    CSequencer& self = Instance();
-    std::lock_guard<std::mutex> guard(self.lock);
-    if (self.playing == NoDevice)
-        return;
-    Device& device = self.devices.at(self.playing);
+    Device& device = devices.at(playing);
     device.atEnd = true;
-    Notice{std::exchange(device.notify, nullptr), self.playing}.Post(MCI_NOTIFY_SUCCESSFUL);
-    self.playing = NoDevice;
+    Notice{std::exchange(device.notify, nullptr), playing}.Post(MCI_NOTIFY_SUCCESSFUL);
+    playing = NoDevice;
 }

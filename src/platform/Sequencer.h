@@ -1,14 +1,13 @@
 #pragma once
+#include "platform/MusicStream.h"
 #include "platform/Types.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <memory>
 #include <string>
-#include <vector>
-
-struct _Mix_Music;
 
 // The media control interface of the MIDI sequencer, with the Windows values.
 using MCIDEVICEID = std::uint32_t;
@@ -85,15 +84,20 @@ MCIERROR MciSendCommand(MCIDEVICEID device, UINT command, std::uint32_t flags, c
 MCIERROR MciSendCommand(MCIDEVICEID device, UINT command, std::uint32_t flags, const MCI_GENERIC_PARMS& parms);
 } // namespace Platform
 
-// The MIDI sequencer: devices opened on MIDI files, played one at a time on
-// the output's music stream through its General MIDI synthesiser.
+// The MIDI sequencer: devices opened on MIDI files, played one at a time
+// through the General MIDI synthesiser into the output's mix.
 //
 // A device stands at its start, plays, or stands at its end. The end of a
 // play is reported to the window the play named, as MM_MCINOTIFY with
-// MCI_NOTIFY_SUCCESSFUL and the device in lParam; a play cut short by a seek,
-// a close or another device's play is reported MCI_NOTIFY_ABORTED, one
-// replaced by a newer play of the same device MCI_NOTIFY_SUPERSEDED. The end
-// is noticed on the audio thread, which only posts the message.
+// MCI_NOTIFY_SUCCESSFUL and the device in lParam, as soon as the tune's last
+// event has been played; a play cut short by a seek, a close or another
+// device's play is reported MCI_NOTIFY_ABORTED, one replaced by a newer play
+// of the same device MCI_NOTIFY_SUPERSEDED. The end is played on the audio
+// thread, which only posts the message.
+//
+// Sought back to its start and played again straight after its end, a device
+// goes on from the frame its tune ended on: that is how a tune loops without
+// a seam (see CMusicStream).
 class CSequencer {
 public:
     static CSequencer& Instance();
@@ -104,9 +108,10 @@ public:
     MCIERROR Seek(MCIDEVICEID id, std::uint32_t flags);
     MCIERROR Close(MCIDEVICEID id);
 
-    // Called when the output opens: from then on the ends of tunes are heard.
-    void Attach();
-    // Closes every device and frees every tune; called when the output closes.
+    // On the audio thread: adds the next frames of music to the output's
+    // interleaved stereo.
+    void Render(float* stereo, std::size_t frames);
+    // Closes every device and lets go of the synthesiser; called when the output closes.
     void CloseAll();
     // A window that goes away receives no more notices.
     void ForgetWindow(HWND window);
@@ -114,8 +119,7 @@ public:
 
 private:
     struct Device {
-        std::vector<std::uint8_t> tune; // the MIDI file
-        _Mix_Music* music = nullptr;    // the tune loaded into the synthesiser
+        std::shared_ptr<const CMidiTune> tune;
         bool atEnd = false;
         HWND notify = nullptr; // who hears the end of the current play
     };
@@ -125,28 +129,19 @@ private:
         MCIDEVICEID device = 0;
         void Post(WPARAM code) const;
     };
-    // The last closed tune stays loaded, since the next open is most often
-    // the same tune again and loading one takes the synthesiser a while.
-    struct Spare {
-        std::vector<std::uint8_t> tune;
-        _Mix_Music* music = nullptr;
-    };
     static constexpr MCIDEVICEID NoDevice = 0;
 
     Device* Find(MCIDEVICEID id);
-    MCIERROR LoadIntoSynthesiser(Device& device);
-    MCIDEVICEID PlayingDevice() const;
-    void Book(MCIDEVICEID id, HWND notify);
+    MCIERROR PrepareOutput();
     Notice StopPlaying(MCIDEVICEID id);
-    void Retire(Device& device);
-    void FreeSpare();
-    static void OnMusicFinished();
+    void OnTuneEnded();
 
-    // Guards what the audio thread touches: playing, atEnd and notify. Never
-    // held while calling into the mixer, which may call the end-of-tune hook.
+    // Guards everything the audio thread touches: the devices' ends and
+    // notices, what plays, and the stream, which renders under it.
     mutable std::mutex lock;
     std::map<MCIDEVICEID, Device> devices;
     MCIDEVICEID playing = NoDevice;
     MCIDEVICEID lastId = 0;
-    Spare spare;
+    std::unique_ptr<CMusicStream> stream;
+    MCIDEVICEID streamed = NoDevice; // whose tune the stream sounds, or last sounded
 };

@@ -1,10 +1,13 @@
 #include "platform/WavePlayer.h"
 
 #include "platform/AudioDevice.h"
+#include "platform/FileBytes.h"
 #include "platform/WaveFile.h"
 
 #include <SDL.h>
 #include <SDL_mixer.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -13,6 +16,62 @@ constexpr double DefaultToneHz = 880.0;
 constexpr std::uint32_t DefaultToneMs = 250;
 constexpr int DefaultToneRate = 22050;
 constexpr std::uint32_t SyncPollMs = 5;
+
+// An effect is a short sound. The mixer would turn a wave of any rate or
+// length into its own rate in memory: a few kilobytes at one sample a second
+// would take gigabytes, so such files are not played.
+constexpr std::size_t MaxWaveBytes = 16 << 20;
+constexpr int MinWaveRate = 4000;
+constexpr int MaxWaveRate = 192000;
+constexpr double MaxWaveSeconds = 30.0;
+
+std::uint32_t LittleEndian32(const std::vector<std::uint8_t>& bytes, std::size_t at)
+{
+    return bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 | static_cast<std::uint32_t>(bytes[at + 3]) << 24;
+}
+
+void PutLittleEndian32(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_t value)
+{
+    for (int i = 0; i < 4; ++i)
+        bytes[at + i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+// SDL takes a wave's chunk sizes at their word and sets aside the memory they
+// claim, gigabytes for a file of a few hundred bytes. A chunk that says it
+// runs past the end of the file is cut to what the file holds, so a file
+// that was cut short still plays what it has.
+void FitChunksToFile(std::vector<std::uint8_t>& bytes)
+{
+    constexpr std::size_t RiffHeader = 12;
+    constexpr std::size_t ChunkHeader = 8;
+    if (bytes.size() < RiffHeader)
+        return;
+    const auto left = [&](std::size_t at) { return static_cast<std::uint32_t>(bytes.size() - at - ChunkHeader); };
+    PutLittleEndian32(bytes, 4, std::min(LittleEndian32(bytes, 4), left(0)));
+    for (std::size_t at = RiffHeader; at + ChunkHeader <= bytes.size();) {
+        const std::uint32_t length = LittleEndian32(bytes, at + 4);
+        if (length > left(at)) {
+            PutLittleEndian32(bytes, at + 4, left(at));
+            return;
+        }
+        at += ChunkHeader + length + (length & 1); // chunks keep to even sizes
+    }
+}
+
+bool IsPlayableWave(const std::vector<std::uint8_t>& bytes)
+{
+    if (bytes.size() > MaxWaveBytes)
+        return false;
+    SDL_AudioSpec spec{};
+    Uint8* samples = nullptr;
+    Uint32 length = 0;
+    if (!SDL_LoadWAV_RW(SDL_RWFromConstMem(bytes.data(), static_cast<int>(bytes.size())), 1, &spec, &samples, &length))
+        return false;
+    SDL_FreeWAV(samples);
+    const double frameBytes = static_cast<double>(SDL_AUDIO_BITSIZE(spec.format) / 8 * spec.channels);
+    return spec.freq >= MinWaveRate && spec.freq <= MaxWaveRate && frameBytes > 0 &&
+           length / frameBytes / spec.freq <= MaxWaveSeconds;
+}
 
 } // namespace
 
@@ -50,7 +109,8 @@ bool CWavePlayer::Play(const std::string& file, UINT flags)
         chunk = DefaultSound();
     }
     Mix_HaltChannel(CAudioDevice::Voice);
-    if (!chunk || Mix_PlayChannel(CAudioDevice::Voice, chunk, 0) < 0)
+    // A wave with no samples is a sound that is over as soon as it starts.
+    if (!chunk || (chunk->alen > 0 && Mix_PlayChannel(CAudioDevice::Voice, chunk, 0) < 0))
         return false;
     playingFile = file;
     playingDefault = useDefault;
@@ -94,7 +154,13 @@ Mix_Chunk* CWavePlayer::Load(const std::string& file)
 {
     if (auto found = loaded.find(file); found != loaded.end())
         return found->second;
-    Mix_Chunk* chunk = Mix_LoadWAV(file.c_str());
+    auto bytes = Platform::ReadFileAtMost(file, MaxWaveBytes);
+    if (!bytes)
+        return nullptr;
+    FitChunksToFile(*bytes);
+    if (!IsPlayableWave(*bytes))
+        return nullptr;
+    Mix_Chunk* chunk = Mix_LoadWAV_RW(SDL_RWFromConstMem(bytes->data(), static_cast<int>(bytes->size())), 1);
     if (chunk)
         loaded.emplace(file, chunk);
     return chunk;

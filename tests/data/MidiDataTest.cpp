@@ -8,6 +8,7 @@
 #include "GameDataFiles.h"
 #include "MidiFile.h"
 #include "MidiWriter.h"
+#include "Tune.h"
 
 TEST(MidiWriter, EncodesVariableLengthQuantities) {
     const std::vector<std::pair<uint32_t, std::vector<uint8_t>>> cases{
@@ -67,4 +68,25 @@ TEST(BackgroundTune, IsATuneOfAtLeastAMinuteThatLoopsCleanly) {
     const uint32_t bar = 4u * m.division;
     EXPECT_EQ(end % bar, 0u) << "ends on a bar line";
     EXPECT_GE(lastRelease, end - bar / 4) << "no silent gap before the loop";
+}
+
+TEST(BackgroundTune, AnExcerptIsItsBarsAsATuneOfTheirOwn) {
+    const auto whole = qvdata::MidiFile::Parse(assetgen::Tune::Compose());
+    const auto part = qvdata::MidiFile::Parse(assetgen::Tune::Excerpt(20, 4));
+    ASSERT_EQ(part.error, "");
+    const uint32_t bar = 4u * whole.division, from = 20 * bar, to = 24 * bar;
+    ASSERT_EQ(part.tracks.size(), whole.tracks.size());
+    for (size_t t = 0; t < whole.tracks.size(); ++t) {
+        // Each part's notes in the window, and its set-up, in the same order.
+        std::vector<std::pair<uint32_t, std::vector<uint8_t>>> expected, actual;
+        for (const auto& e : whole.tracks[t]) {
+            const bool setup = e.status == 0xFF ? e.metaType != 0x2F : (e.status & 0xF0) >= 0xB0;
+            const bool sounds = (e.IsNoteOn() && e.tick >= from && e.tick < to) || (e.IsNoteOff() && e.tick > from && e.tick <= to);
+            if (setup || sounds) expected.emplace_back(setup ? 0 : e.tick - from, e.data);
+        }
+        for (const auto& e : part.tracks[t])
+            if (e.status != 0xFF || e.metaType != 0x2F) actual.emplace_back(e.tick, e.data);
+        EXPECT_EQ(actual, expected) << "track " << t;
+        EXPECT_EQ(part.tracks[t].back().tick, to - from) << "every part ends on the excerpt's last bar line";
+    }
 }

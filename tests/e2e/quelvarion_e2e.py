@@ -12,18 +12,26 @@ game's own 1024 x 768 picture wherever the letterbox puts it, and
 `mean_difference`, `lit_pixels` and `lit_cells` compare it with a picture file
 or with another screenshot.
 
-Environment: QV_GAME (the program), QV_GAME_DIR (the built game data) and
-QV_BUILD_DIR (the build, for installing it), all set by CTest.
+A game started with `record=True` plays through SDL's disk audio driver, and
+`Recording` measures what it played: silences, samples at full scale, and how
+loud the music is over time.
 
 Runs that end before a game begins (a refused start, --help) go through
 `run_program`; `XServer` gives them a display of their own, and
 `dismiss_error_box` answers the box such a start shows there.
+
+Environment: QV_GAME (the program), QV_GAME_DIR (the built game data),
+QV_BUILD_DIR (the build, for installing it) and QV_ASSETGEN (the data
+generator, for a short tune), all set by CTest.
 """
 
+import array
 import ctypes
 import ctypes.util
+import math
 import os
 import pwd
+import re
 import shutil
 import signal
 import subprocess
@@ -41,6 +49,13 @@ SETTINGS_FILE = "quelvarion.ini"
 # The entries of the main menu, top to bottom, and the options in their order.
 MAIN_MENU = ["New Game", "Help", "About", "Options", "High Scores", "Exit Game"]
 OPTIONS = ["Start Level", "Music", "Sound FX", "Background Stars", "Ship/Turrent Stats"]
+
+
+# SDL's disk driver writes what the game plays as 16-bit stereo at 44.1 kHz.
+AUDIO_RATE = 44100
+FULL_SCALE = 32767
+# A hundredth of a second whose loudest sample stays under this (-60 dB) is silent.
+SILENT_PEAK = 33
 
 
 def fail(message):
@@ -139,6 +154,72 @@ class Screen:
                        input=self.pixels, check=True)
 
 
+def tune_excerpt(first_bar, bars, folder):
+    """Bars of the game's tune as a short tune of their own, written into folder."""
+    path = os.path.join(folder, f"excerpt-{first_bar}-{bars}.mid")
+    subprocess.run([os.environ["QV_ASSETGEN"], "--tune-excerpt", path, str(first_bar), str(bars)], check=True)
+    return path
+
+
+class Recording:
+    """What the game played, from SDL's disk audio driver: interleaved 16-bit
+    stereo samples, read in hundredths of a second."""
+
+    STEP = AUDIO_RATE // 100
+
+    def __init__(self, path):
+        self.samples = array.array("h")
+        with open(path, "rb") as f:
+            self.samples.frombytes(f.read())
+        if self.samples.itemsize != 2 or sys.byteorder != "little":
+            fail("the recording is not read as it was written")
+        step = 2 * self.STEP
+        self.peaks = [max(max(self.samples[i:i + step]), -min(self.samples[i:i + step]))
+                      for i in range(0, len(self.samples) - step + 1, step)]
+
+    def seconds(self):
+        return len(self.peaks) / 100
+
+    def at_full_scale(self):
+        """How many samples reached full scale, either way."""
+        return sum(self.samples.count(v) for v in (FULL_SCALE, -FULL_SCALE, -FULL_SCALE - 1))
+
+    def loudest(self):
+        return max(self.peaks, default=0)
+
+    def silences(self, start=0.0, end=None):
+        """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
+        first, last = int(start * 100), int((end if end is not None else self.seconds()) * 100)
+        runs, begun = [], None
+        for i in range(first, min(last, len(self.peaks))):
+            if self.peaks[i] < SILENT_PEAK:
+                begun = i if begun is None else begun
+            elif begun is not None:
+                runs.append((begun / 100, (i - begun) / 100))
+                begun = None
+        if begun is not None:
+            runs.append((begun / 100, (min(last, len(self.peaks)) - begun) / 100))
+        return runs
+
+    def sound_after_silence(self, at_least, start=0.0):
+        """When sound starts again after the first silence of at least that many seconds from start."""
+        for begun, length in self.silences(start):
+            if length >= at_least:
+                return begun + length
+        fail(f"no silence of {at_least} s in the recording after {start} s")
+
+    def level(self, start, seconds):
+        """The quietest tenth of the twentieths of a second in that span, as an RMS:
+        what sounds all the time, whatever plays over it now and then."""
+        rms = []
+        for i in range(int(start * 20), int((start + seconds) * 20)):
+            part = self.samples[2 * i * (AUDIO_RATE // 20):2 * (i + 1) * (AUDIO_RATE // 20)]
+            if len(part):
+                rms.append(math.sqrt(sum(v * v for v in part) / len(part)))
+        rms.sort()
+        return rms[len(rms) // 10] if rms else 0
+
+
 def picture_file(path, width, height):
     """A picture file scaled to width x height, as a Screen."""
     raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
@@ -165,14 +246,16 @@ class Game:
     leaving it ends the game, the server and the scratch folder."""
 
     def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None, args=(),
-                 ordinary_user=False, prepare=None, config_home=None):
+                 ordinary_user=False, prepare=None, config_home=None, record=False, tune=None):
         """settings: the bytes of a settings file the player has from before.
         installed: the prefix of an installation whose launcher starts the game
         in the player's folder, instead of the built game in a scratch folder.
         args: the game's command line. ordinary_user: run as a user whom file
         permissions bind, even where the tests run as root. prepare: called
         with the game's folder once it holds the data and the settings.
-        config_home: the player's configuration folder (a fresh one by default)."""
+        config_home: the player's configuration folder (a fresh one by default).
+        record: play through SDL's disk audio driver into a file (see recording).
+        tune: a MIDI file to play as the background tune instead of the game's."""
         self.data = os.environ["QV_GAME_DIR"]
         self.screen_size = screen
         self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
@@ -188,6 +271,8 @@ class Game:
         self.ordinary_user = ordinary_user
         self.prepare = prepare
         self.config_home = config_home or os.path.join(self.scratch, "config")
+        self.record = record
+        self.tune = tune
         self.xvfb = self.game = None
         self.status = None
 
@@ -198,7 +283,7 @@ class Game:
             if self.settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
         else:
-            link_game_data(self.folder)
+            link_game_data(self.folder, tune=self.tune)
         if self.settings is not None:
             with open(self.settings_path(), "wb") as f:
                 f.write(self.settings)
@@ -208,7 +293,12 @@ class Game:
             self.prepare(self.folder)
         self.start_x_server()
         self.game = self.start([self.program] + self.args, stderr=open(self.log_path(), "wb"))
-        self.wait_for_window()
+        try:
+            self.wait_for_window()
+        except BaseException as problem:
+            # A `with` block whose start fails never reaches __exit__: end the game and its server here.
+            self.__exit__(type(problem), problem, problem.__traceback__)
+            raise
         return self
 
     def start(self, command, **streams):
@@ -223,8 +313,10 @@ class Game:
         # server SDL's system libraries (D-Bus, the GL driver it loads and
         # unloads) keep memory the leak checker cannot tell from the game's.
         sanitizers = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
-        return self.env(SDL_AUDIODRIVER="dummy", ASAN_OPTIONS=sanitizers, XDG_DATA_HOME=self.scratch,
-                        XDG_CONFIG_HOME=self.config_home)
+        audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record \
+            else {"SDL_AUDIODRIVER": "dummy"}
+        return self.env(ASAN_OPTIONS=sanitizers, XDG_DATA_HOME=self.scratch, XDG_CONFIG_HOME=self.config_home,
+                        **audio)
 
     def __exit__(self, kind, value, trace):
         if kind is not None:
@@ -331,6 +423,11 @@ class Game:
                 fail(f"the window is {self.window_size()}, not {size}")
             time.sleep(0.2)
 
+    def unfocus(self):
+        """Gives the keyboard to the desktop, as clicking another window would."""
+        root = re.search(r"Window id: (0x[0-9a-fA-F]+)", self.x("xwininfo", "-root")).group(1)
+        self.x("xdotool", "windowfocus", root)
+
     def terminate(self):
         self.game.send_signal(signal.SIGTERM)
 
@@ -367,6 +464,13 @@ class Game:
         with open(self.settings_path(), "rb") as f:
             return f.read()
 
+    def recording_path(self):
+        return os.path.join(self.scratch, "output.raw")
+
+    def recording(self):
+        """What the game has played so far (it must have been started with record=True)."""
+        return Recording(self.recording_path())
+
     def log_path(self):
         return os.path.join(self.scratch, "game.log")
 
@@ -382,6 +486,9 @@ class Game:
         if os.path.exists(self.log_path()):
             shutil.copy(self.log_path(), stem + ".log")
             print(f"game output: {stem}.log", file=sys.stderr)
+        if self.record and os.path.exists(self.recording_path()):
+            shutil.copy(self.recording_path(), stem + ".raw")
+            print(f"what it played (16-bit stereo, 44.1 kHz): {stem}.raw", file=sys.stderr)
 
 
 def start_xvfb(size=(SCREEN_WIDTH, SCREEN_HEIGHT)):
@@ -459,12 +566,14 @@ def as_ordinary_user(command):
     return ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--"] + command
 
 
-def link_game_data(folder):
-    """Links to every file of the built game data, as a player's folder has them."""
+def link_game_data(folder, tune=None):
+    """Links to every file of the built game data, as a player's folder has
+    them; tune, when given, stands for the background tune."""
     data = os.environ["QV_GAME_DIR"]
     for name in os.listdir(data):
         if name != SETTINGS_FILE and not name.startswith("."):
-            os.symlink(os.path.join(data, name), os.path.join(folder, name))
+            source = tune if name == "background.mid" and tune else os.path.join(data, name)
+            os.symlink(source, os.path.join(folder, name))
 
 
 def run_program(args, folder, display=None, answer_box=False, timeout=30):
@@ -502,6 +611,38 @@ def expect_normal_end(game, settings):
     """The game ends with status 0, leaving exactly these settings."""
     expect_equal(game.wait_exit(), 0, "exit status")
     expect_equal(game.settings_saved(), settings, "quelvarion.ini")
+
+
+# What the music must do, as heard from where it starts to where the recording ends.
+LONGEST_SILENCE_S = 0.5
+MUSIC_WINDOW_S = 5
+# The quiet tenth of the music in every window stays above this RMS (-50 dB).
+MUSIC_LEVEL = 100
+
+
+def expect_music_plays_on(recording, music_start, tune_seconds):
+    """The music that started at music_start loops with no silence at its
+    seams, never pauses for long, is heard in every window of a few seconds,
+    and nothing in the recording reaches full scale. Returns what it measured."""
+    end = recording.seconds() - 0.2  # the game was stopped mid-chunk
+    seams = [music_start + k * tune_seconds for k in range(1, int((end - music_start) / tune_seconds) + 1)]
+    if not seams:
+        fail(f"the recording ended before the tune did ({end - music_start:.1f} s of music)")
+    silences = recording.silences(music_start, end)
+    longest = max((length for _, length in silences), default=0.0)
+    if longest > LONGEST_SILENCE_S:
+        fail(f"{longest:.2f} s of silence in the music: {silences}")
+    at_seams = [(s, length) for s, length in silences for seam in seams if abs(s - seam) < 0.5]
+    if at_seams:
+        fail(f"silence where the tune starts again (seams at {seams}): {at_seams}")
+    clipped = recording.at_full_scale()
+    if clipped:
+        fail(f"{clipped} samples at full scale")
+    windows = int((end - music_start) / MUSIC_WINDOW_S)
+    levels = [recording.level(music_start + k * MUSIC_WINDOW_S, MUSIC_WINDOW_S) for k in range(windows)]
+    if min(levels) < MUSIC_LEVEL:
+        fail(f"the music is hardly heard in a window of {MUSIC_WINDOW_S} s: levels {[round(v) for v in levels]}")
+    return {"seams": len(seams), "longest silence": longest, "full scale": clipped, "loudest": recording.loudest()}
 
 
 def run(test):

@@ -1,5 +1,6 @@
 #include "FuzzTargets.h"
 
+#include "support/AudioFiles.h"
 #include "support/DisplayApp.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using qvtest::AudioScope;
 using Target = int (*)(const std::uint8_t*, std::size_t);
 
 // Every input kept from fuzzing (crashes found and fixed, and seeds) is fed
@@ -45,6 +47,13 @@ TEST(FuzzRegressions, PaletteAndFrameBitmaps)
 {
     RunRegressions("palette", qvfuzz::FuzzPalette);
     RunRegressions("bitmap", qvfuzz::FuzzBitmap);
+}
+
+TEST(FuzzRegressions, WaveFilesAndTunes)
+{
+    AudioScope audio;
+    RunRegressions("wave", qvfuzz::FuzzWave);
+    RunRegressions("tune", qvfuzz::FuzzTune);
 }
 
 TEST(FuzzRegressions, SpriteCatalogues)

@@ -1,17 +1,19 @@
 #include "platform/AudioDevice.h"
 #include "platform/MessageQueue.h"
 #include "platform/Sequencer.h"
+#include "platform/WaveFile.h"
 #include "platform/WavePlayer.h"
 #include "platform/Window.h"
 #include "support/AudioFiles.h"
 #include "support/TestApp.h"
+
+#include <SDL.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <numeric>
 #include <fstream>
 
 namespace {
@@ -55,10 +57,22 @@ protected:
 };
 
 // Cutting in and yielding are the game's effect priorities, tested there.
-TEST_F(AudioTest, MissingAndBrokenWavesPingTheDefaultTone)
+TEST_F(AudioTest, MissingBrokenAndUnreasonableWavesPingTheDefaultTone)
 {
     WriteBytes("broken.wav", "RIFF, but not really");
-    for (const char* file : {"missing.wav", "broken.wav"}) {
+    WriteTune("tune.wav", 100); // the mixer would render a tune into memory
+    // A few samples a second would be stretched to gigabytes at the output's rate.
+    WriteBytes("slow.wav", Platform::EncodeWave(std::vector<std::int16_t>(1000, 100), 1));
+    WriteBytes("long.wav", Platform::EncodeWave(Platform::MakeTone(440.0, 31000, 4000), 4000));
+    // A file cut short, whose data chunk claims gigabytes, plays what it holds.
+    auto cut = Platform::EncodeWave(Platform::MakeTone(440.0, 100, 22050), 22050);
+    std::fill(cut.begin() + 40, cut.begin() + 44, 0xD2);
+    WriteBytes("cut.wav", cut);
+    ASSERT_TRUE(Platform::PlaySound("cut.wav", SND_FILENAME | SND_ASYNC) && !player.IsPlayingDefault());
+    // One with no samples at all plays, and is over at once.
+    WriteBytes("empty.wav", Platform::EncodeWave({}, 22050));
+    EXPECT_TRUE(Platform::PlaySound("empty.wav", SND_FILENAME | SND_ASYNC) && !player.IsPlaying());
+    for (const char* file : {"missing.wav", "broken.wav", "tune.wav", "slow.wav", "long.wav"}) {
         Platform::PlaySound(nullptr, 0);
         EXPECT_TRUE(Platform::PlaySound(file, SND_FILENAME | SND_NOSTOP | SND_ASYNC) && player.IsPlayingDefault()) << file;
     }
@@ -85,6 +99,8 @@ TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUPERSEDED, id}, {MCI_NOTIFY_ABORTED, id}, {MCI_NOTIFY_ABORTED, id}}));
     EXPECT_EQ(Close(other), 0u);
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_ABORTED, other}}));
+    SDL_Delay(600); // long past the end the stopped plays would have reached
+    EXPECT_TRUE(Notices().empty());
 
     ASSERT_EQ(Play(id), 0u);
     ASSERT_TRUE(WaitUntil([&] { return !IsPlaying(id); }));
@@ -105,7 +121,7 @@ TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
 
 // SDL's disk driver writes the mixed output (16-bit stereo, 44100 Hz) to a
 // file; QV_RECORDING_DIR keeps the recording for a closer listen.
-TEST_F(AudioTest, AWaveAndATuneReachTheOutput)
+TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
 {
     WriteWave("shot.wav", 400);
     WriteTune("tune.mid", 300);
@@ -119,18 +135,29 @@ TEST_F(AudioTest, AWaveAndATuneReachTheOutput)
         MCIDEVICEID id = 0;
         ASSERT_EQ(Open("tune.mid", id), 0u);
         ASSERT_EQ(Play(id), 0u);
+        // Played again from its start as soon as it has ended, as the game does.
         ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
+        ASSERT_EQ(Seek(id), 0u);
+        ASSERT_EQ(Play(id), 0u);
+        ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
+        SDL_Delay(400); // what was played ahead is heard
         Platform::CloseAudio();
     }
     std::ifstream in(file, std::ios::binary);
-    std::vector<double> loudness; // RMS of each tenth of a second
-    for (std::int16_t block[8820]; in.read(reinterpret_cast<char*>(block), sizeof block);)
-        loudness.push_back(std::sqrt(std::inner_product(block, std::end(block), block, 0.0) / std::size(block)));
-    ASSERT_GE(loudness.size(), 10u);
-    EXPECT_GT(loudness.front(), 1000.0); // the shot
-    const double tune = *std::max_element(loudness.begin() + 5, loudness.end());
-    EXPECT_GT(tune, 300.0);
-    EXPECT_LT(loudness.back(), tune / 10); // the tune has died away
+    std::vector<std::int16_t> samples;
+    for (std::int16_t block[882]; in.read(reinterpret_cast<char*>(block), sizeof block);)
+        samples.insert(samples.end(), std::begin(block), std::end(block));
+    std::vector<int> peaks; // of each hundredth of a second
+    for (std::size_t at = 0; at + 882 <= samples.size(); at += 882)
+        peaks.push_back(std::abs(*std::max_element(samples.begin() + at, samples.begin() + at + 882,
+                                                   [](int a, int b) { return std::abs(a) < std::abs(b); })));
+    ASSERT_GE(peaks.size(), 50u);
+    EXPECT_GT(*std::max_element(peaks.begin(), peaks.begin() + 20), 5000) << "the shot";
+    const auto tuneStart = std::find_if(peaks.begin() + 45, peaks.end(), [](int peak) { return peak > 300; });
+    ASSERT_GE(std::distance(tuneStart, peaks.end()), 170) << "the tune";
+    // Two plays of 0.9 s each, one straight after the other.
+    EXPECT_GT(*std::min_element(tuneStart, tuneStart + 170), 30) << "a pause in the music";
+    EXPECT_LE(*std::max_element(peaks.begin(), peaks.end()), static_cast<int>(CLimiter::Ceiling * 32768) + 1);
 }
 
 } // namespace

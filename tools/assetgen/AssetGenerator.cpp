@@ -11,6 +11,7 @@
 #include "SpriteCatalogue.h"
 #include "TitleScreen.h"
 #include "Tune.h"
+#include "TuneFont.h"
 #include "WavWriter.h"
 
 namespace assetgen {
@@ -77,7 +78,8 @@ AssetGenerator::Result AssetGenerator::WriteSounds(const std::string& gameDir) {
 }
 
 AssetGenerator::Result AssetGenerator::WriteMusic(const std::string& gameDir) {
-    return Save(gameDir + "/background.mid", Tune::Compose());
+    const Result result = Save(gameDir + "/background.mid", Tune::Compose());
+    return result.ok ? Save(gameDir + "/background.sf2", TuneFont::Build()) : result;
 }
 
 }  // namespace assetgen

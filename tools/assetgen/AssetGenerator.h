@@ -5,7 +5,8 @@ namespace assetgen {
 
 // Writes the game's whole working directory: the sprite list, the art
 // folder (sprite frames, palette, blank and title pictures), the sound
-// effects and the background tune. The same bytes come out on every run.
+// effects, the background tune and the sound font it is played with. The
+// same bytes come out on every run.
 class AssetGenerator {
 public:
     struct Result {

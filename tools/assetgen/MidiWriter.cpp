@@ -49,33 +49,50 @@ int MidiWriter::AddTrack(const std::string& name) {
 }
 
 void MidiWriter::Tempo(int track, uint32_t tick, uint32_t micros) {
+    if (!PlaceSetup(tick)) return;
     Add(track, tick, Order::Meta,
         {kMeta, kMetaTempo, 3, static_cast<uint8_t>(micros >> 16), static_cast<uint8_t>(micros >> 8),
          static_cast<uint8_t>(micros)});
 }
 
 void MidiWriter::TimeSignature(int track, uint32_t tick, uint8_t numerator, uint8_t denominatorPower) {
+    if (!PlaceSetup(tick)) return;
     Add(track, tick, Order::Meta,
         {kMeta, kMetaTimeSignature, 4, numerator, denominatorPower, kClocksPerClick, kThirtySecondsPerQuarter});
 }
 
 void MidiWriter::ProgramChange(int track, uint32_t tick, uint8_t channel, uint8_t program) {
+    if (!PlaceSetup(tick)) return;
     Add(track, tick, Order::Setup, {static_cast<uint8_t>(kProgramChange | (channel & 0x0F)), Data7(program)});
 }
 
 void MidiWriter::ControlChange(int track, uint32_t tick, uint8_t channel, uint8_t controller, uint8_t value) {
+    if (!PlaceSetup(tick)) return;
     Add(track, tick, Order::Setup,
         {static_cast<uint8_t>(kControlChange | (channel & 0x0F)), Data7(controller), Data7(value)});
 }
 
 void MidiWriter::Note(int track, uint32_t tick, uint32_t length, uint8_t channel, uint8_t key, uint8_t velocity) {
-    if (length == 0 || velocity == 0) return;
+    if (length == 0 || velocity == 0 || tick < windowFrom || tick >= windowTo) return;
+    length = std::min(length, windowTo - tick);
+    tick -= windowFrom;
     const uint8_t ch = channel & 0x0F;
     Add(track, tick, Order::NoteOn, {static_cast<uint8_t>(kNoteOn | ch), Data7(key), Data7(velocity)});
     Add(track, tick + length, Order::NoteOff, {static_cast<uint8_t>(kNoteOff | ch), Data7(key), 0});
 }
 
-void MidiWriter::SetEnd(uint32_t tick) { endTick = tick; }
+void MidiWriter::SetEnd(uint32_t tick) { endTick = std::clamp(tick, windowFrom, windowTo) - windowFrom; }
+
+void MidiWriter::SetWindow(uint32_t fromTick, uint32_t toTick) {
+    windowFrom = fromTick;
+    windowTo = toTick;
+}
+
+bool MidiWriter::PlaceSetup(uint32_t& tick) const {
+    if (tick >= windowTo) return false;
+    tick = tick < windowFrom ? 0 : tick - windowFrom;
+    return true;
+}
 
 void MidiWriter::Add(int track, uint32_t tick, Order order, std::vector<uint8_t> bytes) {
     tracks.at(static_cast<size_t>(track)).events.push_back(Event{tick, order, nextSequence++, std::move(bytes)});

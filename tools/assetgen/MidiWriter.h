@@ -22,6 +22,10 @@ public:
     // Every track ends here (at least after its last event), so all parts
     // stop together and a looping player restarts on the beat.
     void SetEnd(uint32_t tick);
+    // Keeps only what falls in [fromTick, toTick), timed from fromTick: notes
+    // are cut at toTick, and set-up events from before the window sound at
+    // its start. Set it before adding anything.
+    void SetWindow(uint32_t fromTick, uint32_t toTick);
 
     uint16_t TicksPerQuarter() const { return ticksPerQuarter; }
     std::vector<uint8_t> Encode() const;
@@ -45,10 +49,14 @@ private:
     };
 
     void Add(int track, uint32_t tick, Order order, std::vector<uint8_t> bytes);
+    // Moves a set-up or meta event's tick into the window; false when it falls after it.
+    bool PlaceSetup(uint32_t& tick) const;
     std::vector<uint8_t> EncodeTrack(const Track& track) const;
 
     uint16_t ticksPerQuarter;
     uint32_t endTick = 0;
+    uint32_t windowFrom = 0;
+    uint32_t windowTo = UINT32_MAX;
     uint32_t nextSequence = 0;
     std::vector<Track> tracks;
 };

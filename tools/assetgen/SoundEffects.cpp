@@ -43,7 +43,7 @@ void AddChordVoice(std::vector<float>& out, double key, double start, double len
     }
 }
 
-void AddBell(std::vector<float>& out, double hz, double start, double decay) {
+void AddBell(std::vector<float>& out, double hz, double start, double decay, double level = 1.0) {
     // Slightly inharmonic partials give the metallic shimmer of a bell.
     constexpr std::array<double, 3> kRatios{1.0, 2.0, 3.01};
     constexpr std::array<double, 3> kLevels{1.0, 0.35, 0.15};
@@ -52,7 +52,7 @@ void AddBell(std::vector<float>& out, double hz, double start, double decay) {
         for (size_t i = Samples(start); i < out.size(); ++i) {
             const double local = TimeOf(i) - start;
             const double env = Attack(local, 0.004) * std::exp(-local / (decay / kRatios[p]));
-            out[i] += static_cast<float>(kLevels[p] * env * osc.Sine(hz * kRatios[p]));
+            out[i] += static_cast<float>(level * kLevels[p] * env * osc.Sine(hz * kRatios[p]));
         }
     }
 }
@@ -74,7 +74,9 @@ std::vector<float> SoundEffects::StartupChord() {
     constexpr std::array<double, 8> kKeys{45, 52, 57, 61, 64, 69, 73, 76};  // A major, low to high
     std::vector<float> out(Samples(kLength));
     for (size_t n = 0; n < kKeys.size(); ++n) AddChordVoice(out, kKeys[n], 0.08 * n, kLength);
-    // A high shimmer crowns the chord once it has built.
+    // A soft chime over the first, low voices, so the sound starts bright
+    // enough for small speakers; a high shimmer crowns the chord once it has built.
+    AddBell(out, MidiHz(81), 0.0, 0.35, 0.4);
     AddBell(out, MidiHz(93), 0.70, 0.6);
     FinishWithFade(out);
     return out;
@@ -93,19 +95,22 @@ std::vector<float> SoundEffects::Explosion() {
     constexpr double kLength = 1.1;
     std::vector<float> out(Samples(kLength));
     Random noise(kNoiseSeed);
-    LowPass roar(kRate), crackleTone(kRate);
+    LowPass roar(kRate), crackleTone(kRate), snapDark(kRate);
     Oscillator thump(kRate);
     for (size_t i = 0; i < out.size(); ++i) {
         const double t = TimeOf(i);
         const double white = noise.Signed();
-        const double cutoff = 150.0 + 2600.0 * std::exp(-t / 0.22);
-        const double body = roar.Process(white, cutoff) * 2.2 * Attack(t, 0.004) * std::exp(-t / 0.34);
-        const double boom = thump.Sine(Sweep(t, 0.4, 110.0, 32.0)) * std::exp(-t / 0.16);
+        // The blast's crack: noise above about 1 kHz, gone within a few tens of milliseconds.
+        const double snap = (white - snapDark.Process(white, 1000.0)) * Attack(t, 0.002) * std::exp(-t / 0.03);
+        // The roar starts bright and darkens into a rumble as it dies.
+        const double cutoff = 300.0 + 3000.0 * std::exp(-t / 0.25);
+        const double body = roar.Process(white, cutoff) * 2.0 * Attack(t, 0.003) * std::exp(-t / 0.34);
+        const double boom = thump.Sine(Sweep(t, 0.35, 140.0, 45.0)) * std::exp(-t / 0.12);
         // Sparse crackles, thinning out and quietening as the blast dies.
         const double liveliness = std::exp(-t / 0.18);
         const bool crack = noise.Unit() < 0.004 * liveliness;
-        const double crackle = crackleTone.Process(crack ? noise.Signed() * 5.0 * liveliness : 0.0, 1800.0);
-        out[i] = static_cast<float>(std::tanh(1.6 * (body + 0.9 * boom + crackle)));
+        const double crackle = crackleTone.Process(crack ? noise.Signed() * 5.0 * liveliness : 0.0, 2400.0);
+        out[i] = static_cast<float>(std::tanh(1.5 * (body + 0.35 * boom + 0.4 * snap + crackle)));
     }
     FinishWithFade(out);
     return out;

@@ -15,7 +15,8 @@ public:
     static std::vector<float> StartupChord();
     // A rising bell arpeggio (gold token picked up).
     static std::vector<float> PickupChime();
-    // A low thump under a roar of darkening noise with crackles.
+    // A sharp crack, a roar that starts bright and darkens into a rumble, a
+    // low thump under it and crackles: heard in full on small speakers too.
     static std::vector<float> Explosion();
     // The player's laser: a quick, high square-wave "pew".
     static std::vector<float> PlayerShot();

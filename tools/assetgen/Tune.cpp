@@ -110,6 +110,16 @@ void TomFill(MidiWriter& midi, int track, int bar) {
 
 std::vector<uint8_t> Tune::Compose() {
     MidiWriter midi(kTicksPerQuarter);
+    return Compose(midi);
+}
+
+std::vector<uint8_t> Tune::Excerpt(int firstBar, int bars) {
+    MidiWriter midi(kTicksPerQuarter);
+    midi.SetWindow(BarStart(firstBar), BarStart(firstBar + bars));
+    return Compose(midi);
+}
+
+std::vector<uint8_t> Tune::Compose(MidiWriter& midi) {
     const int conductor = midi.AddTrack("Quelvarion");
     midi.Tempo(conductor, 0, kMicrosPerQuarter);
     midi.TimeSignature(conductor, 0, 4, 2);

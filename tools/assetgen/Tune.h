@@ -17,8 +17,12 @@ public:
     static constexpr int kBars = 32;
 
     static std::vector<uint8_t> Compose();
+    // Bars firstBar to firstBar + bars - 1 alone, as a tune of their own: a
+    // short loop of the real thing, for tests that need the tune's end soon.
+    static std::vector<uint8_t> Excerpt(int firstBar, int bars);
 
 private:
+    static std::vector<uint8_t> Compose(MidiWriter& midi);
     static void Pad(MidiWriter& midi);
     static void Arpeggio(MidiWriter& midi);
     static void Bass(MidiWriter& midi);

@@ -1,0 +1,141 @@
+// The music stream as the output's mixer drives it: when a tune's end is
+// reported, how a tune started again joins its end, and how a stop cuts.
+#include "platform/MusicStream.h"
+#include "support/MidiBytes.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace qvtest::midi;
+
+constexpr int Rate = 44100;
+constexpr std::size_t Piece = 441; // the output takes 10 ms at a time
+constexpr std::size_t FluidBlock = 64; // the synthesiser starts notes on its own blocks
+constexpr float Audible = 0.01f;
+
+std::size_t Frames(std::uint32_t ms)
+{
+    return static_cast<std::size_t>(ms) * Rate / 1000;
+}
+
+// A piano note with no reverb or chorus, so nothing is left once it has
+// died away, at the start of a tune of the given length.
+std::shared_ptr<const CMidiTune> DryNote(std::uint32_t noteMs, std::uint32_t tuneMs)
+{
+    const Bytes events = Join({{0x00, 0xB0, 91, 0, 0x00, 0xB0, 93, 0, 0x00, 0x90, 60, 127}, Delta(noteMs),
+                               {0x80, 60, 0}});
+    const Bytes bytes = OneTrackTune(events, tuneMs - noteMs);
+    auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
+    return tune ? std::make_shared<const CMidiTune>(std::move(*tune)) : nullptr;
+}
+
+class MusicStreamTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        auto synthesiser = CSynthesiser::Create(Rate);
+        ASSERT_TRUE(synthesiser) << "no General MIDI sound font installed";
+        stream = std::make_unique<CMusicStream>(std::move(synthesiser), Rate);
+    }
+
+    // The output takes the next frames; true when the tune's end was reported.
+    bool Take(std::size_t frames)
+    {
+        std::vector<float> piece(2 * frames, 0.0f);
+        const bool ended = stream->Render(piece.data(), frames);
+        output.insert(output.end(), piece.begin(), piece.end());
+        return ended;
+    }
+    std::size_t Taken() const { return output.size() / 2; }
+    // Takes pieces until the end is reported; false if it never is.
+    bool TakeUntilTheEnd(std::size_t limit = Frames(5000))
+    {
+        for (std::size_t start = Taken(); Taken() - start < limit;)
+            if (Take(Piece))
+                return true;
+        return false;
+    }
+    // The frames where a sound begins after at least gapMs of silence.
+    std::vector<std::size_t> Onsets(std::uint32_t gapMs) const
+    {
+        std::vector<std::size_t> onsets;
+        std::size_t quiet = Frames(gapMs);
+        for (std::size_t f = 0; f < Taken(); ++f) {
+            const bool loud = std::fabs(output[2 * f]) > Audible || std::fabs(output[2 * f + 1]) > Audible;
+            if (loud && quiet >= Frames(gapMs))
+                onsets.push_back(f);
+            quiet = loud ? 0 : quiet + 1;
+        }
+        return onsets;
+    }
+    float Loudest(std::size_t from) const
+    {
+        float loudest = 0.0f;
+        for (std::size_t i = 2 * from; i < output.size(); ++i)
+            loudest = std::max(loudest, std::fabs(output[i]));
+        return loudest;
+    }
+
+    std::unique_ptr<CMusicStream> stream;
+    std::vector<float> output; // everything taken, interleaved stereo
+};
+
+TEST_F(MusicStreamTest, TheEndIsReportedOnceWhenTheLastEventIsPlayedALeadBeforeItIsHeard)
+{
+    stream->Start(DryNote(100, 400));
+    int ends = 0;
+    std::size_t playedTo = 0;
+    while (Taken() < Frames(2000)) {
+        if (Take(Piece)) {
+            ++ends;
+            playedTo = Taken() + stream->FramesAhead();
+        }
+    }
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(playedTo, Frames(400)) << "the end is the frame of the last event, not after the note's release";
+    EXPECT_FALSE(stream->IsPlaying());
+}
+
+TEST_F(MusicStreamTest, AStartAnsweredWithinTheLeadJoinsTheEndOnItsFrame)
+{
+    const auto tune = DryNote(30, 800);
+    stream->Start(tune);
+    for (std::uint32_t lateMs : {0u, 100u, 200u}) { // the main window's answer, however late within the lead
+        ASSERT_TRUE(TakeUntilTheEnd());
+        Take(Frames(lateMs));
+        stream->Start(tune);
+    }
+    Take(Frames(1000));
+    const std::vector<std::size_t> onsets = Onsets(300);
+    ASSERT_EQ(onsets.size(), 4u);
+    for (std::size_t i = 1; i < onsets.size(); ++i)
+        EXPECT_NEAR(static_cast<double>(onsets[i] - onsets[i - 1]), static_cast<double>(Frames(800)), FluidBlock)
+            << "loop " << i;
+}
+
+TEST_F(MusicStreamTest, AStopCutsAtOnceReportsNoEndAndAFreshStartSoundsAtOnce)
+{
+    const auto tune = DryNote(300, 400);
+    stream->Start(tune);
+    Take(Frames(100));
+    ASSERT_GT(Loudest(0), Audible);
+    stream->Stop();
+    const std::size_t stopped = Taken();
+    EXPECT_FALSE(TakeUntilTheEnd(Frames(1000)));
+    EXPECT_EQ(Loudest(stopped), 0.0f);
+    EXPECT_EQ(stream->FramesAhead(), 0u);
+
+    stream->Start(tune);
+    const std::size_t started = Taken();
+    Take(Piece);
+    const std::vector<std::size_t> onsets = Onsets(100);
+    ASSERT_FALSE(onsets.empty());
+    EXPECT_LT(onsets.back() - started, FluidBlock) << "a start after a stop waits for nothing";
+}
+
+} // namespace

@@ -1,0 +1,30 @@
+// Which sound font the synthesiser plays with.
+#include "platform/Synthesiser.h"
+#include "support/AudioFiles.h"
+#include "support/TestApp.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+using namespace qvtest;
+
+TEST(Synthesiser, ThePlayersFontsComeFirstAndAFontThatWillNotLoadFallsBackToTheGames)
+{
+    const std::vector<std::string> defaults = CSynthesiser::FontCandidates(nullptr);
+    ASSERT_FALSE(defaults.empty());
+    EXPECT_EQ(defaults.front(), "background.sf2") << "the game's own, in its folder";
+    std::vector<std::string> expected{"/one.sf2", "two.sf2", "three.sf2"};
+    expected.insert(expected.end(), defaults.begin(), defaults.end());
+    EXPECT_EQ(CSynthesiser::FontCandidates("/one.sf2:two.sf2;;three.sf2:"), expected);
+
+    ScopedWorkDir dir;
+    std::filesystem::copy_file(QV_GAME_DIR "/background.sf2", "background.sf2");
+    WriteBytes("broken.sf2", "RIFF, but no sound font");
+    ScopedEnv fonts("SDL_SOUNDFONTS", "missing.sf2:broken.sf2");
+    EXPECT_TRUE(CSynthesiser::Create(44100));
+}
+
+} // namespace
