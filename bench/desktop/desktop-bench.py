@@ -30,6 +30,8 @@ PROGRAM and DATA default to $QV_GAME and $QV_GAME_DIR. The ways:
   software   SDL_RENDER_DRIVER=software: SDL's software renderer
   novsync    SDL_RENDER_DRIVER=software and SDL_FRAMEBUFFER_ACCELERATION=0: a
              renderer that claims to wait for the display and does not
+  opengl     SDL_RENDER_DRIVER=opengl: OpenGL, here drawn by Mesa's software
+             rasteriser (llvmpipe), as on a desktop without a GPU driver
 """
 
 import argparse
@@ -54,6 +56,7 @@ WAYS = {
     "default": {},
     "software": {"SDL_RENDER_DRIVER": "software"},
     "novsync": {"SDL_RENDER_DRIVER": "software", "SDL_FRAMEBUFFER_ACCELERATION": "0"},
+    "opengl": {"SDL_RENDER_DRIVER": "opengl"},
 }
 
 COLUMNS = ["title_ms", "menu_cpu", "menu_fps", "level_cpu", "level_fps", "x_cpu", "peak_mb"]

@@ -1,0 +1,38 @@
+#pragma once
+#include <functional>
+
+// Keeps the pictures shown at most one a refresh period, whatever the
+// renderer claims. A present that really waits for the display sets the
+// rhythm itself; one that returns at once (a software renderer, a driver
+// that ignores the request, a hidden window) would let the game draw as fast
+// as the processor allows, so the pacer waits out the rest of the period
+// before such a present instead. Turns follow a schedule one period apart
+// rather than "a period after the last present", so sleeping a little long
+// now and then does not slow the rate: 60 Hz gives 60 pictures a second.
+class CFramePacer {
+public:
+    using Clock = std::function<double()>;     // seconds, never going back
+    using Wait = std::function<void(double)>;  // sleeps about this many seconds
+
+    // A present that took longer than this share of the period waited for the display.
+    static constexpr double WaitedShare = 0.25;
+    // How much sooner than a whole period after the last present a late frame's
+    // successor may go, so the schedule absorbs a late wake-up without a burst.
+    static constexpr double CatchUpSeconds = 0.0005;
+
+    CFramePacer(Clock clock, Wait wait) : now(std::move(clock)), wait(std::move(wait)) {}
+
+    // Before a present: waits until this picture's turn, for a display that
+    // shows a new picture every `period` seconds.
+    void WaitForTurn(double period);
+    // Right after the present returned.
+    void Presented();
+
+private:
+    Clock now;
+    Wait wait;
+    double period = 0.0;
+    double presentStart = 0.0;
+    double nextTurn = 0.0;
+    bool scheduled = false;
+};
