@@ -1,6 +1,7 @@
 #include "support/DisplayApp.h"
 #include "support/TestApp.h"
 
+#include "display/Bitmaps.h"
 #include "display/SpriteInstance.h"
 #include "display/SpriteSet.h"
 
@@ -116,8 +117,10 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     CSpriteInstance instance;
     ASSERT_TRUE(Sprites().Find("big2", instance));
 
+    const std::size_t decoded = BitmapFilesDecoded();
     Platform::NotifySurfacesLost(); // as when the window is minimised
     EXPECT_EQ(t->display.Flip(), 0u);
+    EXPECT_EQ(BitmapFilesDecoded(), decoded) << "the pages are redrawn from memory, no file read again";
     EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
     ASSERT_EQ(Sprites().GetEntries().size(), 6u); // loaded again behind the first set
     EXPECT_EQ(Sprites().GetPages().size(), 2u);
@@ -130,6 +133,23 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     EXPECT_EQ(instance.GetSpriteIndex(), 1);
     const CSpriteFrame& frame = Entry(1).frames[0];
     EXPECT_EQ(DisplayApp::PixelAt(*frame.surface, frame.source.left + 500, frame.source.top + 300), 0x001F);
+}
+
+// Kept pictures stand for their files only while the files are unchanged: a
+// frame rewritten on disk is drawn anew by the next load, a removed one is missing.
+TEST_F(SpriteSetTest, AReloadDrawsAFrameChangedOnDiskAndMissesARemovedOne)
+{
+    qvtest::WriteFile("sprite.ini", std::string("a 2 2\nb 2 2\n"));
+    Art("a", RGB(0, 0, 255));
+    Art("b", RGB(0, 0, 255));
+    Sprites().Load();
+    qvtest::WriteBitmap("art/a.bmp", 2, 2, [](int, int) { return RGB(255, 0, 0); });
+    std::filesystem::remove("art/b.bmp");
+    t->display.Restore();
+    ASSERT_EQ(Sprites().GetEntries().size(), 4u);
+    const CSpriteFrame& a = Entry(2).frames[0];
+    EXPECT_EQ(DisplayApp::PixelAt(*a.surface, a.source.left, a.source.top), 0xF800);
+    EXPECT_EQ(Entry(3).frames[0].surface, nullptr);
 }
 
 } // namespace
