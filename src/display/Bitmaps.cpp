@@ -115,6 +115,11 @@ std::size_t BitmapFilesDecoded()
     return decodeCount();
 }
 
+void ForgetDecodedBitmaps()
+{
+    decodedBitmaps().clear();
+}
+
 Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t width, std::int32_t height,
                       std::int32_t x, std::int32_t y)
 {

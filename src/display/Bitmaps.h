@@ -16,6 +16,8 @@ Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t w
 
 // How many bitmap files have been read and decoded so far.
 std::size_t BitmapFilesDecoded();
+// Lets go of every decoded bitmap, so the next draw of each reads its file.
+void ForgetDecodedBitmaps();
 
 // The palette made from a bitmap file's colour table, over a default colour
 // cube; null when the device cannot make one.
