@@ -20,9 +20,13 @@ void CFramePacer::WaitForTurn(double newPeriod)
 void CFramePacer::Presented()
 {
     const double end = now();
-    if (end - presentStart > WaitedShare * period) {
-        // The present waited for the display: aim the next turn a little
-        // before the display's next refresh, where this one ended.
+    const bool waited = end - presentStart > WaitedShare * period;
+    if (waited && movedLastTurn)
+        followsRefresh = false; // as slow after its turn was moved: the present's own cost
+    movedLastTurn = waited && followsRefresh;
+    if (movedLastTurn) {
+        // Aim the next turn a little before the display's next refresh, one
+        // period after the refresh this present waited for.
         nextTurn = end + period - WaitedShare * period;
     } else {
         const double onSchedule = scheduled ? nextTurn + period : presentStart + period;
