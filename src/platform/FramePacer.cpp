@@ -30,7 +30,7 @@ void CFramePacer::Presented()
         nextTurn = end + period - WaitedShare * period;
     } else {
         const double onSchedule = scheduled ? nextTurn + period : presentStart + period;
-        nextTurn = std::max(onSchedule, presentStart + period - CatchUpSeconds);
+        nextTurn = std::max(onSchedule, presentStart + period - CatchUpShare * period);
     }
     scheduled = true;
 }

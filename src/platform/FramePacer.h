@@ -21,9 +21,10 @@ public:
 
     // A present that took longer than this share of the period waited for the display.
     static constexpr double WaitedShare = 0.25;
-    // How much sooner than a whole period after the last present a late frame's
-    // successor may go, so the schedule absorbs a late wake-up without a burst.
-    static constexpr double CatchUpSeconds = 0.0005;
+    // How much of a period a late frame's successor may make up, so that a
+    // frame held up now and then (a busy machine, a late wake-up) costs no
+    // picture, while a long stall is not followed by a burst.
+    static constexpr double CatchUpShare = 0.25;
 
     CFramePacer(Clock clock, Wait wait) : now(std::move(clock)), wait(std::move(wait)) {}
 

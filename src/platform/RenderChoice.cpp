@@ -64,9 +64,13 @@ RenderChoice ChooseRenderer(const RenderSituation& s)
 {
     RenderChoice choice;
     const std::string video = Lower(s.videoDriver);
+    const bool headless = video == "dummy" || video == "offscreen";
+    // Only where SDL can write to the window without OpenGL (X11's shared
+    // memory); elsewhere its software renderer would go through OpenGL too.
+    const bool plainWindowMemory = headless || video == "x11";
     if (!s.requestedDriver.empty())
         choice.driver = s.requestedDriver; // the player's word goes
-    else if (video == "dummy" || video == "offscreen" || !s.gpuRenderNode || s.softwareGlForced)
+    else if (headless || (plainWindowMemory && (!s.gpuRenderNode || s.softwareGlForced)))
         choice.driver = SoftwareDriver;
     const bool software = Lower(choice.driver) == SoftwareDriver;
     // Left to itself, SDL's software renderer on X11 may draw the window
@@ -75,7 +79,7 @@ RenderChoice ChooseRenderer(const RenderSituation& s)
     choice.plainFramebuffer = software && s.requestedAcceleration.empty();
     const bool acceleratedFramebuffer = software && SaysYes(s.requestedAcceleration);
     choice.openGlWindow = choice.driver.empty() || IsOpenGlDriver(choice.driver) || acceleratedFramebuffer;
-    if (video == "dummy" || video == "offscreen")
+    if (headless)
         choice.openGlWindow = false;
     choice.askForVsync = !software;
     return choice;
