@@ -117,10 +117,8 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     CSpriteInstance instance;
     ASSERT_TRUE(Sprites().Find("big2", instance));
 
-    const std::size_t decoded = BitmapFilesDecoded();
     Platform::NotifySurfacesLost(); // as when the window is minimised
     EXPECT_EQ(t->display.Flip(), 0u);
-    EXPECT_EQ(BitmapFilesDecoded(), decoded) << "the pages are redrawn from memory, no file read again";
     EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
     ASSERT_EQ(Sprites().GetEntries().size(), 6u); // loaded again behind the first set
     EXPECT_EQ(Sprites().GetPages().size(), 2u);
@@ -135,21 +133,32 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     EXPECT_EQ(DisplayApp::PixelAt(*frame.surface, frame.source.left + 500, frame.source.top + 300), 0x001F);
 }
 
-// Kept pictures stand for their files only while the files are unchanged: a
-// frame rewritten on disk is drawn anew by the next load, a removed one is missing.
-TEST_F(SpriteSetTest, AReloadDrawsAFrameChangedOnDiskAndMissesARemovedOne)
+// A restore redraws the frames from the pictures kept since the first load,
+// reading no file; kept pictures stand for their files only while the files
+// are unchanged: a frame rewritten on disk is drawn anew, a removed one is missing.
+TEST_F(SpriteSetTest, ARestoreRedrawsFramesFromMemoryUnlessTheirFilesChanged)
 {
     qvtest::WriteFile("sprite.ini", std::string("a 2 2\nb 2 2\n"));
     Art("a", RGB(0, 0, 255));
     Art("b", RGB(0, 0, 255));
     Sprites().Load();
+    auto pixel = [&](std::size_t entry) {
+        const CSpriteFrame& f = Entry(entry).frames[0];
+        return DisplayApp::PixelAt(*f.surface, f.source.left, f.source.top);
+    };
+    const std::size_t decoded = BitmapFilesDecoded();
+    t->display.Restore();
+    EXPECT_EQ(BitmapFilesDecoded(), decoded);
+    ASSERT_EQ(Sprites().GetEntries().size(), 4u);
+    EXPECT_EQ(pixel(2), 0x001F);
+    EXPECT_EQ(pixel(3), 0x001F);
+
     qvtest::WriteBitmap("art/a.bmp", 2, 2, [](int, int) { return RGB(255, 0, 0); });
     std::filesystem::remove("art/b.bmp");
     t->display.Restore();
-    ASSERT_EQ(Sprites().GetEntries().size(), 4u);
-    const CSpriteFrame& a = Entry(2).frames[0];
-    EXPECT_EQ(DisplayApp::PixelAt(*a.surface, a.source.left, a.source.top), 0xF800);
-    EXPECT_EQ(Entry(3).frames[0].surface, nullptr);
+    ASSERT_EQ(Sprites().GetEntries().size(), 6u);
+    EXPECT_EQ(pixel(4), 0xF800);
+    EXPECT_EQ(Entry(5).frames[0].surface, nullptr);
 }
 
 } // namespace
