@@ -1,9 +1,8 @@
 #pragma once
+#include "platform/Clock.h"
 #include "platform/FramePacer.h"
 #include "platform/Palette.h"
 #include "platform/Surface.h"
-
-#include "platform/Clock.h"
 
 #include <cstdint>
 #include <memory>
