@@ -62,11 +62,6 @@ struct DecodedBitmap {
 
 using DecodedKey = std::tuple<std::string, std::int32_t, std::int32_t>;
 
-// Pictures up to this size are kept: every sprite frame, which a restore
-// draws again. The screen-sized title and blank pictures are drawn once or
-// twice a run and would hold 1.5 MB each.
-constexpr std::int64_t KeptPictureMaxPixels = 256 * 256;
-
 std::map<DecodedKey, DecodedBitmap>& decodedBitmaps()
 {
     static std::map<DecodedKey, DecodedBitmap> bitmaps;
@@ -80,9 +75,8 @@ std::size_t& decodeCount()
 }
 
 // The file at path stretched to width x height, decoded now or earlier; 0 or
-// the loader's error code. A picture too large to keep is decoded into passing.
-Result DecodedPicture(const std::string& path, std::int32_t width, std::int32_t height, DecodedBitmap& passing,
-                      const DecodedBitmap*& out)
+// the loader's error code.
+Result DecodedPicture(const std::string& path, std::int32_t width, std::int32_t height, const DecodedBitmap*& out)
 {
     namespace fs = std::filesystem;
     std::error_code problem;
@@ -104,7 +98,7 @@ Result DecodedPicture(const std::string& path, std::int32_t width, std::int32_t 
     if (const Result error = Platform::LoadImageFile(path, width, height, image))
         return error;
     // Kept also when the file's date could not be read; it is then never taken as current.
-    DecodedBitmap& decoded = std::int64_t{width} * height <= KeptPictureMaxPixels ? bitmaps[key] : passing;
+    DecodedBitmap& decoded = bitmaps[key];
     decoded = {written, bytes, {}};
     decoded.pixels.reserve(static_cast<std::size_t>(width) * height);
     for (std::int32_t y = 0; y < height; ++y)
@@ -130,7 +124,6 @@ Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t w
                       std::int32_t x, std::int32_t y)
 {
     const DecodedBitmap* picture = nullptr;
-    DecodedBitmap passing;
     if (width <= 0 || height <= 0) {
         // The loader's own size; a copy of no size draws nothing.
         CBitmap image;
@@ -139,7 +132,7 @@ Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t w
             Platform::OutputDebugString("handle is null\n");
         return error;
     }
-    if (const Result error = DecodedPicture(path, width, height, passing, picture)) {
+    if (const Result error = DecodedPicture(path, width, height, picture)) {
         Platform::OutputDebugString("handle is null\n");
         return error;
     }

@@ -8,9 +8,9 @@
 
 // Draws the file stretched to width x height with its top-left corner at (x, y).
 // 0, or the loader's error code: 2 missing file, 3 missing folder, 13 not a bitmap.
-// A sprite-sized file is decoded once at each size and kept in the surfaces'
-// format, so drawing it again (every frame after a restore) reads nothing but
-// the file's date and size, by which a file changed on disk is read anew.
+// A file is decoded once at each size and kept in the surfaces' format, so
+// drawing it again (every sprite frame after a restore) reads nothing but the
+// file's date and size, by which a file changed on disk is read anew.
 Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t width, std::int32_t height,
                       std::int32_t x, std::int32_t y);
 
