@@ -30,8 +30,14 @@ run: build
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
+# The game's own work on SDL's dummy drivers, then, where an X server can be
+# had (Xvfb, xdotool and a C compiler), the real game on one: time to the
+# title, CPU, frames per second and memory, for each way of presenting.
 bench: build
 	@$(BUILD)/quelvarion_bench
+	@if command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v cc >/dev/null; then \
+		python3 bench/desktop/desktop-bench.py $(BUILD)/quelvarion $(BUILD)/game; \
+	else echo "desktop measurements left out: they need Xvfb, xdotool and cc"; fi
 
 # The whole suite, soak test included, under AddressSanitizer and UndefinedBehaviorSanitizer.
 test-asan: deps

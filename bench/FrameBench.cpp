@@ -1,6 +1,8 @@
 // Whole frames of a level in play: the world's step and the composition of
 // the picture on the back buffer, with the game's own sprites. No flip, so no
 // wait for the display: what is measured is the game's work per frame.
+#include "GameFolder.h"
+#include "Samples.h"
 #include "app/GameApp.h"
 #include "platform/Clock.h"
 #include "ship/Ship.h"
@@ -9,15 +11,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 
 namespace {
-
-namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 constexpr double FrameMs = 1000.0 / 60.0;
 constexpr std::int32_t Level = 4;         // asteroids, mines and turrets all come
@@ -29,19 +26,12 @@ constexpr UINT TurnKey = 0x25;            // left arrow: the ship turns and spra
 // The game started as it starts for a player (without the title pause), in a
 // scratch folder whose data files are links to the built game data.
 struct FrameBench {
-    fs::path previous = fs::current_path();
-    fs::path folder = fs::temp_directory_path() / "quelvarion-frame-bench";
+    CGameFolder folder{"quelvarion-frame-bench"};
     std::unique_ptr<CGameApp> app;
     std::unique_ptr<CGameDriver> driver;
 
     FrameBench()
     {
-        fs::remove_all(folder);
-        fs::create_directories(folder);
-        for (const auto& entry : fs::directory_iterator(QV_GAME_DIR))
-            if (entry.path().filename() != "quelvarion.ini")
-                fs::create_symlink(entry.path(), folder / entry.path().filename());
-        fs::current_path(folder);
         Platform::SetSleepHandler([](std::uint32_t) {});
         Platform::StartSdl();
         app = std::make_unique<CGameApp>();
@@ -54,8 +44,6 @@ struct FrameBench {
         driver.reset();
         app.reset();
         Platform::SetSleepHandler(nullptr);
-        fs::current_path(previous);
-        fs::remove_all(folder);
     }
 
     // The level's start, the same every time: the ship refitted from the
@@ -97,17 +85,12 @@ struct Traffic {
     }
 };
 
-double Since(Clock::time_point start)
-{
-    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
-}
-
 void BM_WholeFrame(benchmark::State& state)
 {
     FrameBench bench;
     bench.StartScene();
-    double stepUs = 0.0;
-    double drawUs = 0.0;
+    CSamples stepUs;
+    CSamples drawUs;
     Traffic traffic;
     int scenes = 1;
     int sceneFrames = 0;
@@ -119,20 +102,20 @@ void BM_WholeFrame(benchmark::State& state)
             ++scenes;
             state.ResumeTiming();
         }
-        const auto start = Clock::now();
+        const auto start = BenchClock::now();
         bench.app->world.Update(FrameMs);
-        stepUs += Since(start);
-        const auto drawn = Clock::now();
+        stepUs.Add(MicrosecondsSince(start));
+        const auto drawn = BenchClock::now();
         bench.app->DrawFrame(FrameMs);
-        drawUs += Since(drawn);
+        drawUs.Add(MicrosecondsSince(drawn));
         ++sceneFrames;
         state.PauseTiming();
         traffic.Count(bench.app->world);
         state.ResumeTiming();
     }
     const auto frames = static_cast<double>(state.iterations());
-    state.counters["step_us"] = stepUs / frames;
-    state.counters["draw_us"] = drawUs / frames;
+    stepUs.Report(state, "step_us");
+    drawUs.Report(state, "draw_us");
     state.counters["objects"] = traffic.objects / frames;
     state.counters["shots"] = traffic.shots / frames;
     state.counters["ships"] = traffic.ships / frames;

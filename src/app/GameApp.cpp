@@ -128,11 +128,7 @@ void CGameApp::Shutdown()
 
 void CGameApp::DeleteLiveSprites()
 {
-    while (!liveSprites.empty()) {
-        CSpriteInstance* instance = liveSprites.front();
-        liveSprites.pop_front();
-        delete instance;
-    }
+    liveSprites.DeleteAll();
 }
 
 std::string CGameApp::DisplayErrorText(Result code)

@@ -4,6 +4,7 @@
 #include "core/Random.h"
 #include "core/Trace.h"
 #include "display/Display.h"
+#include "display/SpriteList.h"
 #include "display/SpriteSet.h"
 #include "display/Star.h"
 #include "frontend/MenuSystem.h"
@@ -13,7 +14,6 @@
 #include "world/World.h"
 
 #include <cstdint>
-#include <list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -109,7 +109,7 @@ private:
 
 public:
     // Fields, in the order they are built.
-    std::list<CSpriteInstance*> liveSprites;
+    CSpriteList liveSprites;
     CSpriteSet sprites;
     CDisplay display;
     CWorld world;

@@ -17,7 +17,7 @@ std::int16_t ScreenHeight() { return TheApp().screenHeight; }
 std::int16_t ScreenBitsPerPixel() { return TheApp().bitsPerPixel; }
 CDisplay& TheDisplay() { return TheApp().display; }
 CSpriteSet& TheSprites() { return TheApp().sprites; }
-std::list<CSpriteInstance*>& LiveSprites() { return TheApp().liveSprites; }
+CSpriteList& LiveSprites() { return TheApp().liveSprites; }
 
 CFont& TitleFont() { return TheApp().titleFont; }
 CFont& MenuFont() { return TheApp().menuFont; }

@@ -6,8 +6,12 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <map>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -49,19 +53,92 @@ int ColourTableSize(const std::array<std::uint8_t, InfoHeaderBytes>& info)
     return static_cast<int>(std::min<std::uint32_t>(n, CPalette::Size));
 }
 
+// A bitmap file as it was drawn: stretched to one size, in the surfaces' format.
+struct DecodedBitmap {
+    std::filesystem::file_time_type written;
+    std::uintmax_t bytes = 0;
+    std::vector<std::uint16_t> pixels;
+};
+
+using DecodedKey = std::tuple<std::string, std::int32_t, std::int32_t>;
+
+std::map<DecodedKey, DecodedBitmap>& decodedBitmaps()
+{
+    static std::map<DecodedKey, DecodedBitmap> bitmaps;
+    return bitmaps;
+}
+
+std::size_t& decodeCount()
+{
+    static std::size_t count = 0;
+    return count;
+}
+
+// The file at path stretched to width x height, decoded now or earlier; 0 or
+// the loader's error code.
+Result DecodedPicture(const std::string& path, std::int32_t width, std::int32_t height, const DecodedBitmap*& out)
+{
+    namespace fs = std::filesystem;
+    std::error_code problem;
+    const fs::path file = fs::absolute(path, problem);
+    const auto written = fs::last_write_time(file, problem);
+    const auto bytes = problem ? 0 : fs::file_size(file, problem);
+    const DecodedKey key{file.string(), width, height};
+    auto& bitmaps = decodedBitmaps();
+    if (!problem) {
+        auto kept = bitmaps.find(key);
+        if (kept != bitmaps.end() && kept->second.written == written && kept->second.bytes == bytes) {
+            out = &kept->second;
+            return 0;
+        }
+    }
+    bitmaps.erase(key);
+    CBitmap image;
+    ++decodeCount();
+    if (const Result error = Platform::LoadImageFile(path, width, height, image))
+        return error;
+    // Kept also when the file's date could not be read; it is then never taken as current.
+    DecodedBitmap& decoded = bitmaps[key];
+    decoded = {written, bytes, {}};
+    decoded.pixels.reserve(static_cast<std::size_t>(width) * height);
+    for (std::int32_t y = 0; y < height; ++y)
+        for (std::int32_t x = 0; x < width; ++x)
+            decoded.pixels.push_back(Platform::PackRgb565(image.GetPixel(x, y)));
+    out = &decoded;
+    return 0;
+}
+
 } // namespace
+
+std::size_t BitmapFilesDecoded()
+{
+    return decodeCount();
+}
+
+void ForgetDecodedBitmaps()
+{
+    decodedBitmaps().clear();
+}
 
 Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t width, std::int32_t height,
                       std::int32_t x, std::int32_t y)
 {
-    CBitmap image;
-    if (const Result error = Platform::LoadImageFile(path, width, height, image)) {
+    const DecodedBitmap* picture = nullptr;
+    if (width <= 0 || height <= 0) {
+        // The loader's own size; a copy of no size draws nothing.
+        CBitmap image;
+        const Result error = Platform::LoadImageFile(path, width, height, image);
+        if (error)
+            Platform::OutputDebugString("handle is null\n");
+        return error;
+    }
+    if (const Result error = DecodedPicture(path, width, height, picture)) {
         Platform::OutputDebugString("handle is null\n");
         return error;
     }
     CDC* dc = nullptr;
     if (surface && surface->GetDC(dc) == DD_OK) {
-        dc->StretchBlt(x, y, width, height, image, 0, 0, width, height);
+        dc->CopyPixels(x, y, width, height, picture->pixels.data());
         surface->ReleaseDC(dc);
     }
     return 0;

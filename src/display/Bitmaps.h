@@ -8,8 +8,16 @@
 
 // Draws the file stretched to width x height with its top-left corner at (x, y).
 // 0, or the loader's error code: 2 missing file, 3 missing folder, 13 not a bitmap.
+// A file is decoded once at each size and kept in the surfaces' format, so
+// drawing it again (every sprite frame after a restore) reads nothing but the
+// file's date and size, by which a file changed on disk is read anew.
 Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t width, std::int32_t height,
                       std::int32_t x, std::int32_t y);
+
+// How many bitmap files have been read and decoded so far.
+std::size_t BitmapFilesDecoded();
+// Lets go of every decoded bitmap, so the next draw of each reads its file.
+void ForgetDecodedBitmaps();
 
 // The palette made from a bitmap file's colour table, over a default colour
 // cube; null when the device cannot make one.

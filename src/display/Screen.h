@@ -1,9 +1,8 @@
 #pragma once
 #include <cstdint>
-#include <list>
 
 class CDisplay;
-class CSpriteInstance;
+class CSpriteList;
 class CSpriteSet;
 
 // The screen the game draws on and what draws on it. The application object
@@ -14,4 +13,4 @@ std::int16_t ScreenBitsPerPixel();
 CDisplay& TheDisplay();
 CSpriteSet& TheSprites();
 // Every sprite instance in use, so a restore or a new game can reach them all.
-std::list<CSpriteInstance*>& LiveSprites();
+CSpriteList& LiveSprites();

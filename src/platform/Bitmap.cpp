@@ -96,12 +96,16 @@ Result LoadImageFile(const std::string& path, std::int32_t width, std::int32_t h
     const std::int32_t w = width > 0 ? width : rgb->w;
     const std::int32_t h = height > 0 ? height : rgb->h;
     std::vector<COLORREF> colours(static_cast<std::size_t>(w) * h);
+    std::vector<std::int32_t> column(static_cast<std::size_t>(w));
+    for (std::int32_t x = 0; x < w; ++x)
+        column[static_cast<std::size_t>(x)] = static_cast<std::int32_t>(static_cast<std::int64_t>(x) * rgb->w / w);
     SDL_LockSurface(rgb);
+    COLORREF* next = colours.data();
     for (std::int32_t y = 0; y < h; ++y) {
         const std::int64_t sy = static_cast<std::int64_t>(y) * rgb->h / h;
         const auto* row = reinterpret_cast<const Uint32*>(static_cast<const Uint8*>(rgb->pixels) + sy * rgb->pitch);
-        for (std::int32_t x = 0; x < w; ++x)
-            colours[static_cast<std::size_t>(y) * w + x] = row[static_cast<std::int64_t>(x) * rgb->w / w] & 0xFFFFFF;
+        for (const std::int32_t sx : column)
+            *next++ = row[sx] & 0xFFFFFF;
     }
     SDL_UnlockSurface(rgb);
     SDL_FreeSurface(rgb);

@@ -1,5 +1,7 @@
 #include "platform/Clock.h"
 
+#include <SDL.h>
+
 #include <chrono>
 #include <thread>
 
@@ -39,6 +41,19 @@ void Sleep(std::uint32_t ms)
         return;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+double PerformanceSeconds()
+{
+    static const double frequency = static_cast<double>(SDL_GetPerformanceFrequency());
+    return static_cast<double>(SDL_GetPerformanceCounter()) / frequency;
+}
+
+void WaitSeconds(double seconds)
+{
+    if (sleepHandler() || seconds <= 0.0)
+        return;
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
 std::int64_t CalendarSeconds()

@@ -10,6 +10,13 @@ namespace Platform {
 std::uint32_t TimeGetTime();
 void Sleep(std::uint32_t ms);
 
+// The performance counter in seconds, for pacing the display: steady and far
+// finer than a millisecond.
+double PerformanceSeconds();
+// Sleeps for a span that need not be whole milliseconds. While a test or a
+// benchmark has replaced the wait, it returns at once: they own time then.
+void WaitSeconds(double seconds);
+
 // Seconds since the epoch, for seeding the random generator.
 std::int64_t CalendarSeconds();
 

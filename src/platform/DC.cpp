@@ -89,6 +89,15 @@ bool CDC::StretchBlt(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_
     return true;
 }
 
+void CDC::CopyPixels(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h, const std::uint16_t* source)
+{
+    const RECT area = IntersectRect({x, y, x + w, y + h}, {0, 0, width, height});
+    for (std::int32_t ty = area.top; ty < area.bottom; ++ty) {
+        const std::uint16_t* row = source + static_cast<std::ptrdiff_t>(ty - y) * w + (area.left - x);
+        std::copy(row, row + area.Width(), &At(area.left, ty));
+    }
+}
+
 CFont* CDC::SelectObject(CFont* newFont)
 {
     return std::exchange(font, newFont);

@@ -33,6 +33,11 @@ public:
     bool StretchBlt(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height, const CBitmap& source,
                     std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth, std::int32_t sourceHeight);
 
+    // Copies a width x height picture already in the surface's 16-bit format,
+    // row after row, to (x, y).
+    void CopyPixels(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
+                    const std::uint16_t* source);
+
     // Each returns what was chosen before.
     CFont* SelectObject(CFont* font);
     COLORREF SetTextColor(COLORREF colour);

@@ -1,6 +1,6 @@
 #include "platform/DisplayDevice.h"
 
-#include "platform/Clock.h"
+#include "platform/RenderChoice.h"
 #include "platform/Window.h"
 
 #include <SDL.h>
@@ -210,18 +210,68 @@ Result CDisplayDevice::MakePresenter()
         if (SDL_GetRenderer(sdlWindow))
             return DDERR_NOEXCLUSIVEMODE; // someone else draws on this window
         SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
-        renderer = SDL_CreateRenderer(sdlWindow, -1, SDL_RENDERER_PRESENTVSYNC);
-        if (!renderer)
-            renderer = SDL_CreateRenderer(sdlWindow, -1, 0);
-        if (!renderer)
+        if (!MakeRenderer())
             return DDERR_GENERIC;
-        SDL_RendererInfo info{};
-        SDL_GetRendererInfo(renderer, &info);
-        presentWaits = (info.flags & SDL_RENDERER_PRESENTVSYNC) != 0;
     }
     // Scaled to fit the window, with black bars where the shapes differ.
     SDL_RenderSetLogicalSize(renderer, modeWidth, modeHeight);
     return RemakeTexture();
+}
+
+namespace {
+
+// SDL's index of a render driver by name, or -1 for SDL's own choice.
+int RenderDriverIndex(const std::string& name)
+{
+    for (int i = 0; !name.empty() && i < SDL_GetNumRenderDrivers(); ++i) {
+        SDL_RendererInfo info{};
+        if (SDL_GetRenderDriverInfo(i, &info) == 0 && name == info.name)
+            return i;
+    }
+    return -1;
+}
+
+SDL_Renderer* CreateRenderer(SDL_Window* window, const std::string& driver, bool plainFramebuffer, bool vsync)
+{
+    if (plainFramebuffer)
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0"); // a player's own setting still wins
+    const int index = RenderDriverIndex(driver);
+    SDL_Renderer* made = vsync ? SDL_CreateRenderer(window, index, SDL_RENDERER_PRESENTVSYNC) : nullptr;
+    if (!made)
+        made = SDL_CreateRenderer(window, index, 0);
+    if (!made && index >= 0)
+        made = SDL_CreateRenderer(window, -1, 0);
+    return made;
+}
+
+// The description an OpenGL renderer's driver gives of itself, or empty.
+std::string OpenGlRendererName(SDL_Renderer* renderer)
+{
+    SDL_RendererInfo info{};
+    if (SDL_GetRendererInfo(renderer, &info) != 0 || std::string(info.name).rfind("opengl", 0) != 0)
+        return "";
+    constexpr unsigned GlRenderer = 0x1F01;
+    using GetString = const unsigned char* (*)(unsigned);
+    auto getString = reinterpret_cast<GetString>(SDL_GL_GetProcAddress("glGetString"));
+    const unsigned char* name = getString ? getString(GlRenderer) : nullptr;
+    return name ? reinterpret_cast<const char*>(name) : "";
+}
+
+} // namespace
+
+bool CDisplayDevice::MakeRenderer()
+{
+    SDL_Window* sdlWindow = window->GetSdlWindow();
+    const RenderChoice& choice = Platform::RendererForThisRun();
+    renderer = CreateRenderer(sdlWindow, choice.driver, choice.plainFramebuffer, choice.askForVsync);
+    // A GPU device does not promise a GPU driver behind OpenGL: when the
+    // picture would be drawn by a software rasteriser after all, SDL's own
+    // software renderer does the same for a fraction of the work.
+    if (renderer && choice.driver.empty() && Platform::IsSoftwareRasteriser(OpenGlRendererName(renderer))) {
+        SDL_DestroyRenderer(renderer);
+        renderer = CreateRenderer(sdlWindow, "software", true, false);
+    }
+    return renderer != nullptr;
 }
 
 Result CDisplayDevice::RemakeTexture()
@@ -248,23 +298,22 @@ Result CDisplayDevice::Present(SDL_Surface* picture)
     return DD_OK;
 }
 
-void CDisplayDevice::WaitForVerticalBlank()
+Result CDisplayDevice::PresentInTurn(SDL_Surface* picture)
 {
-    if (presentWaits)
-        return; // presenting waits for the display itself
-    // Without a synchronised present, wait out one refresh period so that the
-    // game still runs at the display's pace.
+    pacer.WaitForTurn(RefreshPeriod());
+    const Result shown = Present(picture);
+    pacer.Presented();
+    return shown;
+}
+
+double CDisplayDevice::RefreshPeriod() const
+{
     SDL_DisplayMode mode{};
     int hz = DefaultRefreshHz;
     if (window && window->GetSdlWindow() && SDL_GetWindowDisplayMode(window->GetSdlWindow(), &mode) == 0 &&
         mode.refresh_rate > 0)
         hz = mode.refresh_rate;
-    const std::uint32_t period = static_cast<std::uint32_t>(1000 / hz);
-    const std::uint32_t now = Platform::TimeGetTime();
-    const std::uint32_t since = now - lastFlipMs;
-    if (since < period)
-        Platform::Sleep(period - since);
-    lastFlipMs = Platform::TimeGetTime();
+    return 1.0 / hz;
 }
 
 Result CDisplayDevice::CreatePalette(std::uint32_t caps, const CPalette::Entries& entries, PalettePtr& out)

@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/Clock.h"
+#include "platform/FramePacer.h"
 #include "platform/Palette.h"
 #include "platform/Surface.h"
 
@@ -48,8 +50,8 @@ void ForgetDisplayWindow(HWND window);
 // The display device: takes a window for the game's exclusive use, sets the
 // game's display mode and makes surfaces and palettes. The mode becomes a
 // full-screen window over which the game's picture is scaled and letterboxed;
-// a flip uploads the back buffer to a streaming texture and presents it,
-// waiting for the display's vertical blank.
+// a flip uploads the back buffer to a streaming texture and presents it, at
+// most once a refresh period of the display (see CFramePacer).
 class CDisplayDevice : public std::enable_shared_from_this<CDisplayDevice> {
 public:
     static Result Create(DisplayDevicePtr& out);
@@ -79,10 +81,13 @@ private:
 
     Result CreateFlippingChain(const SurfaceDesc& desc, SurfacePtr& out);
     Result MakePresenter();
+    bool MakeRenderer();
     Result RemakeTexture();
     void DropPresenter();
     Result Present(SDL_Surface* picture);
-    void WaitForVerticalBlank();
+    // A flip's present: in its turn, no sooner than the display can show it.
+    Result PresentInTurn(SDL_Surface* picture);
+    double RefreshPeriod() const;
     void Forget(CSurface* surface);
 
     HWND window = nullptr;
@@ -91,8 +96,7 @@ private:
     std::int32_t modeHeight = 0;
     SDL_Renderer* renderer = nullptr;
     SDL_Texture* texture = nullptr;
-    bool presentWaits = false;
-    std::uint32_t lastFlipMs = 0;
+    CFramePacer pacer{Platform::PerformanceSeconds, Platform::WaitSeconds};
     std::vector<CSurface*> surfaces;
 
     friend class CSurface;

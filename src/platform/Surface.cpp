@@ -247,8 +247,7 @@ Result CSurface::Flip(CSurface* /*target*/, std::uint32_t /*flags*/)
         return DDERR_SURFACEBUSY;
     if (!device)
         return DDERR_GENERIC;
-    device->WaitForVerticalBlank();
-    const Result shown = device->Present(attached->pixels);
+    const Result shown = device->PresentInTurn(attached->pixels);
     // What was shown becomes the primary's picture; the back buffer gets the old one.
     // Only the memory changes hands: copies from the pages keep their prepared
     // way to this destination instead of rebuilding it every frame.

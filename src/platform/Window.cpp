@@ -2,6 +2,7 @@
 
 #include "platform/DisplayDevice.h"
 #include "platform/MessageQueue.h"
+#include "platform/RenderChoice.h"
 #include "platform/Sequencer.h"
 
 #include <SDL.h>
@@ -126,6 +127,11 @@ bool CPlatformWnd::CreateEx(std::uint32_t exStyle, const std::string& className,
         flags |= SDL_WINDOW_BORDERLESS;
     if (exStyle & WS_EX_TOPMOST)
         flags |= SDL_WINDOW_ALWAYS_ON_TOP;
+    // Made the way its renderer will draw on it: an OpenGL renderer given a
+    // window without the flag destroys and remakes the window, which costs a
+    // third of a second at start-up and shows the player a second window.
+    if (Platform::RendererForThisRun().openGlWindow)
+        flags |= SDL_WINDOW_OPENGL;
     sdlWindow = SDL_CreateWindow(title.c_str(), x, y, width, height, flags);
     if (!sdlWindow)
         return false;

@@ -34,7 +34,7 @@ void CGameObject::SetSprite(const std::string& name)
 {
     auto* instance = new CSpriteInstance;
     TheSprites().Find(name, *instance); // an unknown name leaves the look unbound, not missing
-    LiveSprites().push_back(instance);
+    spriteTicket = LiveSprites().Add(instance);
     sprite = instance;
     SetSpriteRotation();
     sprite->SetPosition(GetX(), GetY());
@@ -44,14 +44,8 @@ void CGameObject::ReleaseSprite()
 {
     if (!sprite)
         return;
-    auto& live = LiveSprites();
-    const auto found = std::find(live.begin(), live.end(), sprite);
-    if (found != live.end()) {
-        live.erase(found);
-        delete sprite;
-    }
-    // When it was not listed, a new game has already deleted every look; the
-    // pointer must not outlive it either way.
+    // After a new game the ticket is void: the look went with every other.
+    LiveSprites().Remove(spriteTicket);
     sprite = nullptr;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 #include "core/LinkedList.h"
 #include "core/Vector.h"
+#include "display/SpriteList.h"
 
 #include <cstdint>
 #include <string>
@@ -118,6 +119,7 @@ protected:
     std::int32_t age = 0;
     std::int32_t lifetime = NoLifetimeLimit;
     CSpriteInstance* sprite = nullptr;
+    CSpriteList::Ticket spriteTicket; // where the look is in the live list
     bool collidable = true;
     std::int32_t radius = 1;
     float mass = 0.01f;

@@ -1,6 +1,7 @@
 #include "support/DisplayApp.h"
 #include "support/TestApp.h"
 
+#include "display/Bitmaps.h"
 #include "display/SpriteInstance.h"
 #include "display/SpriteSet.h"
 
@@ -130,6 +131,34 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     EXPECT_EQ(instance.GetSpriteIndex(), 1);
     const CSpriteFrame& frame = Entry(1).frames[0];
     EXPECT_EQ(DisplayApp::PixelAt(*frame.surface, frame.source.left + 500, frame.source.top + 300), 0x001F);
+}
+
+// A restore redraws the frames from the pictures kept since the first load,
+// reading no file; kept pictures stand for their files only while the files
+// are unchanged: a frame rewritten on disk is drawn anew, a removed one is missing.
+TEST_F(SpriteSetTest, ARestoreRedrawsFramesFromMemoryUnlessTheirFilesChanged)
+{
+    qvtest::WriteFile("sprite.ini", std::string("a 2 2\nb 2 2\n"));
+    Art("a", RGB(0, 0, 255));
+    Art("b", RGB(0, 0, 255));
+    Sprites().Load();
+    auto pixel = [&](std::size_t entry) {
+        const CSpriteFrame& f = Entry(entry).frames[0];
+        return DisplayApp::PixelAt(*f.surface, f.source.left, f.source.top);
+    };
+    const std::size_t decoded = BitmapFilesDecoded();
+    t->display.Restore();
+    EXPECT_EQ(BitmapFilesDecoded(), decoded);
+    ASSERT_EQ(Sprites().GetEntries().size(), 4u);
+    EXPECT_EQ(pixel(2), 0x001F);
+    EXPECT_EQ(pixel(3), 0x001F);
+
+    qvtest::WriteBitmap("art/a.bmp", 2, 2, [](int, int) { return RGB(255, 0, 0); });
+    std::filesystem::remove("art/b.bmp");
+    t->display.Restore();
+    ASSERT_EQ(Sprites().GetEntries().size(), 6u);
+    EXPECT_EQ(pixel(4), 0xF800);
+    EXPECT_EQ(Entry(5).frames[0].surface, nullptr);
 }
 
 } // namespace
