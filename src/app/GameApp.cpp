@@ -1,6 +1,7 @@
 #include "app/GameApp.h"
 
 #include "app/GameWnd.h"
+#include "app/ReplayShow.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
@@ -50,6 +51,8 @@ CGameApp::CGameApp()
 
 CGameApp::~CGameApp()
 {
+    // A game still in play when the program ends is kept as it stood.
+    recorder.End(*this);
     ready = 0;
     Shutdown();
 }
@@ -86,25 +89,33 @@ bool CGameApp::InitInstance()
     if (displayResult != 0)
         return false;
 
-    Trace("display title screen", 0);
-    display.DrawTitleScreen();
+    // A replay opens on its game at once: the title belongs to a start of the game.
+    if (!replayShow) {
+        Trace("display title screen", 0);
+        display.DrawTitleScreen();
+    }
 
     Trace("Restore all direct draw buffers", 0);
     display.Restore();
 
-    Trace("Playing initialisation sound", 0);
-    PlayStartupSound();
+    if (!replayShow) {
+        Trace("Playing initialisation sound", 0);
+        PlayStartupSound();
+    }
 
     Trace("Creating background stars", 0);
     for (int i = 0; i < StartupStarCount; ++i)
         stars.push_back(CStar());
 
-    Platform::Sleep(TitlePauseMs);
+    if (!replayShow)
+        Platform::Sleep(TitlePauseMs);
 
     lastFrameTime = Platform::TimeGetTime();
     ready = 1;
     Trace("********* Initialisation Complete ********", 0);
     Trace(" ", 0);
+    if (replayShow)
+        replayShow->Begin();
     return true;
 }
 
@@ -184,6 +195,8 @@ bool CGameApp::OnIdle(long count)
     const bool frameworkResult = CPlatformApp::OnIdle(count);
     if (!ready || !active)
         return frameworkResult;
+    if (replayShow)
+        return replayShow->ShowFrame();
 
     const std::uint32_t now = Platform::TimeGetTime();
     if (now < lastFrameTime)
@@ -191,8 +204,7 @@ bool CGameApp::OnIdle(long count)
     elapsedMs = static_cast<double>(now) - static_cast<double>(lastFrameTime);
     lastFrameTime = now;
 
-    if (gameState == StatePlaying)
-        world.Update(elapsedMs);
+    AdvanceFrame(elapsedMs);
     DrawFrame(elapsedMs);
     if (display.Flip() == DDERR_SURFACELOST)
         display.Restore();
@@ -221,18 +233,74 @@ void CGameApp::SetPause(bool pause)
     }
 }
 
+void CGameApp::AdvanceFrame(double frameMs)
+{
+    elapsedMs = frameMs;
+    if (gameState == StatePlaying)
+        world.Update(elapsedMs);
+    if (recorder.IsRecording()) {
+        recorder.Frame(elapsedMs, CRecorder::FrameHash(*this));
+        EndRecordingIfOver();
+    }
+}
+
 void CGameApp::NewGame()
 {
+    StartGameAt(menus.GetStartLevel());
+}
+
+void CGameApp::StartGameAt(std::int32_t startLevel)
+{
+    if (recorder.IsRecording()) {
+        // The game is abandoned for this one, by the key being handled now.
+        if (dispatchingInput)
+            recorder.DropLastInput();
+        recorder.End(*this);
+    }
+    recorder.Begin(*this, startLevel);
     DeleteLiveSprites();
-    world.NewGame(menus.GetStartLevel());
+    world.NewGame(startLevel);
     SetGameState(StatePlaying);
     PlayMusic(false);
+}
+
+void CGameApp::EndRecordingIfOver()
+{
+    if (recorder.IsRecording() && gameState == StateMenu && !menus.IsEnteringName())
+        recorder.End(*this);
 }
 
 void CGameApp::GameOver()
 {
     menus.AddHighScore(world.GetScore());
     SetGameState(StateMenu);
+}
+
+void CGameApp::OnActivateMessage(bool isActive)
+{
+    if (replayShow) {
+        // The replay holds its own recorded activations; the live window's
+        // only stop and restart the pictures.
+        active = isActive ? 1 : 0;
+        if (isActive && ready == 1)
+            display.Restore();
+        return;
+    }
+    recorder.Input(WM_ACTIVATEAPP, isActive ? 1 : 0);
+    OnActivate(isActive);
+}
+
+void CGameApp::OnKeyMessage(UINT key, bool pressed)
+{
+    if (replayShow) {
+        replayShow->OnLiveKey(key, pressed);
+        return;
+    }
+    recorder.Input(pressed ? WM_KEYDOWN : WM_KEYUP, key);
+    dispatchingInput = true;
+    OnKey(key, pressed);
+    dispatchingInput = false;
+    EndRecordingIfOver();
 }
 
 void CGameApp::OnActivate(bool isActive)

@@ -6,6 +6,8 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -153,8 +155,8 @@ private:
 
 std::uint8_t OptionFlags(const CReplay::Header& h)
 {
-    return static_cast<std::uint8_t>((h.music ? OptionMusic : 0) | (h.sound ? OptionSound : 0) |
-                                     (h.stars ? OptionStars : 0) | (h.stats ? OptionStats : 0));
+    return static_cast<std::uint8_t>((h.musicOn ? OptionMusic : 0) | (h.soundOn ? OptionSound : 0) |
+                                     (h.starsOn ? OptionStars : 0) | (h.statsOn ? OptionStats : 0));
 }
 
 void WriteHeader(CByteWriter& w, const CReplay::Header& h)
@@ -172,6 +174,15 @@ void WriteHeader(CByteWriter& w, const CReplay::Header& h)
         const CReplay::HighScore entry = i < h.highScores.size() ? h.highScores[i] : CReplay::HighScore{};
         w.Text(entry.name);
         w.U32(static_cast<std::uint32_t>(entry.score));
+    }
+    w.Varint(static_cast<std::uint32_t>(std::min(h.stars.size(), CReplay::MaxStars)));
+    for (std::size_t i = 0; i < h.stars.size() && i < CReplay::MaxStars; ++i) {
+        const CReplay::Star& star = h.stars[i];
+        w.U32(static_cast<std::uint32_t>(star.x));
+        w.U32(static_cast<std::uint32_t>(star.y));
+        w.U8(static_cast<std::uint8_t>(star.size));
+        w.U32(static_cast<std::uint32_t>(star.brightness));
+        w.U8(star.rising ? 1 : 0);
     }
 }
 
@@ -195,10 +206,10 @@ bool ReadHeader(CByteReader& r, CReplay::Header& h)
     const std::uint8_t options = r.U8();
     if (!r.Failed() && (options & ~OptionBits) != 0)
         r.Fail("unknown option flags");
-    h.music = options & OptionMusic;
-    h.sound = options & OptionSound;
-    h.stars = options & OptionStars;
-    h.stats = options & OptionStats;
+    h.musicOn = options & OptionMusic;
+    h.soundOn = options & OptionSound;
+    h.starsOn = options & OptionStars;
+    h.statsOn = options & OptionStats;
     h.menuScreen = r.U8();
     if (!r.Failed() && h.menuScreen > LastMenuScreen)
         r.Fail("no such menu screen");
@@ -209,6 +220,21 @@ bool ReadHeader(CByteReader& r, CReplay::Header& h)
     for (CReplay::HighScore& entry : h.highScores) {
         entry.name = r.Text();
         entry.score = static_cast<std::int32_t>(r.U32());
+    }
+    const std::uint32_t stars = r.Varint();
+    if (!r.Failed() && stars > CReplay::MaxStars)
+        r.Fail("more stars than any sky");
+    for (std::uint32_t i = 0; i < stars && !r.Failed(); ++i) {
+        CReplay::Star star;
+        star.x = static_cast<std::int32_t>(r.U32());
+        star.y = static_cast<std::int32_t>(r.U32());
+        star.size = r.U8();
+        star.brightness = static_cast<std::int32_t>(r.U32());
+        const std::uint8_t rising = r.U8();
+        if (!r.Failed() && (rising > 1 || (star.size != 1 && star.size != 2)))
+            r.Fail("a star no game makes");
+        star.rising = rising == 1;
+        h.stars.push_back(star);
     }
     return !r.Failed();
 }
@@ -342,4 +368,25 @@ bool CReplay::Decode(const std::string& bytes, CReplay& replay, std::string& err
         return false;
     }
     return true;
+}
+
+bool CReplay::Load(const std::string& path, CReplay& replay, std::string& error)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = "cannot be opened";
+        return false;
+    }
+    std::string bytes;
+    char chunk[65536];
+    // Read no further than a replay can reach, so a device or a huge file cannot hold the game up.
+    while (in && bytes.size() <= MaxFileBytes) {
+        in.read(chunk, sizeof chunk);
+        bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
+    }
+    if (in.bad()) {
+        error = "cannot be read";
+        return false;
+    }
+    return Decode(bytes, replay, error);
 }

@@ -17,10 +17,21 @@ public:
     static constexpr std::size_t MaxFileBytes = 32u << 20;
     static constexpr std::size_t MaxTextBytes = 255;
     static constexpr std::size_t ScoreEntries = 10;
+    static constexpr std::size_t MaxStars = 10000;
 
     struct HighScore {
         std::string name;
         std::int32_t score = 0;
+    };
+
+    // A background star as it stood: where, how large, how bright, which way
+    // its twinkle was going.
+    struct Star {
+        std::int32_t x = 0;
+        std::int32_t y = 0;
+        std::int16_t size = 1;
+        std::int32_t brightness = 0;
+        bool rising = false;
     };
 
     // The game's state at the moment the game began.
@@ -29,15 +40,18 @@ public:
         std::uint32_t randomState = 0;
         std::int32_t componentSerial = 0;
         std::int32_t startLevel = 1;
-        bool music = true;
-        bool sound = true;
-        bool stars = true;
-        bool stats = true;
+        bool musicOn = true;
+        bool soundOn = true;
+        bool starsOn = true;
+        bool statsOn = true;
         // The menus the game was started from: the screen shown and the
         // options cursor, which keys on the paused menu later depend on.
         std::int32_t menuScreen = 0;
         std::int16_t optionsCursor = 0;
         std::vector<HighScore> highScores = std::vector<HighScore>(ScoreEntries);
+        // The stars twinkle once a drawn frame, so they stand as they did
+        // after however long the menus were shown.
+        std::vector<Star> stars;
     };
 
     // A message as the main window received it.
@@ -84,4 +98,6 @@ public:
     // Reads a whole file strictly; false, with a reason, for anything that is
     // not exactly a replay this game can read.
     static bool Decode(const std::string& bytes, CReplay& replay, std::string& error);
+    // Reads and decodes the file at path.
+    static bool Load(const std::string& path, CReplay& replay, std::string& error);
 };

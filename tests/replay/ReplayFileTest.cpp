@@ -14,12 +14,13 @@ CReplay SampleReplay()
     r.header.randomState = 0xDEADBEEF;
     r.header.componentSerial = 41;
     r.header.startLevel = -7;
-    r.header.music = false;
-    r.header.stats = false;
+    r.header.musicOn = false;
+    r.header.statsOn = false;
     r.header.menuScreen = 3;
     r.header.optionsCursor = 4;
     r.header.highScores[0] = {"ANN", 5200};
     r.header.highScores[9] = {"Z Z ", -3};
+    r.header.stars = {{1023, 0, 2, 220, true}, {0, 767, 1, 98, false}};
     r.AddInput(WM_KEYDOWN, 0x26);
     r.AddFrame(16, 0x01020304);
     r.AddFrame(0.5, 7); // a frame no clock makes still comes back exactly
@@ -49,15 +50,21 @@ TEST(ReplayFile, ComesBackAsWrittenWithEveryInputBeforeItsFrame)
     EXPECT_EQ(read.header.randomState, 0xDEADBEEFu);
     EXPECT_EQ(read.header.componentSerial, 41);
     EXPECT_EQ(read.header.startLevel, -7);
-    EXPECT_FALSE(read.header.music);
-    EXPECT_TRUE(read.header.sound);
-    EXPECT_TRUE(read.header.stars);
-    EXPECT_FALSE(read.header.stats);
+    EXPECT_FALSE(read.header.musicOn);
+    EXPECT_TRUE(read.header.soundOn);
+    EXPECT_TRUE(read.header.starsOn);
+    EXPECT_FALSE(read.header.statsOn);
     EXPECT_EQ(read.header.menuScreen, 3);
     EXPECT_EQ(read.header.optionsCursor, 4);
     EXPECT_EQ(read.header.highScores[0].name, "ANN");
     EXPECT_EQ(read.header.highScores[9].score, -3);
     EXPECT_EQ(read.header.highScores[9].name, "Z Z ");
+    ASSERT_EQ(read.header.stars.size(), 2u);
+    EXPECT_EQ(read.header.stars[0].x, 1023);
+    EXPECT_EQ(read.header.stars[0].size, 2);
+    EXPECT_TRUE(read.header.stars[0].rising);
+    EXPECT_EQ(read.header.stars[1].y, 767);
+    EXPECT_EQ(read.header.stars[1].brightness, 98);
 
     ASSERT_EQ(read.frames.size(), 3u);
     EXPECT_EQ(read.frames[1].elapsedMs, 0.5);
