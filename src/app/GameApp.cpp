@@ -206,6 +206,8 @@ bool CGameApp::OnIdle(long count)
 
     AdvanceFrame(elapsedMs);
     DrawFrame(elapsedMs);
+    if (recordedFrame >= 0 && display.GetBack())
+        snapshots.Take(static_cast<std::size_t>(recordedFrame), *display.GetBack());
     if (display.Flip() == DDERR_SURFACELOST)
         display.Restore();
     return true;
@@ -238,8 +240,10 @@ void CGameApp::AdvanceFrame(double frameMs)
     elapsedMs = frameMs;
     if (gameState == StatePlaying)
         world.Update(elapsedMs);
+    recordedFrame = -1;
     if (recorder.IsRecording()) {
         recorder.Frame(elapsedMs, CRecorder::FrameHash(*this));
+        recordedFrame = static_cast<std::int64_t>(recorder.GetReplay().frames.size()) - 1;
         EndRecordingIfOver();
     }
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/FrameSnapshots.h"
 #include "app/GameControl.h"
 #include "app/Recorder.h"
 #include "app/PadBindings.h"
@@ -159,6 +160,7 @@ public:
     std::uint32_t musicDevice = NoMusicDevice;
     CRandom random;
     CRecorder recorder;
+    CFrameSnapshots snapshots;
     CPadBindings padBindings;
 
 private:
@@ -171,6 +173,8 @@ private:
 
     std::unique_ptr<CReplayShow> replayShow;
     bool dispatchingInput = false;
+    // The recorded frame the last AdvanceFrame made, or -1 when none was recorded.
+    std::int64_t recordedFrame = -1;
 
     static inline CGameApp* current = nullptr;
 };

@@ -1,12 +1,10 @@
 #include "app/Recorder.h"
 
 #include "app/GameApp.h"
+#include "platform/Console.h"
 #include "platform/FileStore.h"
 #include "replay/StateHash.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 
 void CRecorder::Begin(const CGameApp& app, std::int32_t startLevel)
 {
@@ -52,10 +50,8 @@ void CRecorder::End(const CGameApp& app)
 
 void CRecorder::Save(const std::string& path, const std::string& bytes) const
 {
-    errno = 0;
-    if (Platform::ReplaceFile(path, bytes) != 0)
-        std::fprintf(stderr, "quelvarion: could not save the replay \"%s\" (%s); the game itself is not affected\n",
-                     path.c_str(), errno ? std::strerror(errno) : "write failed");
+    if (const Result saved = Platform::SaveFile(path, bytes); saved != S_OK)
+        Platform::PrintError("replay not saved in " + path + ": " + Platform::FileProblemText(saved));
 }
 
 CReplay::Header CRecorder::HeaderOf(const CGameApp& app, std::int32_t startLevel)

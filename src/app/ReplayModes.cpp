@@ -2,6 +2,7 @@
 // checked without one.
 #include "app/GameApp.h"
 #include "app/ReplayShow.h"
+#include "platform/Console.h"
 
 #include <cstdio>
 
@@ -25,14 +26,12 @@ int CGameApp::ExitInstance()
 
 namespace {
 
-void SayDifference(const std::string& file, const CReplay::Summary& recorded, const CReplay::Summary& played)
+std::string Describe(const CReplay::Summary& s)
 {
-    std::fprintf(stderr,
-                 "quelvarion: %s: the game ends otherwise than recorded: level %d, score %d, %u frames, "
-                 "state %016llx instead of level %d, score %d, %u frames, state %016llx\n",
-                 file.c_str(), played.level, played.score, played.frameCount,
-                 static_cast<unsigned long long>(played.worldHash), recorded.level, recorded.score,
-                 recorded.frameCount, static_cast<unsigned long long>(recorded.worldHash));
+    char state[17];
+    std::snprintf(state, sizeof state, "%016llx", static_cast<unsigned long long>(s.worldHash));
+    return "level " + std::to_string(s.level) + ", score " + std::to_string(s.score) + ", " +
+           std::to_string(s.frameCount) + " frames, state " + state;
 }
 
 } // namespace
@@ -42,7 +41,7 @@ int CGameApp::VerifyReplayFile(const std::string& file)
     CReplay replay;
     std::string error;
     if (!CReplay::Load(file, replay, error)) {
-        std::fprintf(stderr, "quelvarion: %s: %s\n", file.c_str(), error.c_str());
+        Platform::PrintError(file + ": " + error);
         return ReplayUnreadableStatus;
     }
     return VerifyReplay(std::move(replay), file);
@@ -51,8 +50,8 @@ int CGameApp::VerifyReplayFile(const std::string& file)
 int CGameApp::VerifyReplay(CReplay replay, const std::string& file)
 {
     if (replay.header.gameVersion != QV_VERSION)
-        std::fprintf(stderr, "quelvarion: %s was recorded by version %s of the game; this is %s\n", file.c_str(),
-                     replay.header.gameVersion.c_str(), QV_VERSION);
+        Platform::PrintError(file + " was recorded by version " + replay.header.gameVersion + " of the game; this is " +
+                             QV_VERSION + ", which may play it otherwise");
     KeepPlayersFiles();
     ready = 1;
     active = 1;
@@ -63,14 +62,15 @@ int CGameApp::VerifyReplay(CReplay replay, const std::string& file)
     while (player.HasNextFrame() && player.GetFirstDivergence() == CReplayPlayer::NoDivergence)
         player.Step();
     if (player.GetFirstDivergence() != CReplayPlayer::NoDivergence) {
-        std::fprintf(stderr, "quelvarion: %s: the game differs from the recording at frame %lld of %u\n",
-                     file.c_str(), static_cast<long long>(player.GetFirstDivergence()), frames);
+        Platform::PrintError(file + ": the game differs from the recording at frame " +
+                             std::to_string(player.GetFirstDivergence()) + " of " + std::to_string(frames));
         return ReplayDiffersStatus;
     }
     player.Finish();
     const CReplay::Summary played = player.Summary();
     if (!(played == recorded)) {
-        SayDifference(file, recorded, played);
+        Platform::PrintError(file + ": the game ends otherwise than recorded: " + Describe(played) + " instead of " +
+                             Describe(recorded));
         return ReplayDiffersStatus;
     }
     std::printf("%s: the replay plays as recorded: %u frames, level %d, score %d\n", file.c_str(), frames,

@@ -3,11 +3,12 @@
 #include "app/GameApp.h"
 #include "frontend/TextPen.h"
 #include "platform/Clock.h"
+#include "platform/Console.h"
 #include "platform/DC.h"
 #include "platform/Surface.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <string>
 
 namespace {
 
@@ -57,7 +58,7 @@ bool CReplayShow::ShowFrame()
         return false;
     if (!player.HasNextFrame()) {
         player.Finish();
-        Compose(0.0); // what the last inputs changed, drawn once
+        Compose(0.0, NoFrame); // what the last inputs changed, drawn once
         finished = true;
         endAt = now;
         return false;
@@ -72,15 +73,17 @@ bool CReplayShow::ShowFrame()
     playedMs = due;
     player.Step();
     NoteDivergence();
-    Compose(nextMs);
+    Compose(nextMs, player.GetFramesMade() - 1);
     return true;
 }
 
-void CReplayShow::Compose(double frameMs)
+void CReplayShow::Compose(double frameMs, std::size_t frame)
 {
     app.DrawFrame(frameMs);
-    if (CSurface* back = app.display.GetBack())
+    if (CSurface* back = app.display.GetBack()) {
         DrawMarker(*back);
+        app.snapshots.Take(frame, *back);
+    }
     if (app.display.Flip() == DDERR_SURFACELOST)
         app.display.Restore();
 }
@@ -103,7 +106,6 @@ void CReplayShow::NoteDivergence()
     if (divergenceSaid || !WentItsOwnWay())
         return;
     divergenceSaid = true;
-    std::fprintf(stderr,
-                 "quelvarion: from frame %lld on, this game does not play the replay as it was recorded\n",
-                 static_cast<long long>(player.GetFirstDivergence()));
+    Platform::PrintError("from frame " + std::to_string(player.GetFirstDivergence()) +
+                         " on, this game does not play the replay as it was recorded");
 }

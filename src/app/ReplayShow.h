@@ -2,6 +2,7 @@
 #include "app/ReplayPlayer.h"
 #include "platform/Types.h"
 
+#include <cstddef>
 #include <cstdint>
 
 class CGameApp;
@@ -27,7 +28,10 @@ public:
     bool WentItsOwnWay() const { return player.GetFirstDivergence() != CReplayPlayer::NoDivergence; }
 
 private:
-    void Compose(double frameMs);
+    static constexpr std::size_t NoFrame = static_cast<std::size_t>(-1);
+    // Draws a frame, the marker over it, and flips; frame is the recorded
+    // frame it shows, for the snapshots.
+    void Compose(double frameMs, std::size_t frame);
     void DrawMarker(CSurface& back);
     void NoteDivergence();
 
