@@ -55,7 +55,7 @@ CReplay RecordFiveMinutes()
         driver.Frame(FrameMs);
         ++frame;
     }
-    app.recorder.End(app);
+    app.EndRecording();
     return app.recorder.GetFinished();
 }
 

@@ -16,7 +16,7 @@ namespace {
 // mistake on the command line, a folder without the game's data, a second
 // copy in the same folder, a replay checked) ends here, having touched nothing. A game's launch
 // holds the folder's lock until the program has ended and saved.
-const CLaunch launch(Platform::ProcessArguments());
+CLaunch launch(Platform::ProcessArguments());
 
 } // namespace
 

@@ -1,7 +1,6 @@
 #include "app/GameApp.h"
 
 #include "app/GameWnd.h"
-#include "app/ReplayShow.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
@@ -52,7 +51,7 @@ CGameApp::CGameApp()
 CGameApp::~CGameApp()
 {
     // A game still in play when the program ends is kept as it stood.
-    recorder.End(*this);
+    EndRecording();
     ready = 0;
     Shutdown();
 }
@@ -114,8 +113,7 @@ bool CGameApp::InitInstance()
     ready = 1;
     Trace("********* Initialisation Complete ********", 0);
     Trace(" ", 0);
-    if (replayShow)
-        replayShow->Begin();
+    BeginReplayShow();
     return true;
 }
 
@@ -196,7 +194,7 @@ bool CGameApp::OnIdle(long count)
     if (!ready || !active)
         return frameworkResult;
     if (replayShow)
-        return replayShow->ShowFrame();
+        return ShowReplayFrame();
 
     const std::uint32_t now = Platform::TimeGetTime();
     if (now < lastFrameTime)
@@ -242,7 +240,7 @@ void CGameApp::AdvanceFrame(double frameMs)
         world.Update(elapsedMs);
     recordedFrame = -1;
     if (recorder.IsRecording()) {
-        recorder.Frame(elapsedMs, CRecorder::FrameHash(*this));
+        recorder.Frame(elapsedMs, FrameHash());
         recordedFrame = static_cast<std::int64_t>(recorder.GetReplay().frames.size()) - 1;
         EndRecordingIfOver();
     }
@@ -259,9 +257,9 @@ void CGameApp::StartGameAt(std::int32_t startLevel)
         // The game is abandoned for this one, by the key being handled now.
         if (dispatchingInput)
             recorder.DropLastInput();
-        recorder.End(*this);
+        EndRecording();
     }
-    recorder.Begin(*this, startLevel);
+    recorder.Begin(ReplayHeader(startLevel));
     DeleteLiveSprites();
     world.NewGame(startLevel);
     SetGameState(StatePlaying);
@@ -271,7 +269,7 @@ void CGameApp::StartGameAt(std::int32_t startLevel)
 void CGameApp::EndRecordingIfOver()
 {
     if (recorder.IsRecording() && gameState == StateMenu && !menus.IsEnteringName())
-        recorder.End(*this);
+        EndRecording();
 }
 
 void CGameApp::GameOver()
@@ -297,7 +295,7 @@ void CGameApp::OnActivateMessage(bool isActive)
 void CGameApp::OnKeyMessage(UINT key, bool pressed)
 {
     if (replayShow) {
-        replayShow->OnLiveKey(key, pressed);
+        OnReplayLiveKey(key, pressed);
         return;
     }
     recorder.Input(pressed ? WM_KEYDOWN : WM_KEYUP, key);

@@ -74,11 +74,19 @@ public:
 
     // Replays: --replay shows one in the window; --verify plays one without
     // a window or sound and says whether it ends as recorded (0) or not.
-    void SetReplayShow(std::unique_ptr<CReplayShow> show);
+    // The show, owned by whoever asked for it, outlives the application.
+    void SetReplayShow(CReplayShow* show);
     int VerifyReplayFile(const std::string& file);
     int VerifyReplay(CReplay replay, const std::string& name);
     // Neither a replay shown nor one checked touches the player's files.
     void KeepPlayersFiles();
+    // What a replay starts from, how the game stands after a frame, and how
+    // it stands at the end of a recording.
+    CReplay::Header ReplayHeader(std::int32_t startLevel) const;
+    std::uint32_t FrameHash() const;
+    CReplay::Summary ReplaySummary(std::uint32_t frameCount) const;
+    // Ends the game's recording as the game stands now, and saves it.
+    void EndRecording();
 
     // Window messages as the main window receives them: recorded while a
     // game is played, and kept from the rules while a replay is shown.
@@ -171,7 +179,11 @@ private:
     // After the ship was lost and its score, if any, has a name.
     void EndRecordingIfOver();
 
-    std::unique_ptr<CReplayShow> replayShow;
+    void BeginReplayShow();
+    bool ShowReplayFrame();
+    void OnReplayLiveKey(UINT key, bool pressed);
+
+    CReplayShow* replayShow = nullptr;
     bool dispatchingInput = false;
     // The recorded frame the last AdvanceFrame made, or -1 when none was recorded.
     std::int64_t recordedFrame = -1;

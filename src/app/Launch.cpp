@@ -94,6 +94,8 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
             [windowModePath](Platform::WindowMode mode) { RememberWindowMode(windowModePath, mode); });
 }
 
+CLaunch::~CLaunch() = default;
+
 LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments)
 {
     LaunchRequest request;
@@ -185,7 +187,7 @@ void CLaunch::RememberWindowMode(const std::string& path, Platform::WindowMode m
         Platform::PrintError("window mode not remembered in " + path + ": " + Platform::FileProblemText(saved));
 }
 
-void CLaunch::Prepare(CGameApp& app) const
+void CLaunch::Prepare(CGameApp& app)
 {
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
@@ -200,7 +202,8 @@ void CLaunch::Prepare(CGameApp& app) const
     if (replay.header.gameVersion != QV_VERSION)
         Platform::PrintError(request.replayFile + " was recorded by version " + replay.header.gameVersion +
                              " of the game; this is " + QV_VERSION + ", which may play it otherwise");
-    app.SetReplayShow(std::make_unique<CReplayShow>(app, std::move(replay)));
+    replayShow = std::make_unique<CReplayShow>(app, std::move(replay));
+    app.SetReplayShow(replayShow.get());
 }
 
 void CLaunch::VerifyAndExit(const std::string& file)

@@ -3,7 +3,9 @@
 #include "platform/Window.h"
 
 class CGameApp;
+class CReplayShow;
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +36,7 @@ public:
     static constexpr const char* WindowModeFileName = "window-mode";
 
     explicit CLaunch(const std::vector<std::string>& arguments);
+    ~CLaunch();
     CLaunch(const CLaunch&) = delete;
     CLaunch& operator=(const CLaunch&) = delete;
 
@@ -42,7 +45,7 @@ public:
     // Sets the application up for what the command line asked: a replay
     // shown, or the game recorded to a file as well. A replay that cannot be
     // read ends the program.
-    void Prepare(CGameApp& app) const;
+    void Prepare(CGameApp& app);
     static std::string UsageText();
     static std::string VersionText();
     // The game's data: its sprite catalogue or its art folder.
@@ -62,6 +65,8 @@ private:
     [[noreturn]] static void VerifyAndExit(const std::string& file);
 
     LaunchRequest request;
+    // Made before the application and gone after it, as the show must be.
+    std::unique_ptr<CReplayShow> replayShow;
 
     CFolderLock lock;
 };

@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <string>
 
-class CGameApp;
-
 // Keeps the game being played as a replay, from the start of a new game to
 // its end: the high-score entry done after the ship was lost, another new
 // game begun in its place, or the program's end. The finished replay goes to
@@ -23,23 +21,19 @@ public:
     void SetLastGameFile(std::string path) { lastGameFile = std::move(path); }
 
     bool IsRecording() const { return recording; }
-    void Begin(const CGameApp& app, std::int32_t startLevel);
+    void Begin(CReplay::Header header);
     void Input(std::uint32_t message, std::uint32_t wParam);
     // Takes back the input just recorded: the key that abandoned this game
     // for a new one belongs to neither.
     void DropLastInput();
     void Frame(double elapsedMs, std::uint32_t stateHash);
-    // Ends the recording and saves it; a save that fails is said on stderr.
-    void End(const CGameApp& app);
+    // Ends the recording with how the game stands and saves it; a save that
+    // fails is said on stderr.
+    void End(CReplay::Summary summary);
 
     // The game being recorded, and the last one finished.
     const CReplay& GetReplay() const { return replay; }
     const CReplay& GetFinished() const { return finished; }
-
-    // What a replay starts from, and how a game stands after a frame and at its end.
-    static CReplay::Header HeaderOf(const CGameApp& app, std::int32_t startLevel);
-    static std::uint32_t FrameHash(const CGameApp& app);
-    static CReplay::Summary SummaryOf(const CGameApp& app, std::uint32_t frameCount);
 
 private:
     void Save(const std::string& path, const std::string& bytes) const;

@@ -3,8 +3,51 @@
 #include "app/GameApp.h"
 #include "app/ReplayShow.h"
 #include "platform/Console.h"
+#include "replay/StateHash.h"
 
 #include <cstdio>
+
+CReplay::Header CGameApp::ReplayHeader(std::int32_t startLevel) const
+{
+    CReplay::Header h;
+    h.gameVersion = QV_VERSION;
+    h.randomState = random.GetState();
+    h.componentSerial = componentSerial;
+    h.startLevel = startLevel;
+    h.musicOn = menus.IsMusicOn();
+    h.soundOn = menus.IsSoundOn();
+    h.starsOn = menus.IsStarsOn();
+    h.statsOn = menus.IsStatsOn();
+    h.menuScreen = menus.GetScreen();
+    h.optionsCursor = menus.GetOptionsCursor();
+    const CHighScoreTable& table = menus.GetHighScores();
+    for (int i = 0; i < CHighScoreTable::Size; ++i)
+        h.highScores[static_cast<std::size_t>(i)] = {table.GetName(i), table.GetScore(i)};
+    for (const CStar& star : stars)
+        h.stars.push_back({star.GetX(), star.GetY(), star.GetSize(), star.GetBrightness(), star.IsRising()});
+    return h;
+}
+
+std::uint32_t CGameApp::FrameHash() const
+{
+    CStateHash hash;
+    hash.Add(gameState);
+    HashWorld(world, hash);
+    return hash.Folded();
+}
+
+CReplay::Summary CGameApp::ReplaySummary(std::uint32_t frameCount) const
+{
+    CStateHash hash;
+    HashWorld(world, hash);
+    return {world.GetLevel(), world.GetScore(), frameCount, hash.Get()};
+}
+
+void CGameApp::EndRecording()
+{
+    if (recorder.IsRecording())
+        recorder.End(ReplaySummary(static_cast<std::uint32_t>(recorder.GetReplay().frames.size())));
+}
 
 void CGameApp::KeepPlayersFiles()
 {
@@ -12,10 +55,26 @@ void CGameApp::KeepPlayersFiles()
     recorder.SetEnabled(false);
 }
 
-void CGameApp::SetReplayShow(std::unique_ptr<CReplayShow> show)
+void CGameApp::SetReplayShow(CReplayShow* show)
 {
-    replayShow = std::move(show);
+    replayShow = show;
     KeepPlayersFiles();
+}
+
+void CGameApp::BeginReplayShow()
+{
+    if (replayShow)
+        replayShow->Begin();
+}
+
+bool CGameApp::ShowReplayFrame()
+{
+    return replayShow->ShowFrame();
+}
+
+void CGameApp::OnReplayLiveKey(UINT key, bool pressed)
+{
+    replayShow->OnLiveKey(key, pressed);
 }
 
 int CGameApp::ExitInstance()

@@ -52,7 +52,7 @@ double CReplayPlayer::Step()
     const CReplay::Frame& frame = replay.frames[next];
     Deliver(replay.FirstInputBefore(next), replay.EndInputBefore(next));
     app.AdvanceFrame(frame.elapsedMs);
-    if (firstDivergence == NoDivergence && CRecorder::FrameHash(app) != frame.stateHash)
+    if (firstDivergence == NoDivergence && app.FrameHash() != frame.stateHash)
         firstDivergence = static_cast<std::int64_t>(next);
     ++next;
     return frame.elapsedMs;
@@ -65,5 +65,5 @@ void CReplayPlayer::Finish()
 
 CReplay::Summary CReplayPlayer::Summary() const
 {
-    return CRecorder::SummaryOf(app, static_cast<std::uint32_t>(next));
+    return app.ReplaySummary(static_cast<std::uint32_t>(next));
 }

@@ -45,7 +45,7 @@ CReplay RecordScripted(std::uint32_t seed, std::int32_t startLevel, int frameLim
     qvtest::TestApp t(seed);
     CGameDriver driver(*t);
     PlayScripted(driver, seed, startLevel, frameLimit);
-    t->recorder.End(*t);
+    t->EndRecording();
     return t->recorder.GetFinished();
 }
 

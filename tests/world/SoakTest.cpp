@@ -222,7 +222,7 @@ TEST(Soak, AutopilotedGamesKeepTheWorldsBooksStraight)
                   << ", objects created " << created << std::endl;
         EXPECT_GT(levelsCompleted, 0);
         EXPECT_GT(created, 100u);
-        t->recorder.End(*t);
+        t->EndRecording();
         replays.push_back(t->recorder.GetFinished());
     }
 
