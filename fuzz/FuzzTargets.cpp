@@ -15,6 +15,7 @@
 #include "platform/Sequencer.h"
 #include "platform/WavePlayer.h"
 #include "platform/Window.h"
+#include "replay/Replay.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -208,6 +209,18 @@ int FuzzBitmap(const std::uint8_t* data, std::size_t size)
     CBitmap own;
     if (Platform::LoadImageFile("frame.bmp", 0, 0, own) == 0)
         Check(own.GetWidth() > 0 && own.GetHeight() > 0);
+    return 0;
+}
+
+int FuzzReplay(const std::uint8_t* data, std::size_t size)
+{
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    CReplay replay;
+    std::string error;
+    if (CReplay::Decode(bytes, replay, error))
+        Check(replay.Encode() == bytes);
+    else
+        Check(!error.empty());
     return 0;
 }
 

@@ -28,6 +28,10 @@ int FuzzWave(const std::uint8_t* data, std::size_t size);
 // sequencer, its end reported once if it ends.
 int FuzzTune(const std::uint8_t* data, std::size_t size);
 
+// The input as a replay file: read strictly, and what reads back is written
+// again byte for byte.
+int FuzzReplay(const std::uint8_t* data, std::size_t size);
+
 // A few small frame files whose names catalogue inputs can mention: "ship"
 // with four directions, "boom" with three animation frames, "rock" still.
 void WriteSpriteArt();

@@ -14,9 +14,9 @@ namespace {
 // Settled before the application object exists, which reads the settings
 // file as it is built: a run that is to be no game (--help, --version, a
 // mistake on the command line, a folder without the game's data, a second
-// copy in the same folder) ends here, having touched nothing. A game's launch
+// copy in the same folder, a replay checked) ends here, having touched nothing. A game's launch
 // holds the folder's lock until the program has ended and saved.
-const CLaunch launch(Platform::ProcessArguments());
+CLaunch launch(Platform::ProcessArguments());
 
 } // namespace
 
@@ -27,5 +27,6 @@ CGameApp theApp;
 int main()
 {
     Platform::SetApplicationIcon(QvWindowIconSize, QvWindowIconPixels);
+    launch.Prepare(theApp);
     return theApp.Run();
 }

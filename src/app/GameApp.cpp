@@ -50,6 +50,8 @@ CGameApp::CGameApp()
 
 CGameApp::~CGameApp()
 {
+    // A game still in play when the program ends is kept as it stood.
+    EndRecording();
     ready = 0;
     Shutdown();
 }
@@ -86,25 +88,32 @@ bool CGameApp::InitInstance()
     if (displayResult != 0)
         return false;
 
-    Trace("display title screen", 0);
-    display.DrawTitleScreen();
+    // A replay opens on its game at once: the title belongs to a start of the game.
+    if (!replayShow) {
+        Trace("display title screen", 0);
+        display.DrawTitleScreen();
+    }
 
     Trace("Restore all direct draw buffers", 0);
     display.Restore();
 
-    Trace("Playing initialisation sound", 0);
-    PlayStartupSound();
+    if (!replayShow) {
+        Trace("Playing initialisation sound", 0);
+        PlayStartupSound();
+    }
 
     Trace("Creating background stars", 0);
     for (int i = 0; i < StartupStarCount; ++i)
         stars.push_back(CStar());
 
-    Platform::Sleep(TitlePauseMs);
+    if (!replayShow)
+        Platform::Sleep(TitlePauseMs);
 
     lastFrameTime = Platform::TimeGetTime();
     ready = 1;
     Trace("********* Initialisation Complete ********", 0);
     Trace(" ", 0);
+    BeginReplayShow();
     return true;
 }
 
@@ -184,6 +193,8 @@ bool CGameApp::OnIdle(long count)
     const bool frameworkResult = CPlatformApp::OnIdle(count);
     if (!ready || !active)
         return frameworkResult;
+    if (replayShow)
+        return ShowReplayFrame();
 
     const std::uint32_t now = Platform::TimeGetTime();
     if (now < lastFrameTime)
@@ -191,9 +202,10 @@ bool CGameApp::OnIdle(long count)
     elapsedMs = static_cast<double>(now) - static_cast<double>(lastFrameTime);
     lastFrameTime = now;
 
-    if (gameState == StatePlaying)
-        world.Update(elapsedMs);
+    AdvanceFrame(elapsedMs);
     DrawFrame(elapsedMs);
+    if (recordedFrame >= 0 && display.GetBack())
+        snapshots.Take(static_cast<std::size_t>(recordedFrame), *display.GetBack());
     if (display.Flip() == DDERR_SURFACELOST)
         display.Restore();
     return true;
@@ -221,18 +233,76 @@ void CGameApp::SetPause(bool pause)
     }
 }
 
+void CGameApp::AdvanceFrame(double frameMs)
+{
+    elapsedMs = frameMs;
+    if (gameState == StatePlaying)
+        world.Update(elapsedMs);
+    recordedFrame = -1;
+    if (recorder.IsRecording()) {
+        recorder.Frame(elapsedMs, FrameHash());
+        recordedFrame = static_cast<std::int64_t>(recorder.GetReplay().frames.size()) - 1;
+        EndRecordingIfOver();
+    }
+}
+
 void CGameApp::NewGame()
 {
+    StartGameAt(menus.GetStartLevel());
+}
+
+void CGameApp::StartGameAt(std::int32_t startLevel)
+{
+    if (recorder.IsRecording()) {
+        // The game is abandoned for this one, by the key being handled now.
+        if (dispatchingInput)
+            recorder.DropLastInput();
+        EndRecording();
+    }
+    recorder.Begin(ReplayHeader(startLevel));
     DeleteLiveSprites();
-    world.NewGame(menus.GetStartLevel());
+    world.NewGame(startLevel);
     SetGameState(StatePlaying);
     PlayMusic(false);
+}
+
+void CGameApp::EndRecordingIfOver()
+{
+    if (recorder.IsRecording() && gameState == StateMenu && !menus.IsEnteringName())
+        EndRecording();
 }
 
 void CGameApp::GameOver()
 {
     menus.AddHighScore(world.GetScore());
     SetGameState(StateMenu);
+}
+
+void CGameApp::OnActivateMessage(bool isActive)
+{
+    if (replayShow) {
+        // The replay holds its own recorded activations; the live window's
+        // only stop and restart the pictures.
+        active = isActive ? 1 : 0;
+        if (isActive && ready == 1)
+            display.Restore();
+        return;
+    }
+    recorder.Input(WM_ACTIVATEAPP, isActive ? 1 : 0);
+    OnActivate(isActive);
+}
+
+void CGameApp::OnKeyMessage(UINT key, bool pressed)
+{
+    if (replayShow) {
+        OnReplayLiveKey(key, pressed);
+        return;
+    }
+    recorder.Input(pressed ? WM_KEYDOWN : WM_KEYUP, key);
+    dispatchingInput = true;
+    OnKey(key, pressed);
+    dispatchingInput = false;
+    EndRecordingIfOver();
 }
 
 void CGameApp::OnActivate(bool isActive)

@@ -1,5 +1,7 @@
 #pragma once
+#include "app/FrameSnapshots.h"
 #include "app/GameControl.h"
+#include "app/Recorder.h"
 #include "app/PadBindings.h"
 #include "core/Random.h"
 #include "core/Trace.h"
@@ -19,6 +21,7 @@
 #include <vector>
 
 class CGameWnd;
+class CReplayShow;
 class CShip;
 class CSpriteInstance;
 class CSurface;
@@ -41,12 +44,16 @@ public:
     static constexpr std::uint32_t NoMusicDevice = 0xFFFFFFFF;
     static constexpr int StartupStarCount = 600;
     static constexpr std::uint32_t TitlePauseMs = 6000;
+    // Exit statuses of a replay checked or shown.
+    static constexpr int ReplayDiffersStatus = 1;
+    static constexpr int ReplayUnreadableStatus = 3;
 
     CGameApp();
     ~CGameApp() override;
 
     // Start-up and shut-down.
     bool InitInstance() override;
+    int ExitInstance() override;
     void Shutdown();
     void ReportDisplayError(Result code);
     static std::string DisplayErrorText(Result code);
@@ -59,9 +66,33 @@ public:
     void SetPause(bool pause);
     std::int32_t GetGameState() const { return gameState; }
     void NewGame();
+    // A new game whose level counter starts one below startLevel.
+    void StartGameAt(std::int32_t startLevel);
     void GameOver();
+    // The rules' part of one frame: the world advances while a level is played.
+    void AdvanceFrame(double frameMs);
 
-    // Window messages.
+    // Replays: --replay shows one in the window; --verify plays one without
+    // a window or sound and says whether it ends as recorded (0) or not.
+    // The show, owned by whoever asked for it, outlives the application.
+    void SetReplayShow(CReplayShow* show);
+    int VerifyReplayFile(const std::string& file);
+    int VerifyReplay(CReplay replay, const std::string& name);
+    // Neither a replay shown nor one checked touches the player's files.
+    void KeepPlayersFiles();
+    // What a replay starts from, how the game stands after a frame, and how
+    // it stands at the end of a recording.
+    CReplay::Header ReplayHeader(std::int32_t startLevel) const;
+    std::uint32_t FrameHash() const;
+    CReplay::Summary ReplaySummary(std::uint32_t frameCount) const;
+    // Ends the game's recording as the game stands now, and saves it.
+    void EndRecording();
+
+    // Window messages as the main window receives them: recorded while a
+    // game is played, and kept from the rules while a replay is shown.
+    void OnActivateMessage(bool isActive);
+    void OnKeyMessage(UINT key, bool pressed);
+    // What the rules do with them.
     void OnActivate(bool isActive);
     void OnKey(UINT key, bool pressed);
     static KeyRoute RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer);
@@ -100,10 +131,13 @@ public:
 private:
     // Registers the object as the current application for as long as any of
     // its members lives, so members' destructors can still reach it.
+    // An application made while another lives (a replay checked beside a
+    // game) stands in for it until it goes.
     struct CurrentRegistration {
-        explicit CurrentRegistration(CGameApp* app) : owner(app) { current = app; }
-        ~CurrentRegistration() { if (current == owner) current = nullptr; }
+        explicit CurrentRegistration(CGameApp* app) : owner(app), previous(current) { current = app; }
+        ~CurrentRegistration() { if (current == owner) current = previous; }
         CGameApp* owner;
+        CGameApp* previous;
     };
     CurrentRegistration registration{this};
 
@@ -133,6 +167,8 @@ public:
     std::int16_t lastSoundPriority = 0;
     std::uint32_t musicDevice = NoMusicDevice;
     CRandom random;
+    CRecorder recorder;
+    CFrameSnapshots snapshots;
     CPadBindings padBindings;
 
 private:
@@ -140,6 +176,17 @@ private:
     void DrawStars(CSurface& back);
     void DrawHeadsUp(CTextPen& pen);
     void DeleteLiveSprites();
+    // After the ship was lost and its score, if any, has a name.
+    void EndRecordingIfOver();
+
+    void BeginReplayShow();
+    bool ShowReplayFrame();
+    void OnReplayLiveKey(UINT key, bool pressed);
+
+    CReplayShow* replayShow = nullptr;
+    bool dispatchingInput = false;
+    // The recorded frame the last AdvanceFrame made, or -1 when none was recorded.
+    std::int64_t recordedFrame = -1;
 
     static inline CGameApp* current = nullptr;
 };

@@ -1,6 +1,9 @@
 #include "app/Launch.h"
 
+#include "app/GameApp.h"
+#include "app/ReplayShow.h"
 #include "frontend/MenuSystem.h"
+#include "platform/AudioDevice.h"
 #include "platform/CommandLine.h"
 #include "platform/Console.h"
 #include "platform/FileStore.h"
@@ -13,6 +16,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -29,6 +33,9 @@ const std::vector<OptionSpec>& Options()
         {"windowed", "", "start in a 1024 x 768 window"},
         {"fullscreen", "", "start over the whole screen"},
         {"trace", "", "write the trace, each line timed, to stderr"},
+        {"record", "FILE", "play, and keep the game in FILE as a replay"},
+        {"replay", "FILE", "watch the game kept in FILE (Escape stops, Space pauses)"},
+        {"verify", "FILE", "check FILE's game without a window; exit 0 if it plays as recorded"},
     };
     return options;
 }
@@ -47,7 +54,7 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
     Platform::MillisecondsSinceStart(); // the trace's times count from here
     std::signal(SIGPIPE, SIG_IGN);      // a closed terminal must not end the game
 
-    const LaunchRequest request = ReadCommandLine(arguments);
+    request = ReadCommandLine(arguments);
     switch (request.action) {
     case LaunchAction::ShowHelp:
         std::fputs(UsageText().c_str(), stdout);
@@ -59,7 +66,10 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
         Platform::PrintError(request.error);
         std::fputs(UsageText().c_str(), stderr);
         std::exit(UsageStatus);
+    case LaunchAction::VerifyReplay:
+        VerifyAndExit(request.replayFile);
     case LaunchAction::Play:
+    case LaunchAction::WatchReplay:
         break;
     }
     if (request.trace)
@@ -69,9 +79,12 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
     if (!HoldsGameData("."))
         Refuse("no game data in " + folder + " (neither sprite.ini nor art/ is there); start the game with its "
                "launcher, quelvarion, or from the folder that holds its data");
-    if (lock.Take(".") == CFolderLock::HeldElsewhere)
-        Refuse("the game is already running in " + folder + "; play on in that one, or end it first");
-    Platform::RemoveInterruptedSaves(CMenuSystem::SettingsFile);
+    // A replay saves nothing, so it may be watched beside a game in play.
+    if (request.action == LaunchAction::Play) {
+        if (lock.Take(".") == CFolderLock::HeldElsewhere)
+            Refuse("the game is already running in " + folder + "; play on in that one, or end it first");
+        Platform::RemoveInterruptedSaves(CMenuSystem::SettingsFile);
+    }
 
     const std::string windowModePath = WindowModePath();
     Platform::SetWindowMode(request.windowMode.value_or(
@@ -80,6 +93,8 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
         Platform::SetWindowModeListener(
             [windowModePath](Platform::WindowMode mode) { RememberWindowMode(windowModePath, mode); });
 }
+
+CLaunch::~CLaunch() = default;
 
 LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments)
 {
@@ -94,10 +109,22 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
         request.error = "choose one of --windowed and --fullscreen";
         return request;
     }
+    const int replayModes = line->Has("record") + line->Has("replay") + line->Has("verify");
+    if (replayModes > 1) {
+        request.action = LaunchAction::BadUsage;
+        request.error = "choose one of --record, --replay and --verify";
+        return request;
+    }
     if (line->Has("help"))
         request.action = LaunchAction::ShowHelp;
     else if (line->Has("version"))
         request.action = LaunchAction::ShowVersion;
+    else if (line->Has("replay"))
+        request.action = LaunchAction::WatchReplay;
+    else if (line->Has("verify"))
+        request.action = LaunchAction::VerifyReplay;
+    request.recordFile = line->Value("record");
+    request.replayFile = line->Has("replay") ? line->Value("replay") : line->Value("verify");
     request.trace = line->Has("trace");
     if (line->Has("windowed"))
         request.windowMode = Platform::WindowMode::Windowed;
@@ -158,6 +185,46 @@ void CLaunch::RememberWindowMode(const std::string& path, Platform::WindowMode m
     const std::string word = mode == Platform::WindowMode::Windowed ? WindowedWord : FullScreenWord;
     if (const Result saved = Platform::SaveFile(path, word + "\n"); saved != S_OK)
         Platform::PrintError("window mode not remembered in " + path + ": " + Platform::FileProblemText(saved));
+}
+
+void CLaunch::Prepare(CGameApp& app)
+{
+    if (!request.recordFile.empty())
+        app.recorder.SetRecordFile(request.recordFile);
+    if (request.action != LaunchAction::WatchReplay)
+        return;
+    CReplay replay;
+    std::string error;
+    if (!CReplay::Load(request.replayFile, replay, error)) {
+        Platform::PrintError(request.replayFile + ": " + error);
+        std::exit(CGameApp::ReplayUnreadableStatus);
+    }
+    if (replay.header.gameVersion != QV_VERSION)
+        Platform::PrintError(request.replayFile + " was recorded by version " + replay.header.gameVersion +
+                             " of the game; this is " + QV_VERSION + ", which may play it otherwise");
+    replayShow = std::make_unique<CReplayShow>(app, std::move(replay));
+    app.SetReplayShow(replayShow.get());
+}
+
+void CLaunch::VerifyAndExit(const std::string& file)
+{
+    std::error_code error;
+    const fs::path replay = fs::absolute(file, error);
+    std::string scratchName = (fs::temp_directory_path(error) / "quelvarion-verify-XXXXXX").string();
+    const char* scratch = error ? nullptr : ::mkdtemp(scratchName.data());
+    if (error || !scratch || ::chdir(scratch) != 0) {
+        Platform::PrintError("no scratch folder to check the replay in");
+        std::exit(RefusedStatus);
+    }
+    Platform::DisableAudio(); // a check is heard by no one
+    int status = 0;
+    {
+        CGameApp app;
+        status = app.VerifyReplayFile(replay.string());
+    }
+    fs::remove_all(scratch, error);
+    std::fflush(stdout);
+    std::exit(status);
 }
 
 void CLaunch::Refuse(const std::string& problem)

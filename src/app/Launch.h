@@ -2,12 +2,16 @@
 #include "platform/FolderLock.h"
 #include "platform/Window.h"
 
+class CGameApp;
+class CReplayShow;
+
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 // What one start of the program comes to.
-enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage };
+enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage, WatchReplay, VerifyReplay };
 
 // The command line, read.
 struct LaunchRequest {
@@ -15,6 +19,8 @@ struct LaunchRequest {
     std::string error; // why the command line was refused
     bool trace = false;
     std::optional<Platform::WindowMode> windowMode; // --windowed or --fullscreen
+    std::string recordFile;                          // --record: where the game is kept as well
+    std::string replayFile;                          // --replay or --verify: the replay to play
 };
 
 // Everything settled before the application object is built: the command
@@ -30,10 +36,16 @@ public:
     static constexpr const char* WindowModeFileName = "window-mode";
 
     explicit CLaunch(const std::vector<std::string>& arguments);
+    ~CLaunch();
     CLaunch(const CLaunch&) = delete;
     CLaunch& operator=(const CLaunch&) = delete;
 
     static LaunchRequest ReadCommandLine(const std::vector<std::string>& arguments);
+    const LaunchRequest& GetRequest() const { return request; }
+    // Sets the application up for what the command line asked: a replay
+    // shown, or the game recorded to a file as well. A replay that cannot be
+    // read ends the program.
+    void Prepare(CGameApp& app);
     static std::string UsageText();
     static std::string VersionText();
     // The game's data: its sprite catalogue or its art folder.
@@ -48,6 +60,13 @@ public:
 private:
     // Says why the game cannot run here, on stderr and in a box, and ends the program.
     [[noreturn]] static void Refuse(const std::string& problem);
+    // Checks a replay in a game of its own, in a scratch folder so that no
+    // file of the player's is touched, and ends the program with its verdict.
+    [[noreturn]] static void VerifyAndExit(const std::string& file);
+
+    LaunchRequest request;
+    // Made before the application and gone after it, as the show must be.
+    std::unique_ptr<CReplayShow> replayShow;
 
     CFolderLock lock;
 };

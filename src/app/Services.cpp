@@ -36,8 +36,8 @@ void SetPause(bool pause) { TheApp().SetPause(pause); }
 void NewGame() { TheApp().NewGame(); }
 void GameOver() { TheApp().GameOver(); }
 void ApplyMusicOption() { TheApp().ApplyMusicOption(); }
-void OnActivate(bool isActive) { TheApp().OnActivate(isActive); }
-void OnKey(std::uint32_t key, bool pressed) { TheApp().OnKey(key, pressed); }
+void OnActivate(bool isActive) { TheApp().OnActivateMessage(isActive); }
+void OnKey(std::uint32_t key, bool pressed) { TheApp().OnKeyMessage(key, pressed); }
 void PlayMusic(bool restart) { TheApp().PlayMusic(restart); }
 
 void CloseMainWindow()

@@ -26,6 +26,11 @@ public:
     // A star from five draws (0..32767) already made, in the order: column,
     // row, size, brightness, direction.
     static CStar FromDraws(const std::array<std::int32_t, 5>& draws, std::int32_t width, std::int32_t height);
+    // A star exactly as one stood before, for a replay.
+    static CStar Restored(std::int32_t x, std::int32_t y, std::int16_t size, std::int32_t brightness, bool rising)
+    {
+        return CStar(x, y, size, brightness, rising);
+    }
 
     // One step of the twinkle, made once per drawn frame.
     void Twinkle();

@@ -41,7 +41,20 @@ CMenuSystem::CMenuSystem() : pages{MainMenuPage()}, options(DefaultOptions())
 
 CMenuSystem::~CMenuSystem()
 {
-    SaveSettings();
+    if (saveOnExit)
+        SaveSettings();
+}
+
+void CMenuSystem::ShowScreen(std::int32_t newScreen, std::int16_t cursor)
+{
+    screen = newScreen;
+    if (cursor >= 0 && cursor < static_cast<std::int16_t>(options.size()))
+        optionsCursor = cursor;
+}
+
+void CMenuSystem::SetHighScore(int index, std::string name, std::int32_t score)
+{
+    highScores.SetEntry(index, std::move(name), score);
 }
 
 void CMenuSystem::OnKey(UINT key, bool pressed)

@@ -50,6 +50,9 @@ public:
     // The options file: every option and score, as the game keeps them.
     void LoadSettings();
     void SaveSettings();
+    // Leaves the file as it is when the menus go: for runs that are not the
+    // player's own game, such as a replay.
+    void KeepFileAsIs() { saveOnExit = false; }
     // The file's text for the current options and scores, and the reading of one.
     std::string SettingsText();
     void ApplySettingsText(const std::string& text);
@@ -61,6 +64,9 @@ public:
     const CMenuOption* FindOption(OptionId id) const;
     // Sets an on/off option directly, as the options screen would.
     void SetOptionOn(OptionId id, bool on);
+    // Puts the menus and the table as a replay found them.
+    void ShowScreen(std::int32_t newScreen, std::int16_t cursor);
+    void SetHighScore(int index, std::string name, std::int32_t score);
 
     std::int32_t GetScreen() const { return screen; }
     // A new high score's name is being typed: every key goes to it.
@@ -90,4 +96,5 @@ private:
     std::int16_t optionsCursor = 0;
     std::vector<CMenuOption> options;
     CHighScoreTable highScores;
+    bool saveOnExit = true;
 };

@@ -28,7 +28,7 @@ CAudioDevice& CAudioDevice::Instance()
 
 bool CAudioDevice::Open()
 {
-    if (open || failed)
+    if (open || failed || disabled)
         return open;
     if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) {
         failed = true;
@@ -88,6 +88,11 @@ void CAudioDevice::MixOutput(void* self, std::uint8_t* stream, int bytes)
 }
 
 namespace Platform {
+
+void DisableAudio()
+{
+    CAudioDevice::Instance().Disable();
+}
 
 void CloseAudio()
 {

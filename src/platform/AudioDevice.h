@@ -21,6 +21,8 @@ public:
     void Close();
     // The output's frames a second, once open.
     int SampleRate() const { return rate; }
+    // From now on the output never opens, as on a machine without sound.
+    void Disable() { disabled = true; }
 
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
@@ -37,10 +39,13 @@ private:
     int rate = 0;
     std::unique_ptr<CLimiter> limiter;
     std::vector<float> mix; // one chunk of the output, as floats
+    bool disabled = false;
 };
 
 namespace Platform {
 // Stops every sound and tune, closes every sequencer device and the output.
 // Safe at any time, more than once, and when nothing was ever opened.
 void CloseAudio();
+// For runs no one listens to: every sound and tune refuses quietly.
+void DisableAudio();
 } // namespace Platform

@@ -55,6 +55,7 @@ public:
     std::int32_t GetMaxSpeed() const { return maxSpeed; }
     std::int32_t GetHullMax() const { return hullMax; }
     std::int32_t GetHull() const { return static_cast<std::int32_t>(hull); }
+    float GetExactHull() const { return hull; }
     std::int32_t GetBodyKind() const { return bodyKind; }
     std::int32_t GetDisplayThrust() const { return static_cast<std::int32_t>(thrust / mass * 100.0f); }
     std::int16_t GetAiMode() const { return aiMode; }

@@ -3,7 +3,6 @@
 #include "app/GameApp.h"
 #include "ship/Ship.h"
 
-#include <memory>
 #include <vector>
 
 namespace {
@@ -11,6 +10,7 @@ namespace {
 // armed first, speed and armour with the space that is left.
 constexpr std::int32_t RefitOrder[] = {KindEngine, KindEnergySystem, KindLaser, KindShield,
                                        KindJet,    KindSubspaceSail, KindArmour};
+constexpr int MaxRefitPresses = 1000;
 } // namespace
 
 void CGameDriver::Seed(std::uint32_t seed)
@@ -20,48 +20,60 @@ void CGameDriver::Seed(std::uint32_t seed)
 
 void CGameDriver::StartGame(std::int32_t startLevel)
 {
-    app.world.NewGame(startLevel);
-    app.SetGameState(StatePlaying);
+    app.StartGameAt(startLevel);
 }
 
 void CGameDriver::Key(UINT key, bool pressed)
 {
-    app.OnKey(key, pressed);
+    app.OnKeyMessage(key, pressed);
+}
+
+void CGameDriver::Press(UINT key)
+{
+    Key(key, true);
+    Key(key, false);
 }
 
 void CGameDriver::Frame(double elapsedMs)
 {
-    app.elapsedMs = elapsedMs;
-    if (app.GetGameState() == StatePlaying)
-        app.world.Update(elapsedMs);
+    app.AdvanceFrame(elapsedMs);
 }
 
 void CGameDriver::Refit()
 {
     CShip* ship = Player();
-    if (!ship)
+    if (!ship || app.GetGameState() != StateDesign)
         return;
+    // Everything off: the ship's list, each entry until it is gone.
     std::vector<CComponent*> fitted;
     ship->ListComponents(fitted);
-    // Copies first: each removal changes the ship's arrays the list points into.
-    std::vector<std::unique_ptr<CComponent>> removed;
-    for (const CComponent* c : fitted)
-        removed.push_back(CComponent::MakeCopy(*c));
-    for (const auto& c : removed) {
-        for (std::int32_t piece = 0; piece < c->GetCount(); ++piece)
-            ship->RemoveComponent(*c);
-        app.world.AddToStock(*c);
+    if (!fitted.empty())
+        Press(VK_RIGHT);
+    // Each press takes one piece off; a ship holds far fewer than this.
+    for (int presses = 0; !fitted.empty() && presses < MaxRefitPresses; ++presses) {
+        Press(VK_RETURN);
+        fitted.clear();
+        ship->ListComponents(fitted);
     }
+    // Then the offer, kind by kind, walking the selection to each.
     const std::vector<CComponent*> offer = app.world.GetStock();
-    for (std::int32_t kind : RefitOrder)
-        for (CComponent* c : offer)
-            if (c->GetKind() == kind)
-                ship->AddComponent(c);
+    std::int32_t at = app.designer.GetOfferSelection();
+    for (std::int32_t kind : RefitOrder) {
+        for (std::size_t i = 0; i < offer.size(); ++i) {
+            if (offer[i]->GetKind() != kind)
+                continue;
+            for (; at < static_cast<std::int32_t>(i); ++at)
+                Press(VK_DOWN);
+            for (; at > static_cast<std::int32_t>(i); --at)
+                Press(VK_UP);
+            Press(VK_RETURN);
+        }
+    }
 }
 
 void CGameDriver::StartLevel()
 {
-    app.SetGameState(StatePlaying);
+    Press(VK_ESCAPE);
 }
 
 std::int32_t CGameDriver::GetGameState() const

@@ -18,12 +18,14 @@ public:
     // A new game whose first real level is startLevel, already in play.
     void StartGame(std::int32_t startLevel);
 
+    // Keys reach the game as the main window's messages do.
     void Key(UINT key, bool pressed);
+    void Press(UINT key);
     // One frame of the given length: the world advances while a level is played.
     void Frame(double elapsedMs);
 
-    // On the design screen: takes everything off the ship, gives it back to
-    // the offer and fits the offer again, best kinds first.
+    // On the design screen, with its keys: takes everything off the ship,
+    // giving it back to the offer, and fits the offer again, best kinds first.
     void Refit();
     // Leaves the design screen for the next level.
     void StartLevel();

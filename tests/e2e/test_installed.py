@@ -55,9 +55,16 @@ def launch(prefix, env, user=False):
 
 def check_launcher_folders(prefix):
     """A relative or empty XDG_DATA_HOME is ignored for ~/.local/share; without
-    any home the launcher says so instead of writing to /.local."""
+    any home the launcher says so instead of writing to /.local. A replay named
+    from where the launcher was started is found there."""
     home = tempfile.mkdtemp(prefix="qv-home-")
     try:
+        with open(os.path.join(home, "bad.qvr"), "wb") as f:
+            f.write(b"QVREPLAY")
+        result = subprocess.run([os.path.join(prefix, "bin/quelvarion"), "--verify", "bad.qvr"],
+                                env=dict(os.environ, HOME=home), capture_output=True, text=True, timeout=30, cwd=home)
+        if result.returncode != 3 or os.path.join(home, "bad.qvr") not in result.stderr:
+            fail(f"a replay named from the launcher's folder: status {result.returncode}, {result.stderr!r}")
         for data_home in ("relative/share", ""):
             env = dict(os.environ, HOME=home, XDG_DATA_HOME=data_home)
             expect_equal(launch(prefix, env).returncode, 0, f"launcher status with XDG_DATA_HOME={data_home!r}")

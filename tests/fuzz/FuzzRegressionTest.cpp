@@ -56,6 +56,11 @@ TEST(FuzzRegressions, WaveFilesAndTunes)
     RunRegressions("tune", qvfuzz::FuzzTune);
 }
 
+TEST(FuzzRegressions, Replays)
+{
+    RunRegressions("replay", qvfuzz::FuzzReplay);
+}
+
 TEST(FuzzRegressions, SpriteCatalogues)
 {
     qvtest::DisplayApp game;

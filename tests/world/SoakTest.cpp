@@ -1,6 +1,7 @@
 // A long game played by random keys and a simple autopilot, with the world's
 // books checked after every frame. Short by default; set QV_SOAK_LEVELS to
 // play further.
+#include "replay/Replay.h"
 #include "ship/Ship.h"
 #include "support/TestApp.h"
 #include "world/GameDriver.h"
@@ -155,69 +156,81 @@ private:
 TEST(Soak, AutopilotedGamesKeepTheWorldsBooksStraight)
 {
     const std::int32_t target = SoakLevels();
-    TestApp t(20240611);
-    CGameDriver driver(*t);
-    CPilot pilot(driver, 77);
-    std::minstd_rand frameTimes(5);
-    std::uniform_real_distribution<double> frameMs(8.0, 34.0);
+    std::vector<CReplay> replays;
+    {
+        TestApp t(20240611);
+        CGameDriver driver(*t);
+        CPilot pilot(driver, 77);
+        std::minstd_rand frameTimes(5);
+        std::uniform_real_distribution<double> frameMs(8.0, 34.0);
 
-    const std::uint64_t createdBefore = CGameObject::CreatedCount();
-    std::int64_t frames = 0;
-    double simulatedMs = 0.0;
-    std::int32_t games = 1, deathsHere = 0, highestLevel = 0, levelsCompleted = 0;
-    bool opening = true; // a new game's half-second lead-in is no level of play
-    driver.StartGame(1);
+        const std::uint64_t createdBefore = CGameObject::CreatedCount();
+        std::int64_t frames = 0;
+        double simulatedMs = 0.0;
+        std::int32_t games = 1, deathsHere = 0, highestLevel = 0, levelsCompleted = 0;
+        bool opening = true; // a new game's half-second lead-in is no level of play
+        driver.StartGame(1);
 
-    while (highestLevel <= target) {
-        CWorld& world = driver.World();
-        if (driver.GetGameState() == StateDesign) {
-            if (world.GetLevel() > highestLevel) {
-                highestLevel = world.GetLevel();
-                deathsHere = 0;
+        while (highestLevel <= target) {
+            CWorld& world = driver.World();
+            if (driver.GetGameState() == StateDesign) {
+                if (world.GetLevel() > highestLevel) {
+                    highestLevel = world.GetLevel();
+                    deathsHere = 0;
+                }
+                if (!opening)
+                    ++levelsCompleted;
+                opening = false;
+                driver.Refit();
+                driver.StartLevel();
+                continue;
             }
-            if (!opening)
-                ++levelsCompleted;
-            opening = false;
-            driver.Refit();
-            driver.StartLevel();
-            continue;
-        }
-        if (driver.GetGameState() == StateMenu) { // the ship was lost: play on from the same level
-            ++games;
-            const std::int32_t level = world.GetLevel();
-            driver.StartGame(++deathsHere >= DeathsBeforeMovingOn ? level + 1 : level);
-            opening = true;
-            continue;
+            if (driver.GetGameState() == StateMenu) { // the ship was lost: play on from the same level
+                ++games;
+                const std::int32_t level = world.GetLevel();
+                driver.StartGame(++deathsHere >= DeathsBeforeMovingOn ? level + 1 : level);
+                replays.push_back(t->recorder.GetFinished());
+                opening = true;
+                continue;
+            }
+
+            pilot.Fly();
+            const std::int32_t levelBefore = world.GetLevel();
+            const std::int32_t scoreBefore = world.GetScore();
+            const auto enemiesBefore = Enemies(world);
+            const double ms = frameMs(frameTimes);
+            driver.Frame(ms);
+            simulatedMs += ms;
+            ++frames;
+
+            ASSERT_NO_FATAL_FAILURE(CheckLists(*t)) << "frame " << frames;
+            const auto enemiesAfter = Enemies(world);
+            ASSERT_EQ(world.GetEnemiesLeft(), static_cast<std::int32_t>(enemiesAfter.size())) << "frame " << frames;
+            if (world.GetLevel() == levelBefore) {
+                std::int32_t earned = 0;
+                for (const auto& [enemy, value] : enemiesBefore)
+                    if (!enemiesAfter.count(enemy))
+                        earned += value;
+                ASSERT_EQ(world.GetScore() - scoreBefore, earned) << "frame " << frames;
+            }
+            ASSERT_LT(frames, 5000000) << "the soak never got through its levels";
         }
 
-        pilot.Fly();
-        const std::int32_t levelBefore = world.GetLevel();
-        const std::int32_t scoreBefore = world.GetScore();
-        const auto enemiesBefore = Enemies(world);
-        const double ms = frameMs(frameTimes);
-        driver.Frame(ms);
-        simulatedMs += ms;
-        ++frames;
-
-        ASSERT_NO_FATAL_FAILURE(CheckLists(*t)) << "frame " << frames;
-        const auto enemiesAfter = Enemies(world);
-        ASSERT_EQ(world.GetEnemiesLeft(), static_cast<std::int32_t>(enemiesAfter.size())) << "frame " << frames;
-        if (world.GetLevel() == levelBefore) {
-            std::int32_t earned = 0;
-            for (const auto& [enemy, value] : enemiesBefore)
-                if (!enemiesAfter.count(enemy))
-                    earned += value;
-            ASSERT_EQ(world.GetScore() - scoreBefore, earned) << "frame " << frames;
-        }
-        ASSERT_LT(frames, 5000000) << "the soak never got through its levels";
+        const std::uint64_t created = CGameObject::CreatedCount() - createdBefore;
+        std::cout << "soak: levels reached " << highestLevel << ", levels completed " << levelsCompleted << ", games "
+                  << games << ", simulated minutes " << simulatedMs / 60000.0 << ", frames " << frames
+                  << ", objects created " << created << std::endl;
+        EXPECT_GT(levelsCompleted, 0);
+        EXPECT_GT(created, 100u);
+        t->EndRecording();
+        replays.push_back(t->recorder.GetFinished());
     }
 
-    const std::uint64_t created = CGameObject::CreatedCount() - createdBefore;
-    std::cout << "soak: levels reached " << highestLevel << ", levels completed " << levelsCompleted << ", games "
-              << games << ", simulated minutes " << simulatedMs / 60000.0 << ", frames " << frames
-              << ", objects created " << created << std::endl;
-    EXPECT_GT(levelsCompleted, 0);
-    EXPECT_GT(created, 100u);
+    // Every game of the soak, played again from its replay, ends as it did.
+    for (std::size_t g = 0; g < replays.size(); ++g) {
+        TestApp again;
+        EXPECT_EQ(again->VerifyReplay(replays[g], "soak game " + std::to_string(g + 1)), 0);
+    }
 }
 
 } // namespace

@@ -1,0 +1,160 @@
+"""A game played with --record is checked with --verify (it plays as recorded),
+a copy with one key changed is checked again (it goes its own way from the
+frame that key came before), and --replay shows the same pictures: the frames
+kept from the game and from its replay are the same pixel for pixel, but for
+the REPLAY marker in the bottom left corner."""
+import os
+import shutil
+import tempfile
+import time
+
+from quelvarion_e2e import GAME_HEIGHT, Game, expect_equal, fail, link_game_data, run, run_program, settings_text
+
+SNAPSHOT_FRAMES = [20, 150, 400, 900]
+PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
+# The corner the marker is written in: it must differ there and nowhere else.
+MARKER_WIDTH, MARKER_HEIGHT = 80, 24
+
+KEY_DOWN, KEY_UP = 0x100, 0x101
+VK_UP, VK_DOWN = 0x26, 0x28
+
+
+def varint(data, at):
+    value = shift = 0
+    while True:
+        byte = data[at]
+        at += 1
+        value |= (byte & 0x7F) << shift
+        shift += 7
+        if not byte & 0x80:
+            return value, at
+
+
+def records(data):
+    """The replay's records after its header: (offset, tag, frame index, fields)."""
+    at = 8 + 2
+    at += 1 + data[at]                # the game's version
+    at += 4 + 4 + 4 + 1 + 1 + 2       # random state, serial, start level, options, screen, cursor
+    for _ in range(10):               # the high-score table
+        at += 1 + data[at] + 4
+    stars, at = varint(data, at)
+    at += stars * 14
+    frame = 0
+    while True:
+        start, tag = at, data[at]
+        at += 1
+        if tag == 0x10:
+            message, at = varint(data, at)
+            key, at = varint(data, at)
+            yield start, tag, frame, (message, key)
+        elif tag == 0x01:
+            _, at = varint(data, at)
+            at += 4
+            frame += 1
+        elif tag == 0x02:
+            at += 12
+            frame += 1
+        else:
+            return
+
+
+def hold(game, key, seconds):
+    game.x("xdotool", "keydown", key)
+    time.sleep(seconds)
+    game.x("xdotool", "keyup", key)
+
+
+def record(replay_file, snapshots):
+    os.environ["QV_SNAPSHOT_DIR"] = snapshots
+    with Game(settings=settings_text(), args=["--record", replay_file]) as game:
+        game.wait_title_pause()
+        game.start_new_game()
+        game.keys("Return", "Down", "Return", "Down", "Return")  # fit the first offers
+        game.keys("Escape")                                      # and fly
+        deadline = time.monotonic() + PLAY_SECONDS
+        while time.monotonic() < deadline:
+            for key, seconds in (("Up", 0.8), ("Left", 0.5), ("Up", 0.4), ("Right", 0.7), ("Down", 0.3)):
+                hold(game, key, seconds)
+        game.keys("Escape")                            # pause
+        game.keys("Down", "Down", "Down", "Down", "Down", "Return")  # Exit Game
+        expect_equal(game.wait_exit(), 0, "exit status of the recorded game")
+
+
+def verify(replay_file, folder):
+    return run_program(["--verify", replay_file], folder, timeout=60)
+
+
+def with_one_key_changed(replay_file, changed_file):
+    """Turns the first forward thrust of the level into a backward one; returns the frame it came before."""
+    data = bytearray(open(replay_file, "rb").read())
+    for offset, _, frame, (message, key) in records(data):
+        if message == KEY_DOWN and key == VK_UP and frame > 30:
+            data[offset + 3] = VK_DOWN  # tag, two bytes of message, then the key
+            open(changed_file, "wb").write(data)
+            return frame
+    fail("the recorded game has no forward thrust")
+
+
+def bitmap_rows(path):
+    data = open(path, "rb").read()
+    width, height = int.from_bytes(data[18:22], "little"), int.from_bytes(data[22:26], "little")
+    row = (width * 3 + 3) & ~3
+    # Bottom-up: the file's first row is the picture's last.
+    return width, [data[54 + (height - 1 - y) * row:54 + (height - 1 - y) * row + width * 3] for y in range(height)]
+
+
+def compare_pictures(recorded, replayed, frame):
+    width, ours = bitmap_rows(recorded)
+    _, theirs = bitmap_rows(replayed)
+    marker_top = GAME_HEIGHT - MARKER_HEIGHT
+    for y, (a, b) in enumerate(zip(ours, theirs)):
+        if y >= marker_top:
+            a, b = a[MARKER_WIDTH * 3:], b[MARKER_WIDTH * 3:]
+        if a != b:
+            fail(f"frame {frame}: the replay's picture differs from the game's in row {y}")
+    if all(a[:MARKER_WIDTH * 3] == b[:MARKER_WIDTH * 3] for a, b in zip(ours[marker_top:], theirs[marker_top:])):
+        fail(f"frame {frame}: no replay marker in the bottom left corner")
+
+
+def replay_flow():
+    work = tempfile.mkdtemp(prefix="qv-replay-")
+    try:
+        replay_file = os.path.join(work, "game.qvr")
+        recorded, replayed = os.path.join(work, "recorded"), os.path.join(work, "replayed")
+        os.makedirs(recorded)
+        os.makedirs(replayed)
+        os.environ["QV_SNAPSHOT_FRAMES"] = ",".join(map(str, SNAPSHOT_FRAMES))
+        record(replay_file, recorded)
+        frames = [f for f in SNAPSHOT_FRAMES if os.path.exists(os.path.join(recorded, f"frame-{f}.bmp"))]
+        if len(frames) < 2:
+            fail(f"too few frames recorded to compare: {frames}")
+
+        folder = os.path.join(work, "verify")
+        os.makedirs(folder)
+        status, out, err = verify(replay_file, folder)
+        expect_equal(status, 0, f"--verify of the recorded game ({err.strip()})")
+        if "plays as recorded" not in out:
+            fail(f"--verify said {out!r}")
+        expect_equal(os.listdir(folder), [], "files --verify left in its folder")
+
+        changed = os.path.join(work, "changed.qvr")
+        frame = with_one_key_changed(replay_file, changed)
+        status, _, err = verify(changed, folder)
+        expect_equal(status, 1, "--verify of a replay with one key changed")
+        if f"at frame {frame} " not in err:
+            fail(f"--verify should name frame {frame}: {err!r}")
+
+        os.environ["QV_SNAPSHOT_DIR"] = replayed
+        with Game(args=["--replay", replay_file]) as game:
+            expect_equal(game.wait_exit(timeout=PLAY_SECONDS + 60), 0, "exit status of the replay")
+            if os.path.exists(game.settings_path()) and os.path.getsize(game.settings_path()) > 0:
+                fail("the replay saved the settings")
+            if os.path.exists(os.path.join(game.folder, "last-game.qvr")):
+                fail("the replay was kept as the last game")
+        for f in frames:
+            compare_pictures(os.path.join(recorded, f"frame-{f}.bmp"), os.path.join(replayed, f"frame-{f}.bmp"), f)
+    finally:
+        shutil.rmtree(work, ignore_errors=True)
+
+
+run(replay_flow)
