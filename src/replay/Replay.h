@@ -22,6 +22,7 @@ public:
     struct HighScore {
         std::string name;
         std::int32_t score = 0;
+        friend bool operator==(const HighScore&, const HighScore&) = default;
     };
 
     // A background star as it stood: where, how large, how bright, which way
@@ -32,6 +33,7 @@ public:
         std::int16_t size = 1;
         std::int32_t brightness = 0;
         bool rising = false;
+        friend bool operator==(const Star&, const Star&) = default;
     };
 
     // The game's state at the moment the game began.
@@ -52,6 +54,7 @@ public:
         // The stars twinkle once a drawn frame, so they stand as they did
         // after however long the menus were shown.
         std::vector<Star> stars;
+        friend bool operator==(const Header&, const Header&) = default;
     };
 
     // A message as the main window received it.

@@ -46,25 +46,7 @@ TEST(ReplayFile, ComesBackAsWrittenWithEveryInputBeforeItsFrame)
     std::string error;
     ASSERT_TRUE(CReplay::Decode(bytes, read, error)) << error;
 
-    EXPECT_EQ(read.header.gameVersion, "1.2.3");
-    EXPECT_EQ(read.header.randomState, 0xDEADBEEFu);
-    EXPECT_EQ(read.header.componentSerial, 41);
-    EXPECT_EQ(read.header.startLevel, -7);
-    EXPECT_FALSE(read.header.musicOn);
-    EXPECT_TRUE(read.header.soundOn);
-    EXPECT_TRUE(read.header.starsOn);
-    EXPECT_FALSE(read.header.statsOn);
-    EXPECT_EQ(read.header.menuScreen, 3);
-    EXPECT_EQ(read.header.optionsCursor, 4);
-    EXPECT_EQ(read.header.highScores[0].name, "ANN");
-    EXPECT_EQ(read.header.highScores[9].score, -3);
-    EXPECT_EQ(read.header.highScores[9].name, "Z Z ");
-    ASSERT_EQ(read.header.stars.size(), 2u);
-    EXPECT_EQ(read.header.stars[0].x, 1023);
-    EXPECT_EQ(read.header.stars[0].size, 2);
-    EXPECT_TRUE(read.header.stars[0].rising);
-    EXPECT_EQ(read.header.stars[1].y, 767);
-    EXPECT_EQ(read.header.stars[1].brightness, 98);
+    EXPECT_TRUE(read.header == written.header);
 
     ASSERT_EQ(read.frames.size(), 3u);
     EXPECT_EQ(read.frames[1].elapsedMs, 0.5);
