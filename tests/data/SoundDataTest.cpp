@@ -87,30 +87,14 @@ struct Bands {
 
 Bands EnergyBands(const Wave& w) {
     constexpr size_t kFrame = 4096;
-    std::vector<std::complex<double>> x(kFrame);
-    for (size_t i = 0; i < kFrame && i < w.samples.size(); ++i) x[i] = w.samples[i];
-    // Iterative radix-2 FFT.
-    for (size_t i = 1, j = 0; i < kFrame; ++i) {
-        size_t bit = kFrame >> 1;
-        for (; j & bit; bit >>= 1) j ^= bit;
-        j ^= bit;
-        if (i < j) std::swap(x[i], x[j]);
-    }
-    for (size_t len = 2; len <= kFrame; len <<= 1) {
-        const std::complex<double> step = std::polar(1.0, -2 * std::numbers::pi / static_cast<double>(len));
-        for (size_t start = 0; start < kFrame; start += len) {
-            std::complex<double> turn = 1;
-            for (size_t k = 0; k < len / 2; ++k, turn *= step) {
-                const auto a = x[start + k], b = x[start + k + len / 2] * turn;
-                x[start + k] = a + b;
-                x[start + k + len / 2] = a - b;
-            }
-        }
-    }
     Bands bands;
     for (size_t bin = 1; bin < kFrame / 2; ++bin) {
-        const double hz = static_cast<double>(bin) * w.spec.freq / kFrame, energy = std::norm(x[bin]);
-        (hz < 200 ? bands.low : hz < 2000 ? bands.mid : bands.high) += energy;
+        std::complex<double> sum = 0;
+        const std::complex<double> step = std::polar(1.0, -2 * std::numbers::pi * static_cast<double>(bin) / kFrame);
+        std::complex<double> turn = 1;
+        for (size_t i = 0; i < kFrame && i < w.samples.size(); ++i, turn *= step) sum += turn * static_cast<double>(w.samples[i]);
+        const double hz = static_cast<double>(bin) * w.spec.freq / kFrame;
+        (hz < 200 ? bands.low : hz < 2000 ? bands.mid : bands.high) += std::norm(sum);
     }
     const double total = bands.low + bands.mid + bands.high;
     return {bands.low / total, bands.mid / total, bands.high / total};

@@ -126,12 +126,6 @@ class Screen:
         return sum(1 for i in range(0, len(p), 3)
                    if abs(p[i] - r) <= tolerance and abs(p[i + 1] - g) <= tolerance and abs(p[i + 2] - b) <= tolerance)
 
-    def changed_pixels(self, other, threshold=30):
-        """How many pixels differ from other's by more than threshold in a channel."""
-        a, b = self.pixels, other.pixels
-        return sum(1 for i in range(0, min(len(a), len(b)), 3)
-                   if max(abs(a[i] - b[i]), abs(a[i + 1] - b[i + 1]), abs(a[i + 2] - b[i + 2])) > threshold)
-
     def lit_cells(self, columns, rows, threshold=6):
         """The cells of a columns x rows grid over the screen in which something is drawn
         over black: (column, row) pairs whose mean brightness is above threshold."""
