@@ -17,6 +17,7 @@
 #include "platform/Window.h"
 #include "replay/Replay.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <system_error>
