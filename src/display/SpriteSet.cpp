@@ -28,6 +28,10 @@ constexpr std::size_t FrameTimeField = 5;
 // a line asking for more than this (a slip of the keyboard, most likely) is
 // refused rather than left to exhaust the machine.
 constexpr std::int64_t SpriteLineMemoryBudget = std::int64_t{256} << 20;
+// Every frame is a file to look for, found or not: tiny frames fill pages so
+// slowly that a line could fit the memory and still keep the game searching
+// for millions of files. The game's largest line has 72 frames.
+constexpr std::int64_t SpriteLineFrameBudget = 65536;
 
 // A decimal number as the catalogue writes it: blanks first, a sign, then
 // digits up to the first other character. No digits read as 0.
@@ -97,12 +101,17 @@ std::int64_t LineMemory(const SpriteLine& line)
 
 } // namespace
 
-bool CSpriteSet::FitsMemoryBudget(const SpriteLine& line)
+bool CSpriteSet::FitsBudget(const SpriteLine& line)
 {
-    if (LineMemory(line) <= SpriteLineMemoryBudget)
-        return true;
-    CTrace::Trace("Sprite line refused, its frames would take more memory than the pages may: " + line.name, 0);
-    return false;
+    if (FrameCount(line) > SpriteLineFrameBudget) {
+        CTrace::Trace("Sprite line refused, it names more frame files than a line may: " + line.name, 0);
+        return false;
+    }
+    if (LineMemory(line) > SpriteLineMemoryBudget) {
+        CTrace::Trace("Sprite line refused, its frames would take more memory than the pages may: " + line.name, 0);
+        return false;
+    }
+    return true;
 }
 
 std::vector<SpriteLine> CSpriteSet::ParseCatalogue(const std::string& text)
@@ -148,7 +157,7 @@ void CSpriteSet::Load()
         return;
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     for (const SpriteLine& line : ParseCatalogue(text))
-        if (FitsMemoryBudget(line))
+        if (FitsBudget(line))
             AddSprite(line);
 }
 

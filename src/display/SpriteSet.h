@@ -69,7 +69,7 @@ public:
     // The sprite lines of a catalogue text, in order.
     static std::vector<SpriteLine> ParseCatalogue(const std::string& text);
     // Whether a line's frames stay within what one line may cost; traces a line refused.
-    static bool FitsMemoryBudget(const SpriteLine& line);
+    static bool FitsBudget(const SpriteLine& line);
     // The frame files of a sprite, in the order its frames are stored.
     static std::vector<std::string> FrameFiles(const std::string& name, std::int32_t directions,
                                                std::int32_t frameCount);

@@ -94,17 +94,29 @@ TEST_F(SpriteSetTest, AMissingFrameHasNoSurfaceAndTakesNoRoom)
     EXPECT_EQ(instance.GetSpriteIndex(), CSpriteInstance::Unbound);
 }
 
-// 4 × 4 frames: 49,152 to a 1.5 MiB page, 2.6 MiB with their table: 97 pages fit the 256 MiB a line may take.
-TEST_F(SpriteSetTest, ALineIsRefusedOnlyWhenItsPagesWouldPassTheMemoryBudget)
+// A line may name 65,536 frame files, and its pages may take 256 MiB: 170
+// frames of 1000 × 700, one to a 1.5 MiB page, fit with their table; 171 do not.
+TEST_F(SpriteSetTest, ALineIsRefusedOnlyWhenItsFramesOrItsPagesPassTheBudget)
 {
-    qvtest::TraceRecorder trace;
-    EXPECT_TRUE(CSpriteSet::FitsMemoryBudget(Line("many", 4, 4, 5000, 1, 1)));
-    EXPECT_TRUE(CSpriteSet::FitsMemoryBudget(Line("placeholders", 2000, 4, 1000)));
-    EXPECT_TRUE(CSpriteSet::FitsMemoryBudget(Line("pages", 4, 4, 49152, 97, 1)));
-    EXPECT_TRUE(trace.lines.empty());
-    EXPECT_FALSE(CSpriteSet::FitsMemoryBudget(Line("more", 4, 4, 49152, 98, 1)));
-    EXPECT_EQ(trace.Texts(),
-              std::vector<std::string>{"Sprite line refused, its frames would take more memory than the pages may: more"});
+    const std::string tooMany = "Sprite line refused, it names more frame files than a line may: ";
+    const std::string tooBig = "Sprite line refused, its frames would take more memory than the pages may: ";
+    const struct {
+        SpriteLine line;
+        std::string refusal;
+    } cases[] = {
+        {Line("placeholders", 2000, 4, 1000), ""},
+        {Line("files", 4, 4, 4096, 16, 1), ""},
+        {Line("more-files", 4, 4, 4096, 17, 1), tooMany},
+        {Line("no-turns", 4, 4, 0, 65537, 1), tooMany},
+        {Line("pages", 1000, 700, 170), ""},
+        {Line("more-pages", 1000, 700, 171), tooBig},
+    };
+    for (const auto& c : cases) {
+        qvtest::TraceRecorder trace;
+        EXPECT_EQ(CSpriteSet::FitsBudget(c.line), c.refusal.empty()) << c.line.name;
+        EXPECT_EQ(trace.Texts(), c.refusal.empty() ? std::vector<std::string>{}
+                                                   : std::vector<std::string>{c.refusal + c.line.name});
+    }
 }
 
 TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWhereTheyWere)
