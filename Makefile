@@ -1,5 +1,6 @@
-# A thin wrapper over CMake. `make run` and `make test` install whatever
-# Debian packages are missing first, so both work on a fresh machine.
+# A thin wrapper over CMake. Each target first makes sure what it needs is
+# installed (scripts/install-deps.sh, by group): `make run` only what
+# building and playing needs, `make test` the test tools as well.
 BUILD ?= build
 JOBS  ?= $(shell nproc)
 PREFIX ?= /usr/local
@@ -10,49 +11,68 @@ CMAKE_FLAGS ?=
 ifdef CI
 CMAKE_FLAGS += -DQV_WERROR=ON
 endif
+MAKEFLAGS += --no-print-directory
+DEPS = bash scripts/install-deps.sh
+CONFIGURE = cmake -S . -B
+# What playing and installing need: the program, its data and its icons.
+GAME_TARGETS = --target quelvarion quelvarion_game_data quelvarion_icon
 
-.PHONY: all deps configure build run test test-asan fuzz bench install clean
+.PHONY: all deps configure build game run test test-asan fuzz bench install clean
 
 all: build
 
 deps:
-	@bash scripts/install-deps.sh
+	@$(DEPS) play
 
 configure: deps
-	@cmake -S . -B $(BUILD) $(CMAKE_FLAGS) > /dev/null
+	@$(CONFIGURE) $(BUILD) $(CMAKE_FLAGS) > /dev/null
 
+# Everything this machine can build: the tests and benchmarks where their
+# libraries are installed.
 build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 
-run: build
+game: configure
+	@cmake --build $(BUILD) -j $(JOBS) $(GAME_TARGETS)
+
+run: game
 	@mkdir -p $(BUILD)/game && cd $(BUILD)/game && ../quelvarion
 
-test: build
+test:
+	@$(DEPS) play test
+	@$(CONFIGURE) $(BUILD) -DQV_TESTS=ON $(CMAKE_FLAGS) > /dev/null
+	@cmake --build $(BUILD) -j $(JOBS)
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
 # The game's own work on SDL's dummy drivers, then, where an X server can be
 # had (Xvfb, xdotool and a C compiler), the real game on one: time to the
 # title, CPU, frames per second and memory, for each way of presenting.
-bench: build
+bench:
+	@$(DEPS) play test
+	@$(CONFIGURE) $(BUILD) $(CMAKE_FLAGS) > /dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target quelvarion_bench quelvarion
 	@$(BUILD)/quelvarion_bench
 	@if command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v cc >/dev/null; then \
 		python3 bench/desktop/desktop-bench.py $(BUILD)/quelvarion $(BUILD)/game; \
 	else echo "desktop measurements left out: they need Xvfb, xdotool and cc"; fi
 
 # The whole suite, soak test included, under AddressSanitizer and UndefinedBehaviorSanitizer.
-test-asan: deps
-	@cmake -S . -B $(ASAN_BUILD) -DQV_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS) > /dev/null
+test-asan:
+	@$(DEPS) play test
+	@$(CONFIGURE) $(ASAN_BUILD) -DQV_SANITIZE=ON -DQV_TESTS=ON -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS) > /dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
 
-# Runs every libFuzzer target for FUZZ_SECONDS each. Inputs that crash are
-# written to $(FUZZ_BUILD)/findings; once fixed, keep them in fuzz/regressions.
-fuzz: deps
-	@cmake -S . -B $(FUZZ_BUILD) -DQV_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > /dev/null
+# Runs every libFuzzer target for FUZZ_SECONDS each and fails if any leaves
+# a finding (a crash, a leak, a slow unit, a timeout or running out of
+# memory) in $(FUZZ_BUILD)/findings; once fixed, keep it in fuzz/regressions.
+fuzz:
+	@$(DEPS) play fuzz
+	@$(CONFIGURE) $(FUZZ_BUILD) -DQV_FUZZ=ON -DQV_TESTS=OFF -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > /dev/null
 	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target fuzzers quelvarion_game_data
 	@bash scripts/run-fuzzers.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
-install: build
+install: game
 	@cmake --install $(BUILD) --prefix $(PREFIX)
 
 clean:

@@ -1,45 +1,106 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the game needs to be built, run, tested
-# (make test, make test-asan) and fuzzed (make fuzz), asking apt only for the
-# ones that are missing. Works as root, through sudo, or tells an ordinary
-# user without sudo exactly what to ask for.
+# Makes sure what a group of make targets needs is on this machine:
+#
+#   scripts/install-deps.sh play [test] [fuzz]
+#
+#   play  building the game and its data, and playing it (make run, build, install)
+#   test  the unit, end-to-end and layering tests and the benchmarks (make test, bench)
+#   fuzz  the libFuzzer targets and their crash reports (make fuzz)
+#
+# Each need is checked the way the build will look for it (a pkg-config
+# module, a command, a font), not in a package database, so the check holds
+# on any system. Where something is missing and apt exists, the Debian
+# packages that bring it are installed: directly as root, through sudo
+# otherwise, or the user is told the exact command. Elsewhere the missing
+# pieces are named; the build goes on when nothing is missing.
 set -euo pipefail
 
-packages=(
-  # building and running
-  build-essential cmake pkg-config
-  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libfluidsynth-dev
-  fontconfig fonts-dejavu-core
-  libcairo2-dev
-  # the unit tests and the benchmarks
-  libgtest-dev libgmock-dev libbenchmark-dev
-  # the end-to-end tests: an X server, keys, screenshots, window properties,
-  # the fonts the error box is drawn with, sound checks, desktop file checks
-  xvfb xdotool imagemagick x11-utils xfonts-base sox python3
-  desktop-file-utils appstream
-  # make fuzz: clang with its sanitizer and libFuzzer runtimes
-  clang libclang-rt-dev
-)
+# One need a line: how it is checked, what it is called, the Debian package
+# that brings it. A new group is a new function and a line in `groups`.
+play_needs() {
+  cat <<'EOF'
+command cc              gcc
+command c++             g++
+command cmake           cmake
+command pkg-config      pkg-config
+pkg     sdl2            libsdl2-dev
+pkg     SDL2_ttf        libsdl2-ttf-dev
+pkg     SDL2_mixer      libsdl2-mixer-dev
+pkg     fluidsynth      libfluidsynth-dev
+pkg     fontconfig      libfontconfig-dev
+pkg     cairo           libcairo2-dev
+command fc-list         fontconfig
+font    scalable        fonts-dejavu-core
+EOF
+}
+
+test_needs() {
+  cat <<'EOF'
+pkg     gtest           libgtest-dev
+pkg     gmock           libgmock-dev
+pkg     benchmark       libbenchmark-dev
+command python3         python3
+command Xvfb            xvfb
+command xdotool         xdotool
+command import          imagemagick
+command xprop           x11-utils
+file    /usr/share/fonts/X11/misc/fonts.dir xfonts-base
+command sox             sox
+command desktop-file-validate desktop-file-utils
+command appstreamcli    appstream
+command man             man-db
+command setpriv         util-linux
+EOF
+}
+
+fuzz_needs() {
+  cat <<'EOF'
+command clang++         clang
+fuzzer  libFuzzer       libclang-rt-dev
+command llvm-symbolizer llvm
+EOF
+}
+
+groups=(play test fuzz)
 
 say() { echo "install-deps: $*" >&2; }
 
-if ! command -v dpkg-query > /dev/null || ! command -v apt-get > /dev/null; then
-  say "this is not a Debian system; install the equivalents of: ${packages[*]}"
+present() {
+  local kind=$1 name=$2
+  case $kind in
+    command) command -v "$name" > /dev/null ;;
+    pkg) command -v pkg-config > /dev/null && pkg-config --exists "$name" ;;
+    file) [[ -e $name ]] ;;
+    font) command -v fc-list > /dev/null && [[ -n $(fc-list :scalable=true family 2>/dev/null | head -1) ]] ;;
+    fuzzer) command -v clang++ > /dev/null &&
+      echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' |
+        clang++ -x c++ -fsanitize=fuzzer -o /dev/null - 2>/dev/null ;;
+  esac
+}
+
+(( $# > 0 )) || set -- play
+missing_names=() missing_packages=()
+for group in "$@"; do
+  [[ " ${groups[*]} " == *" $group "* ]] || { say "no group named '$group' (groups: ${groups[*]})"; exit 2; }
+  while read -r kind name package; do
+    present "$kind" "$name" && continue
+    missing_names+=("$name")
+    [[ " ${missing_packages[*]} " == *" $package "* ]] || missing_packages+=("$package")
+  done < <("${group}_needs")
+done
+(( ${#missing_names[@]} == 0 )) && exit 0
+
+if ! command -v apt-get > /dev/null; then
+  say "missing: ${missing_names[*]}"
+  say "install them with your system's package manager (README.md names the packages), then run make again"
   exit 1
 fi
 
-missing=()
-for p in "${packages[@]}"; do
-  status=$(dpkg-query -W -f='${Status}' "$p" 2>/dev/null || true)
-  [[ "$status" == "install ok installed" ]] || missing+=("$p")
-done
-(( ${#missing[@]} == 0 )) && exit 0
-
 cannot_install() {
   say "$1"
-  say "these Debian packages are missing: ${missing[*]}"
+  say "these Debian packages are missing: ${missing_packages[*]}"
   say "install them as root, then run make again:"
-  say "  apt-get update && apt-get install --no-install-recommends ${missing[*]}"
+  say "  apt-get update && apt-get install --no-install-recommends ${missing_packages[*]}"
   exit 1
 }
 
@@ -53,9 +114,8 @@ if [[ $(id -u) -ne 0 ]]; then
   as_root=(sudo)
 fi
 
-say "installing missing packages: ${missing[*]}"
-export DEBIAN_FRONTEND=noninteractive
+say "installing missing packages: ${missing_packages[*]}"
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq ||
   cannot_install "apt-get update failed"
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" ||
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing_packages[@]}" ||
   cannot_install "apt-get install failed"
