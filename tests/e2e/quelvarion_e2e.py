@@ -276,6 +276,8 @@ class Game:
         if self.installed:
             if self.settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
+        elif self.ordinary_user and ordinary_user():
+            self.copy_game_for_ordinary_user()
         else:
             link_game_data(self.folder, tune=self.tune)
         if self.settings is not None:
@@ -294,6 +296,16 @@ class Game:
             self.__exit__(type(problem), problem, problem.__traceback__)
             raise
         return self
+
+    def copy_game_for_ordinary_user(self):
+        """The build may lie where that user cannot reach (a checkout in
+        root's home, mode 700): the program and its data are copied instead."""
+        for name in os.listdir(self.data):
+            if name != SETTINGS_FILE and not name.startswith("."):
+                source = os.path.join(self.data, name)
+                copy = shutil.copytree if os.path.isdir(source) else shutil.copy
+                copy(source, os.path.join(self.folder, name))
+        self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
 
     def start(self, command, **streams):
         """Starts a program of the game's in its folder, on its display, as its player."""

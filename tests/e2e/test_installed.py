@@ -1,7 +1,9 @@
-"""An installation into a fresh prefix: its desktop entry and metainfo are
-valid, its icons, manual page and licence are in place, its launcher starts
-the game in the player's own folder, with links to the installed data, and the
-player's settings stay in that folder. The launcher keeps to the XDG rules."""
+"""An installation into a fresh prefix, made from a build a game was played
+in: it holds the game's data and none of the player's files; its desktop
+entry and metainfo are valid (where the validators are installed); its icons,
+manual page and licence are in place; its launcher starts the game in the
+player's own folder, with links to the installed data, and the player's
+settings stay in that folder. The launcher keeps to the XDG rules."""
 import os
 import shutil
 import struct
@@ -14,6 +16,9 @@ from quelvarion_e2e import (SETTINGS_FILE, Game, as_ordinary_user, expect_equal,
 ICON_SIZES = (16, 32, 48, 64, 128, 256)
 
 SETTINGS = settings_text({"Start Level": "2", "Sound FX": "Off"}, [("IDA", 1700)])
+
+# What a played game leaves in the folder it ran in.
+PLAYER_FILES = (SETTINGS_FILE, "last-game.qvr", ".quelvarion.lock", f"{SETTINGS_FILE}.4242.tmp", "trace.log")
 
 
 def validate(prefix):
@@ -38,13 +43,48 @@ def check_desktop_parts(prefix):
     with open(os.path.join(prefix, "share/icons/hicolor/scalable/apps/quelvarion.svg")) as f:
         if "<svg" not in f.read():
             fail("the scalable icon is no SVG picture")
+    if shutil.which("man"):
+        check_manual(prefix)
+    with open(os.path.join(prefix, "share/doc/quelvarion/LICENSE")) as f:
+        if not f.read().startswith("MIT License"):
+            fail("the licence is not the MIT licence the metainfo names")
+
+
+def check_manual(prefix):
     manual = subprocess.run(["man", "-l", os.path.join(prefix, "share/man/man6/quelvarion.6")],
                             capture_output=True, text=True, env=dict(os.environ, MANWIDTH="80"))
     if manual.returncode != 0 or "--windowed" not in manual.stdout.replace("\u2010", "-"):
         fail(f"the manual page does not read: {manual.stderr!r}")
-    with open(os.path.join(prefix, "share/doc/quelvarion/LICENSE")) as f:
-        if not f.read().startswith("MIT License"):
-            fail("the licence is not the MIT licence the metainfo names")
+
+
+def tree(folder):
+    return sorted(os.path.relpath(os.path.join(d, n), folder) for d, _, names in os.walk(folder) for n in names)
+
+
+def install_after_play(prefix):
+    """Installs with a player's files in the build's game folder, as a game
+    played there leaves them; the ones made here are removed again."""
+    data = os.environ["QV_GAME_DIR"]
+    made = [os.path.join(data, n) for n in PLAYER_FILES if not os.path.exists(os.path.join(data, n))]
+    try:
+        for path in made:
+            with open(path, "w") as f:
+                f.write("the player's\n")
+        subprocess.run(["cmake", "--install", os.environ["QV_BUILD_DIR"], "--prefix", prefix],
+                       check=True, capture_output=True)
+    finally:
+        for path in made:
+            os.remove(path)
+
+
+def check_installed_data(prefix):
+    """The installed data is exactly what the generator makes."""
+    fresh = tempfile.mkdtemp(prefix="qv-data-")
+    try:
+        subprocess.run([os.environ["QV_ASSETGEN"], fresh], check=True, capture_output=True)
+        expect_equal(tree(os.path.join(prefix, "share/quelvarion")), tree(fresh), "the installed data")
+    finally:
+        shutil.rmtree(fresh, ignore_errors=True)
 
 
 def launch(prefix, env, user=False):
@@ -85,8 +125,8 @@ def installed():
     prefix = tempfile.mkdtemp(prefix="qv-prefix-")
     os.chmod(prefix, 0o755)  # an installation everyone may run
     try:
-        subprocess.run(["cmake", "--install", os.environ["QV_BUILD_DIR"], "--prefix", prefix],
-                       check=True, capture_output=True)
+        install_after_play(prefix)
+        check_installed_data(prefix)
         validate(prefix)
         check_desktop_parts(prefix)
         check_launcher_folders(prefix)
