@@ -8,6 +8,7 @@
 #include <SDL_mixer.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -58,19 +59,30 @@ void FitChunksToFile(std::vector<std::uint8_t>& bytes)
     }
 }
 
-bool IsPlayableWave(const std::vector<std::uint8_t>& bytes)
+// The bytes of samples a wave holds, if it is one the game plays.
+std::optional<Uint32> PlayableSampleBytes(const std::vector<std::uint8_t>& bytes)
 {
     if (bytes.size() > MaxWaveBytes)
-        return false;
+        return std::nullopt;
     SDL_AudioSpec spec{};
     Uint8* samples = nullptr;
     Uint32 length = 0;
     if (!SDL_LoadWAV_RW(SDL_RWFromConstMem(bytes.data(), static_cast<int>(bytes.size())), 1, &spec, &samples, &length))
-        return false;
+        return std::nullopt;
     SDL_FreeWAV(samples);
     const double frameBytes = static_cast<double>(SDL_AUDIO_BITSIZE(spec.format) / 8 * spec.channels);
-    return spec.freq >= MinWaveRate && spec.freq <= MaxWaveRate && frameBytes > 0 &&
-           length / frameBytes / spec.freq <= MaxWaveSeconds;
+    if (spec.freq < MinWaveRate || spec.freq > MaxWaveRate || frameBytes <= 0 ||
+        length / frameBytes / spec.freq > MaxWaveSeconds)
+        return std::nullopt;
+    return length;
+}
+
+// What a wave without samples plays. SDL_mixer 2.8 frees the chunk it loads
+// from such a wave twice, so the game makes its own, over no memory of its own.
+Mix_Chunk* SilentChunk()
+{
+    static Uint8 nothing = 0;
+    return Mix_QuickLoad_RAW(&nothing, 0);
 }
 
 } // namespace
@@ -158,9 +170,12 @@ Mix_Chunk* CWavePlayer::Load(const std::string& file)
     if (!bytes)
         return nullptr;
     FitChunksToFile(*bytes);
-    if (!IsPlayableWave(*bytes))
+    const auto samples = PlayableSampleBytes(*bytes);
+    if (!samples)
         return nullptr;
-    Mix_Chunk* chunk = Mix_LoadWAV_RW(SDL_RWFromConstMem(bytes->data(), static_cast<int>(bytes->size())), 1);
+    Mix_Chunk* chunk = *samples == 0
+                           ? SilentChunk()
+                           : Mix_LoadWAV_RW(SDL_RWFromConstMem(bytes->data(), static_cast<int>(bytes->size())), 1);
     if (chunk)
         loaded.emplace(file, chunk);
     return chunk;
