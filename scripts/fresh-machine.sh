@@ -11,22 +11,24 @@
 # screenshot is kept), then `make test`. Each step's wall time, the packages
 # it installed and their download size go to RESULTS in the output folder.
 #
-# FRESH_DIR (default /var/tmp/quelvarion-fresh) holds RELEASE/ (the system,
-# made anew each run) and RELEASE.out/ (logs, screenshots, RESULTS).
+# FRESH_DIR (default /var/tmp/quelvarion-fresh) holds RELEASE-WHO/ (the
+# system, made anew each run) and RELEASE-WHO.out/ (logs, screenshots,
+# RESULTS). `user` alone is the one run where sudo has packages to install.
 set -uo pipefail
 
 release=${1:?usage: fresh-machine.sh RELEASE [root|user|both]}
 who=${2:-both}
 here=$(cd "$(dirname "$0")/.." && pwd)
 base=${FRESH_DIR:-/var/tmp/quelvarion-fresh}
-sys=$base/$release
-out=$base/$release.out
+sys=$base/$release-$who
+out=$base/$release-$who.out
 title_wait=${TITLE_WAIT:-2700}  # seconds `make run` may take to build and show the title
 player=player
 
 say() { echo "fresh-machine: $*" >&2; }
 die() { say "$*"; exit 1; }
 
+[[ $who =~ ^(root|user|both)$ ]] || die "who tries: root, user or both"
 [[ $(id -u) -eq 0 ]] || die "run me as root: debootstrap and chroot need it"
 for tool in debootstrap git Xvfb xdotool import; do
   command -v "$tool" > /dev/null || die "$tool is missing"
@@ -151,7 +153,7 @@ if [[ $who == root || $who == both ]]; then
 fi
 if [[ $who == user || $who == both ]]; then
   # An ordinary user who may use sudo without a password (there is no terminal to type one).
-  inside root "apt-get install -y -qq sudo" > "$out/sudo.log" 2>&1 || die "cannot install sudo"
+  inside root "apt-get install -y -qq sudo && apt-get clean" > "$out/sudo.log" 2>&1 || die "cannot install sudo"
   chroot "$sys" useradd -m -s /bin/bash "$player"
   echo "$player ALL=(ALL) NOPASSWD: ALL" > "$sys/etc/sudoers.d/$player"
   try_as "$player" || status=1
