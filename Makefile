@@ -11,7 +11,7 @@ ifdef CI
 CMAKE_FLAGS += -DQV_WERROR=ON
 endif
 
-.PHONY: all deps configure build run test test-asan fuzz bench install clean
+.PHONY: all deps configure build run test test-asan test-portable fuzz bench install clean
 
 all: build
 
@@ -44,6 +44,13 @@ test-asan: deps
 	@cmake -S . -B $(ASAN_BUILD) -DQV_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS) > /dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# The game built with clang, with gcc for x86-64-v3 and for arm64 (run under
+# QEMU) must play every kept replay exactly as recorded.
+PORTABLE_BUILD ?= build-portable
+test-portable: build
+	@bash scripts/install-portable-deps.sh
+	@bash scripts/test-portable.sh $(BUILD) $(PORTABLE_BUILD) $(JOBS)
 
 # Runs every libFuzzer target for FUZZ_SECONDS each. Inputs that crash are
 # written to $(FUZZ_BUILD)/findings; once fixed, keep them in fuzz/regressions.

@@ -25,10 +25,10 @@ void CRecorder::DropLastInput()
         replay.inputs.pop_back();
 }
 
-void CRecorder::Frame(double elapsedMs, std::uint32_t stateHash)
+void CRecorder::Frame(double elapsedMs, std::uint32_t stateHash, bool idle)
 {
     if (recording)
-        replay.AddFrame(elapsedMs, stateHash);
+        replay.AddFrame(elapsedMs, stateHash, idle);
 }
 
 void CRecorder::End(CReplay::Summary summary)

@@ -26,7 +26,7 @@ public:
     // Takes back the input just recorded: the key that abandoned this game
     // for a new one belongs to neither.
     void DropLastInput();
-    void Frame(double elapsedMs, std::uint32_t stateHash);
+    void Frame(double elapsedMs, std::uint32_t stateHash, bool idle);
     // Ends the recording with how the game stands and saves it; a save that
     // fails is said on stderr.
     void End(CReplay::Summary summary);
