@@ -84,7 +84,8 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
     if (request.action == LaunchAction::Play) {
         if (lock.Take(".") == CFolderLock::HeldElsewhere)
             Refuse("the game is already running in " + folder + "; play on in that one, or end it first");
-        Platform::RemoveInterruptedSaves(CMenuSystem::SettingsFile);
+        for (const char* file : {CMenuSystem::SettingsFile, CRecorder::LastGameFile})
+            Platform::RemoveInterruptedSaves(file);
     }
 
     const std::string windowModePath = WindowModePath();

@@ -100,6 +100,7 @@ TEST(Replays, AGameLostAndNamedInTheTableEndsWithTheNameAndPlaysBack)
     EXPECT_EQ(again.summary, replay.summary);
 
     // The game over is kept in the game's folder too, as it ended.
+    t->recorder.WaitForSaves();
     std::ifstream in(CRecorder::LastGameFile, std::ios::binary);
     const std::string kept{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     EXPECT_EQ(kept, replay.Encode());
