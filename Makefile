@@ -17,7 +17,7 @@ CONFIGURE = cmake -S . -B
 # What playing and installing need: the program, its data and its icons.
 GAME_TARGETS = --target quelvarion quelvarion_game_data quelvarion_icon
 
-.PHONY: all deps configure build game run test test-asan fuzz bench install clean
+.PHONY: all deps configure build game run test test-asan test-portable fuzz bench install clean
 
 all: build
 
@@ -62,6 +62,13 @@ test-asan:
 	@$(CONFIGURE) $(ASAN_BUILD) -DQV_SANITIZE=ON -DQV_TESTS=ON -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS) > /dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# The game built with clang, with gcc for x86-64-v3 and for arm64 (run under
+# QEMU) must play every kept replay exactly as recorded.
+PORTABLE_BUILD ?= build-portable
+test-portable: build
+	@bash scripts/install-portable-deps.sh
+	@bash scripts/test-portable.sh $(BUILD) $(PORTABLE_BUILD) $(JOBS)
 
 # Runs every libFuzzer target for FUZZ_SECONDS each and fails if any leaves
 # a finding (a crash, a leak, a slow unit, a timeout or running out of

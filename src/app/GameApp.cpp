@@ -7,6 +7,7 @@
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -191,10 +192,11 @@ HWND CGameApp::GetMainWindowHandle() const
 bool CGameApp::OnIdle(long count)
 {
     const bool frameworkResult = CPlatformApp::OnIdle(count);
+    // A replay goes on through the focus changes it recorded, to its end.
+    if (ready && replayShow)
+        return ShowReplayFrame();
     if (!ready || !active)
         return frameworkResult;
-    if (replayShow)
-        return ShowReplayFrame();
 
     const std::uint32_t now = Platform::TimeGetTime();
     if (now < lastFrameTime)
@@ -235,13 +237,15 @@ void CGameApp::SetPause(bool pause)
 
 void CGameApp::AdvanceFrame(double frameMs)
 {
-    elapsedMs = frameMs;
-    if (gameState == StatePlaying)
+    elapsedMs = frameMs >= 0.0 ? std::min(frameMs, MaxFrameMs) : 0.0;
+    // The rules take no time from a frame in which no level is played.
+    const bool idle = gameState != StatePlaying;
+    if (!idle)
         world.Update(elapsedMs);
     recordedFrame = -1;
     if (recorder.IsRecording()) {
-        recorder.Frame(elapsedMs, FrameHash());
-        recordedFrame = static_cast<std::int64_t>(recorder.GetReplay().frames.size()) - 1;
+        recorder.Frame(elapsedMs, FrameHash(), idle);
+        recordedFrame = static_cast<std::int64_t>(recorder.GetReplay().FrameCount()) - 1;
         EndRecordingIfOver();
     }
 }
@@ -281,8 +285,8 @@ void CGameApp::GameOver()
 void CGameApp::OnActivateMessage(bool isActive)
 {
     if (replayShow) {
-        // The replay holds its own recorded activations; the live window's
-        // only stop and restart the pictures.
+        // The replay holds its own recorded activations and goes on through
+        // the live window's; coming back, the window's pictures are restored.
         active = isActive ? 1 : 0;
         if (isActive && ready == 1)
             display.Restore();

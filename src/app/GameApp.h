@@ -47,6 +47,8 @@ public:
     // Exit statuses of a replay checked or shown.
     static constexpr int ReplayDiffersStatus = 1;
     static constexpr int ReplayUnreadableStatus = 3;
+    // The check could not be set up (no scratch folder): nothing was played.
+    static constexpr int ReplaySetupFailedStatus = 4;
 
     CGameApp();
     ~CGameApp() override;
@@ -70,6 +72,10 @@ public:
     void StartGameAt(std::int32_t startLevel);
     void GameOver();
     // The rules' part of one frame: the world advances while a level is played.
+    // A frame is never longer than MaxFrameMs: a clock that jumps (a machine
+    // woken from sleep) or a hostile replay gives the rules no time they
+    // cannot count in whole milliseconds.
+    static constexpr double MaxFrameMs = 3600000.0;
     void AdvanceFrame(double frameMs);
 
     // Replays: --replay shows one in the window; --verify plays one without
@@ -80,10 +86,14 @@ public:
     int VerifyReplay(CReplay replay, const std::string& name);
     // Neither a replay shown nor one checked touches the player's files.
     void KeepPlayersFiles();
+    // Says on stderr what a replay from another build does not share with
+    // this one; false when it was recorded under other rules.
+    static bool PlaysByOurRules(const CReplay::Header& header, const std::string& file);
     // What a replay starts from, how the game stands after a frame, and how
     // it stands at the end of a recording.
     CReplay::Header ReplayHeader(std::int32_t startLevel) const;
-    std::uint32_t FrameHash() const;
+    // withRandom: the random generator's state too, as replays from format 2 on keep it.
+    std::uint32_t FrameHash(bool withRandom = true) const;
     CReplay::Summary ReplaySummary(std::uint32_t frameCount) const;
     // Ends the game's recording as the game stands now, and saves it.
     void EndRecording();

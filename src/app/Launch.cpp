@@ -1,6 +1,7 @@
 #include "app/Launch.h"
 
 #include "app/GameApp.h"
+#include "app/GameVersion.h"
 #include "app/ReplayShow.h"
 #include "frontend/MenuSystem.h"
 #include "platform/AudioDevice.h"
@@ -83,7 +84,8 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
     if (request.action == LaunchAction::Play) {
         if (lock.Take(".") == CFolderLock::HeldElsewhere)
             Refuse("the game is already running in " + folder + "; play on in that one, or end it first");
-        Platform::RemoveInterruptedSaves(CMenuSystem::SettingsFile);
+        for (const char* file : {CMenuSystem::SettingsFile, CRecorder::LastGameFile})
+            Platform::RemoveInterruptedSaves(file);
     }
 
     const std::string windowModePath = WindowModePath();
@@ -146,7 +148,7 @@ std::string CLaunch::UsageText()
 
 std::string CLaunch::VersionText()
 {
-    return std::string("quelvarion ") + QV_VERSION + "\n";
+    return std::string("quelvarion ") + GameVersion() + "\n";
 }
 
 bool CLaunch::HoldsGameData(const std::string& folder)
@@ -193,15 +195,15 @@ void CLaunch::Prepare(CGameApp& app)
         app.recorder.SetRecordFile(request.recordFile);
     if (request.action != LaunchAction::WatchReplay)
         return;
+    // Before anything can fail: the program's end must not save over the player's files.
+    app.KeepPlayersFiles();
     CReplay replay;
     std::string error;
     if (!CReplay::Load(request.replayFile, replay, error)) {
         Platform::PrintError(request.replayFile + ": " + error);
         std::exit(CGameApp::ReplayUnreadableStatus);
     }
-    if (replay.header.gameVersion != QV_VERSION)
-        Platform::PrintError(request.replayFile + " was recorded by version " + replay.header.gameVersion +
-                             " of the game; this is " + QV_VERSION + ", which may play it otherwise");
+    CGameApp::PlaysByOurRules(replay.header, request.replayFile);
     replayShow = std::make_unique<CReplayShow>(app, std::move(replay));
     app.SetReplayShow(replayShow.get());
 }
@@ -214,15 +216,17 @@ void CLaunch::VerifyAndExit(const std::string& file)
     const char* scratch = error ? nullptr : ::mkdtemp(scratchName.data());
     if (error || !scratch || ::chdir(scratch) != 0) {
         Platform::PrintError("no scratch folder to check the replay in");
-        std::exit(RefusedStatus);
+        std::exit(CGameApp::ReplaySetupFailedStatus);
     }
+    // The check stands in an empty folder that is gone already: nothing it
+    // does can write there, and no interruption can leave the folder behind.
+    fs::remove(scratch, error);
     Platform::DisableAudio(); // a check is heard by no one
     int status = 0;
     {
         CGameApp app;
         status = app.VerifyReplayFile(replay.string());
     }
-    fs::remove_all(scratch, error);
     std::fflush(stdout);
     std::exit(status);
 }

@@ -3,6 +3,8 @@
 #include "platform/Console.h"
 #include "platform/FileStore.h"
 
+#include <filesystem>
+#include <vector>
 
 void CRecorder::Begin(CReplay::Header header)
 {
@@ -25,10 +27,10 @@ void CRecorder::DropLastInput()
         replay.inputs.pop_back();
 }
 
-void CRecorder::Frame(double elapsedMs, std::uint32_t stateHash)
+void CRecorder::Frame(double elapsedMs, std::uint32_t stateHash, bool idle)
 {
     if (recording)
-        replay.AddFrame(elapsedMs, stateHash);
+        replay.AddFrame(elapsedMs, stateHash, idle);
 }
 
 void CRecorder::End(CReplay::Summary summary)
@@ -37,16 +39,29 @@ void CRecorder::End(CReplay::Summary summary)
         return;
     recording = false;
     replay.summary = summary;
-    const std::string bytes = replay.Encode();
-    if (!lastGameFile.empty())
-        Save(lastGameFile, bytes);
-    if (!recordFile.empty())
-        Save(recordFile, bytes);
+    WaitForSaves();
+    // Where the files go is settled now, whatever folder the program stands in later.
+    std::vector<std::string> files;
+    for (const std::string& file : {lastGameFile, recordFile}) {
+        std::error_code error;
+        if (!file.empty())
+            files.push_back(std::filesystem::absolute(file, error).string());
+    }
+    saving = std::thread([bytes = replay.Encode(), files = std::move(files)] {
+        for (const std::string& file : files)
+            Save(file, bytes);
+    });
     finished = std::move(replay);
     replay = CReplay();
 }
 
-void CRecorder::Save(const std::string& path, const std::string& bytes) const
+void CRecorder::WaitForSaves()
+{
+    if (saving.joinable())
+        saving.join();
+}
+
+void CRecorder::Save(const std::string& path, const std::string& bytes)
 {
     if (const Result saved = Platform::SaveFile(path, bytes); saved != S_OK)
         Platform::PrintError("replay not saved in " + path + ": " + Platform::FileProblemText(saved));

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <thread>
 
 // Keeps the game being played as a replay, from the start of a new game to
 // its end: the high-score entry done after the ship was lost, another new
@@ -11,6 +12,11 @@
 class CRecorder {
 public:
     static constexpr const char* LastGameFile = "last-game.qvr";
+
+    CRecorder() = default;
+    CRecorder(const CRecorder&) = delete;
+    CRecorder& operator=(const CRecorder&) = delete;
+    ~CRecorder() { WaitForSaves(); }
 
     // Off while a replay is shown or checked: those games are not the player's.
     void SetEnabled(bool on) { enabled = on; }
@@ -26,17 +32,20 @@ public:
     // Takes back the input just recorded: the key that abandoned this game
     // for a new one belongs to neither.
     void DropLastInput();
-    void Frame(double elapsedMs, std::uint32_t stateHash);
-    // Ends the recording with how the game stands and saves it; a save that
-    // fails is said on stderr.
+    void Frame(double elapsedMs, std::uint32_t stateHash, bool idle);
+    // Ends the recording with how the game stands and saves it beside the
+    // frame loop, which a slow disk must not hold up; a save that fails is
+    // said on stderr.
     void End(CReplay::Summary summary);
+    // Returns once the last finished game is on disk.
+    void WaitForSaves();
 
     // The game being recorded, and the last one finished.
     const CReplay& GetReplay() const { return replay; }
     const CReplay& GetFinished() const { return finished; }
 
 private:
-    void Save(const std::string& path, const std::string& bytes) const;
+    static void Save(const std::string& path, const std::string& bytes);
 
     CReplay replay;
     CReplay finished;
@@ -44,4 +53,5 @@ private:
     bool recording = false;
     std::string recordFile;
     std::string lastGameFile = LastGameFile;
+    std::thread saving;
 };

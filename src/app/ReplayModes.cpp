@@ -1,6 +1,7 @@
 // The two ways a recorded game is played again: shown in the window, or
 // checked without one.
 #include "app/GameApp.h"
+#include "app/GameVersion.h"
 #include "app/ReplayShow.h"
 #include "platform/Console.h"
 #include "replay/StateHash.h"
@@ -10,7 +11,7 @@
 CReplay::Header CGameApp::ReplayHeader(std::int32_t startLevel) const
 {
     CReplay::Header h;
-    h.gameVersion = QV_VERSION;
+    h.gameVersion = GameVersion();
     h.randomState = random.GetState();
     h.componentSerial = componentSerial;
     h.startLevel = startLevel;
@@ -28,11 +29,13 @@ CReplay::Header CGameApp::ReplayHeader(std::int32_t startLevel) const
     return h;
 }
 
-std::uint32_t CGameApp::FrameHash() const
+std::uint32_t CGameApp::FrameHash(bool withRandom) const
 {
     CStateHash hash;
     hash.Add(gameState);
     HashWorld(world, hash);
+    if (withRandom)
+        hash.Add(random.GetState());
     return hash.Folded();
 }
 
@@ -46,7 +49,7 @@ CReplay::Summary CGameApp::ReplaySummary(std::uint32_t frameCount) const
 void CGameApp::EndRecording()
 {
     if (recorder.IsRecording())
-        recorder.End(ReplaySummary(static_cast<std::uint32_t>(recorder.GetReplay().frames.size())));
+        recorder.End(ReplaySummary(recorder.GetReplay().FrameCount()));
 }
 
 void CGameApp::KeepPlayersFiles()
@@ -83,6 +86,20 @@ int CGameApp::ExitInstance()
     return replayShow && replayShow->WentItsOwnWay() ? ReplayDiffersStatus : status;
 }
 
+bool CGameApp::PlaysByOurRules(const CReplay::Header& header, const std::string& file)
+{
+    if (header.rulesVersion != CReplay::RulesVersion) {
+        Platform::PrintError(file + " was recorded under other rules (rules " + std::to_string(header.rulesVersion) +
+                             "; this game plays by rules " + std::to_string(CReplay::RulesVersion) +
+                             "), so it cannot play as recorded");
+        return false;
+    }
+    if (header.gameVersion != GameVersion())
+        Platform::PrintError(file + " was recorded by version " + header.gameVersion + " of the game; this is " +
+                             GameVersion() + ", which plays by the same rules");
+    return true;
+}
+
 namespace {
 
 std::string Describe(const CReplay::Summary& s)
@@ -108,13 +125,12 @@ int CGameApp::VerifyReplayFile(const std::string& file)
 
 int CGameApp::VerifyReplay(CReplay replay, const std::string& file)
 {
-    if (replay.header.gameVersion != QV_VERSION)
-        Platform::PrintError(file + " was recorded by version " + replay.header.gameVersion + " of the game; this is " +
-                             QV_VERSION + ", which may play it otherwise");
+    if (!PlaysByOurRules(replay.header, file))
+        return ReplayDiffersStatus;
     KeepPlayersFiles();
     ready = 1;
     active = 1;
-    const std::uint32_t frames = static_cast<std::uint32_t>(replay.frames.size());
+    const std::uint32_t frames = replay.FrameCount();
     const CReplay::Summary recorded = replay.summary;
     CReplayPlayer player(*this, std::move(replay));
     player.Begin();

@@ -49,13 +49,19 @@ void CReplayPlayer::Deliver(std::size_t first, std::size_t end)
 
 double CReplayPlayer::Step()
 {
-    const CReplay::Frame& frame = replay.frames[next];
-    Deliver(replay.FirstInputBefore(next), replay.EndInputBefore(next));
-    app.AdvanceFrame(frame.elapsedMs);
-    if (firstDivergence == NoDivergence && app.FrameHash() != frame.stateHash)
-        firstDivergence = static_cast<std::int64_t>(next);
-    ++next;
-    return frame.elapsedMs;
+    const CReplay::Frame& frame = replay.frames[entry];
+    if (inRun == 0)
+        Deliver(replay.FirstInputBefore(entry), replay.EndInputBefore(entry));
+    const double ms = frame.FrameMs();
+    app.AdvanceFrame(ms);
+    if (firstDivergence == NoDivergence && app.FrameHash(replay.DigestCoversRandom()) != frame.stateHash)
+        firstDivergence = static_cast<std::int64_t>(made);
+    ++made;
+    if (++inRun == frame.count) {
+        inRun = 0;
+        ++entry;
+    }
+    return ms;
 }
 
 void CReplayPlayer::Finish()
@@ -65,5 +71,5 @@ void CReplayPlayer::Finish()
 
 CReplay::Summary CReplayPlayer::Summary() const
 {
-    return app.ReplaySummary(static_cast<std::uint32_t>(next));
+    return app.ReplaySummary(static_cast<std::uint32_t>(made));
 }

@@ -17,14 +17,16 @@ public:
     CReplayPlayer(CGameApp& application, CReplay recorded);
 
     void Begin();
-    bool HasNextFrame() const { return next < replay.frames.size(); }
+    bool HasNextFrame() const { return entry < replay.frames.size(); }
+    // The length of the next frame.
+    double NextFrameMs() const { return replay.frames[entry].FrameMs(); }
     // Hands over the inputs received before the next frame, then makes the
     // frame's step of the rules (without drawing). Returns its length.
     double Step();
     // Hands over what came after the last frame.
     void Finish();
 
-    std::size_t GetFramesMade() const { return next; }
+    std::size_t GetFramesMade() const { return made; }
     // The first frame (from 0) after which the game stood otherwise than
     // recorded, or NoDivergence.
     std::int64_t GetFirstDivergence() const { return firstDivergence; }
@@ -38,6 +40,9 @@ private:
 
     CGameApp& app;
     CReplay replay;
-    std::size_t next = 0;
+    // The next frame: an entry of the recording, and which frame of its run.
+    std::size_t entry = 0;
+    std::uint32_t inRun = 0;
+    std::size_t made = 0;
     std::int64_t firstDivergence = NoDivergence;
 };

@@ -63,18 +63,27 @@ bool CReplayShow::ShowFrame()
         endAt = now;
         return false;
     }
-    const double nextMs = player.GetReplay().frames[player.GetFramesMade()].elapsedMs;
-    const double due = playedMs + nextMs;
     const double sinceOrigin = static_cast<double>(now - origin);
+    const double due = playedMs + player.NextFrameMs();
     if (sinceOrigin < due) {
         Platform::Sleep(std::min(LongestWaitMs, static_cast<std::uint32_t>(due - sinceOrigin)));
         return true;
     }
-    playedMs = due;
-    player.Step();
-    NoteDivergence();
-    Compose(nextMs, player.GetFramesMade() - 1);
-    return true;
+    // As many recorded frames as the time gone by demands, the last one shown:
+    // a game recorded at a faster refresh than this screen's keeps its pace.
+    // The others are drawn unseen, so what moves with each drawing (the
+    // stars' twinkle) moves as it did. A frame kept as a snapshot is shown.
+    for (;;) {
+        playedMs += player.NextFrameMs();
+        const double frameMs = player.Step();
+        NoteDivergence();
+        const std::size_t made = player.GetFramesMade() - 1;
+        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > sinceOrigin || app.snapshots.IsWanted(made)) {
+            Compose(frameMs, made);
+            return true;
+        }
+        app.DrawFrame(frameMs);
+    }
 }
 
 void CReplayShow::Compose(double frameMs, std::size_t frame)

@@ -1,5 +1,7 @@
 #include "core/Vector.h"
 
+#include "core/Truncate.h"
+
 #include <cmath>
 
 namespace {
@@ -92,7 +94,7 @@ double CVector::MirrorHeading(double heading)
 std::int32_t CVector::SpeedOrOwn(std::int32_t speed)
 {
     if (speed == 0)
-        speed = static_cast<std::int32_t>(GetSpeed());
+        speed = TruncToInt32(GetSpeed());
     return speed == 0 ? 1 : speed;
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include "core/Truncate.h"
 #include <cstdint>
 #include <string>
 
@@ -13,8 +14,8 @@ public:
 
     void Set(std::int32_t x, std::int32_t y, float xSpeedIn, float ySpeedIn);
 
-    std::int32_t GetX() const { return static_cast<std::int32_t>(xPos); }
-    std::int32_t GetY() const { return static_cast<std::int32_t>(yPos); }
+    std::int32_t GetX() const { return TruncToInt32(xPos); }
+    std::int32_t GetY() const { return TruncToInt32(yPos); }
     float GetXPos() const { return xPos; }
     float GetYPos() const { return yPos; }
     float GetXSpeed() const { return xSpeed; }

@@ -3,6 +3,7 @@
 #include "platform/Types.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -17,6 +18,7 @@ constexpr char Magic[8] = {'Q', 'V', 'R', 'E', 'P', 'L', 'A', 'Y'};
 enum RecordTag : std::uint8_t {
     TagWholeFrame = 0x01, // a frame of a whole number of milliseconds, as the clock gives
     TagExactFrame = 0x02, // a frame of any other length, its double's bits
+    TagIdleRun = 0x03,    // idle frames in a row: how many, their whole length
     TagInput = 0x10,
     TagEnd = 0xFF,
 };
@@ -28,6 +30,35 @@ constexpr std::uint8_t OptionStats = 8;
 constexpr std::uint8_t OptionBits = OptionMusic | OptionSound | OptionStars | OptionStats;
 
 constexpr std::int32_t LastMenuScreen = 4;
+constexpr std::size_t VersionAt = sizeof Magic;
+constexpr std::size_t ChecksumBytes = 4;
+
+// CRC-32 (the polynomial of zip and PNG) over the file before its last four bytes.
+std::uint32_t Crc32(const char* data, std::size_t size)
+{
+    static const auto table = [] {
+        std::array<std::uint32_t, 256> t{};
+        for (std::uint32_t i = 0; i < 256; ++i) {
+            std::uint32_t c = i;
+            for (int k = 0; k < 8; ++k)
+                c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
+            t[i] = c;
+        }
+        return t;
+    }();
+    std::uint32_t crc = 0xFFFFFFFFu;
+    for (std::size_t i = 0; i < size; ++i)
+        crc = table[(crc ^ static_cast<std::uint8_t>(data[i])) & 0xFF] ^ (crc >> 8);
+    return ~crc;
+}
+
+std::uint32_t LittleU32At(const std::string& bytes, std::size_t at)
+{
+    std::uint32_t v = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        v |= static_cast<std::uint32_t>(static_cast<std::uint8_t>(bytes[at + i])) << (8 * i);
+    return v;
+}
 
 // The messages a replay carries: keys and activation, nothing else.
 bool IsRecordedMessage(std::uint32_t message)
@@ -77,11 +108,12 @@ private:
 // naming the byte where it was found.
 class CByteReader {
 public:
-    explicit CByteReader(const std::string& bytes) : in(bytes) {}
+    // Reads bytes[0, end): what follows is the checksum, read apart.
+    CByteReader(const std::string& bytes, std::size_t end) : in(bytes), size(end) {}
 
     bool Failed() const { return !error.empty(); }
     const std::string& Error() const { return error; }
-    bool AtEnd() const { return at == in.size(); }
+    bool AtEnd() const { return at == size; }
     std::size_t Offset() const { return at; }
 
     void Fail(const std::string& reason)
@@ -94,7 +126,7 @@ public:
     {
         if (Failed())
             return false;
-        if (in.size() - at < size) {
+        if (this->size - at < size) {
             Fail("the file ends early");
             return false;
         }
@@ -149,6 +181,7 @@ private:
     }
 
     const std::string& in;
+    std::size_t size;
     std::size_t at = 0;
     std::string error;
 };
@@ -164,6 +197,7 @@ void WriteHeader(CByteWriter& w, const CReplay::Header& h)
     w.Bytes(Magic, sizeof Magic);
     w.U16(CReplay::FormatVersion);
     w.Text(h.gameVersion);
+    w.U16(h.rulesVersion);
     w.U32(h.randomState);
     w.U32(static_cast<std::uint32_t>(h.componentSerial));
     w.U32(static_cast<std::uint32_t>(h.startLevel));
@@ -193,13 +227,15 @@ bool ReadHeader(CByteReader& r, CReplay::Header& h)
         r.Fail("not a Quelvarion replay");
         return false;
     }
-    const std::uint16_t version = r.U16();
-    if (!r.Failed() && version != CReplay::FormatVersion) {
-        r.Fail("replay format " + std::to_string(version) + " is not one this game reads (it reads " +
-               std::to_string(CReplay::FormatVersion) + ")");
+    h.format = r.U16();
+    if (!r.Failed() && (h.format < CReplay::FirstFormatVersion || h.format > CReplay::FormatVersion)) {
+        r.Fail("replay format " + std::to_string(h.format) + " is not one this game reads (it reads " +
+               std::to_string(CReplay::FirstFormatVersion) + " to " + std::to_string(CReplay::FormatVersion) + ")");
         return false;
     }
     h.gameVersion = r.Text();
+    // Format 1 knew one set of rules only.
+    h.rulesVersion = h.format >= 2 ? r.U16() : 1;
     h.randomState = r.U32();
     h.componentSerial = static_cast<std::int32_t>(r.U32());
     h.startLevel = static_cast<std::int32_t>(r.U32());
@@ -239,22 +275,44 @@ bool ReadHeader(CByteReader& r, CReplay::Header& h)
     return !r.Failed();
 }
 
+double ReadTime(CByteReader& r)
+{
+    const double ms = std::bit_cast<double>(r.U64());
+    if (!r.Failed() && !(std::isfinite(ms) && ms >= 0.0))
+        r.Fail("a frame's length is not a time");
+    return ms;
+}
+
 bool ReadFrame(CByteReader& r, std::uint8_t tag, CReplay& replay)
 {
     double ms = 0.0;
     if (tag == TagWholeFrame) {
         ms = r.Varint();
     } else {
-        ms = std::bit_cast<double>(r.U64());
-        if (!r.Failed() && !(std::isfinite(ms) && ms >= 0.0))
-            r.Fail("a frame's length is not a time");
-        else if (!r.Failed() && IsWholeClockTime(ms))
+        ms = ReadTime(r);
+        if (!r.Failed() && IsWholeClockTime(ms))
             r.Fail("a whole-millisecond frame written in the long form");
     }
     const std::uint32_t hash = r.U32();
     if (r.Failed())
         return false;
     replay.AddFrame(ms, hash);
+    return true;
+}
+
+bool ReadIdleRun(CByteReader& r, CReplay& replay)
+{
+    const std::uint32_t count = r.Varint();
+    if (!r.Failed() && count < 2)
+        r.Fail("a run of fewer than two frames");
+    if (!r.Failed() && replay.FrameCount() > UINT32_MAX - count)
+        r.Fail("more frames than a replay counts");
+    const double ms = ReadTime(r);
+    const std::uint32_t hash = r.U32();
+    if (r.Failed())
+        return false;
+    replay.frames.push_back({ms, hash, static_cast<std::uint32_t>(replay.inputs.size()), count, true});
+    replay.AddRunFrames(count);
     return true;
 }
 
@@ -279,9 +337,9 @@ bool ReadSummary(CByteReader& r, CReplay& replay)
     s.worldHash = r.U64();
     if (r.Failed())
         return false;
-    if (s.frameCount != replay.frames.size())
+    if (s.frameCount != replay.FrameCount())
         r.Fail("the summary counts " + std::to_string(s.frameCount) + " frames but the file holds " +
-               std::to_string(replay.frames.size()));
+               std::to_string(replay.FrameCount()));
     else if (!r.AtEnd())
         r.Fail("bytes follow the end of the replay");
     return !r.Failed();
@@ -294,9 +352,19 @@ void CReplay::AddInput(std::uint32_t message, std::uint32_t wParam)
     inputs.push_back({message, wParam});
 }
 
-void CReplay::AddFrame(double elapsedMs, std::uint32_t stateHash)
+void CReplay::AddFrame(double elapsedMs, std::uint32_t stateHash, bool idle)
 {
-    frames.push_back({elapsedMs, stateHash, static_cast<std::uint32_t>(inputs.size())});
+    ++frameCount;
+    const auto inputEnd = static_cast<std::uint32_t>(inputs.size());
+    if (idle && !frames.empty()) {
+        Frame& last = frames.back();
+        if (last.idle && last.stateHash == stateHash && last.inputEnd == inputEnd && last.count < UINT32_MAX) {
+            last.elapsedMs += elapsedMs;
+            ++last.count;
+            return;
+        }
+    }
+    frames.push_back({elapsedMs, stateHash, inputEnd, 1, idle});
 }
 
 std::size_t CReplay::FirstInputBefore(std::size_t frame) const
@@ -322,7 +390,11 @@ std::string CReplay::Encode() const
         if (i == frames.size())
             break;
         const Frame& f = frames[i];
-        if (IsWholeClockTime(f.elapsedMs)) {
+        if (f.count > 1) {
+            w.U8(TagIdleRun);
+            w.Varint(f.count);
+            w.U64(std::bit_cast<std::uint64_t>(f.elapsedMs));
+        } else if (IsWholeClockTime(f.elapsedMs)) {
             w.U8(TagWholeFrame);
             w.Varint(static_cast<std::uint32_t>(f.elapsedMs));
         } else {
@@ -334,9 +406,16 @@ std::string CReplay::Encode() const
     w.U8(TagEnd);
     w.U16(static_cast<std::uint16_t>(summary.level));
     w.U32(static_cast<std::uint32_t>(summary.score));
-    w.U32(static_cast<std::uint32_t>(frames.size()));
+    std::uint32_t count = 0;
+    for (const Frame& f : frames)
+        count += f.count;
+    w.U32(count);
     w.U64(summary.worldHash);
-    return w.Take();
+    std::string bytes = w.Take();
+    const std::uint32_t crc = Crc32(bytes.data(), bytes.size());
+    for (int i = 0; i < 4; ++i)
+        bytes.push_back(static_cast<char>(crc >> (8 * i)));
+    return bytes;
 }
 
 bool CReplay::Decode(const std::string& bytes, CReplay& replay, std::string& error)
@@ -346,7 +425,13 @@ bool CReplay::Decode(const std::string& bytes, CReplay& replay, std::string& err
         error = "the file is larger than any replay (" + std::to_string(bytes.size()) + " bytes)";
         return false;
     }
-    CByteReader r(bytes);
+    // From format 2 on the last four bytes are a checksum of all before them.
+    const bool checked = bytes.size() >= VersionAt + 2 + ChecksumBytes &&
+                         std::memcmp(bytes.data(), Magic, sizeof Magic) == 0 &&
+                         LittleU32At(bytes, VersionAt) % 0x10000 >= 2;
+    const std::size_t end = checked ? bytes.size() - ChecksumBytes : bytes.size();
+    const bool intact = !checked || Crc32(bytes.data(), end) == LittleU32At(bytes, end);
+    CByteReader r(bytes, end);
     bool ended = false;
     if (ReadHeader(r, replay.header)) {
         while (!r.Failed() && !ended) {
@@ -356,14 +441,23 @@ bool CReplay::Decode(const std::string& bytes, CReplay& replay, std::string& err
             switch (tag) {
             case TagWholeFrame:
             case TagExactFrame: ReadFrame(r, tag, replay); break;
+            case TagIdleRun:
+                if (replay.header.format >= 2)
+                    ReadIdleRun(r, replay);
+                else
+                    r.Fail("an unknown record");
+                break;
             case TagInput: ReadInput(r, replay); break;
             case TagEnd: ended = ReadSummary(r, replay); break;
             default: r.Fail("an unknown record"); break;
             }
         }
     }
-    if (r.Failed()) {
-        error = r.Error();
+    if (r.Failed() || !intact) {
+        // Where the reading stopped is the best guess of where the damage is.
+        error = intact ? r.Error()
+                       : "the file is damaged: " +
+                             (r.Failed() ? r.Error() : "its checksum does not match at byte " + std::to_string(end));
         replay = CReplay();
         return false;
     }

@@ -11,10 +11,18 @@
 // again or checked against what the recording saw.
 class CReplay {
 public:
-    static constexpr std::uint16_t FormatVersion = 1;
-    // About 25 hours of play at 60 frames a second; a larger file is not a
-    // replay, and checking one would take too long to wait for.
-    static constexpr std::size_t MaxFileBytes = 32u << 20;
+    // The format this game writes. Version 1 (no checksum, no rules version,
+    // a digest without the random generator) is still read.
+    static constexpr std::uint16_t FormatVersion = 2;
+    static constexpr std::uint16_t FirstFormatVersion = 1;
+    // The rules this game plays by. A change that makes a recorded game play
+    // otherwise on purpose moves it on; replays of other rules are not
+    // expected to play as recorded.
+    static constexpr std::uint16_t RulesVersion = 1;
+    // About 25 hours of play at 250 frames a second (pauses and menus cost a
+    // few bytes however long they last); a larger file is not a replay, and
+    // checking one would take too long to wait for.
+    static constexpr std::size_t MaxFileBytes = 128u << 20;
     static constexpr std::size_t MaxTextBytes = 255;
     static constexpr std::size_t ScoreEntries = 10;
     static constexpr std::size_t MaxStars = 10000;
@@ -38,7 +46,9 @@ public:
 
     // The game's state at the moment the game began.
     struct Header {
+        std::uint16_t format = FormatVersion;
         std::string gameVersion;
+        std::uint16_t rulesVersion = RulesVersion;
         std::uint32_t randomState = 0;
         std::int32_t componentSerial = 0;
         std::int32_t startLevel = 1;
@@ -64,7 +74,12 @@ public:
         friend bool operator==(const Input&, const Input&) = default;
     };
 
+    // A frame, or a run of idle frames: frames made while no level was played
+    // (paused, menus, the design screen), with no input between them and the
+    // same state after each. The rules take no time from an idle frame, so a
+    // run keeps only how long it lasted in all, for watching at its pace.
     struct Frame {
+        // The frame's length; for a run, the length of all its frames.
         double elapsedMs = 0.0;
         // A digest of the game's state after the frame, for finding the first
         // frame where a replay goes its own way.
@@ -72,6 +87,9 @@ public:
         // How many inputs had been received when the frame was made: those
         // from the previous frame's count up to this one came before it.
         std::uint32_t inputEnd = 0;
+        std::uint32_t count = 1;
+        bool idle = false;
+        double FrameMs() const { return elapsedMs / count; }
     };
 
     struct Summary {
@@ -87,20 +105,32 @@ public:
     std::vector<Frame> frames;
     Summary summary;
 
-    // Recording: inputs and frames in the order they happened.
+    // Recording: inputs and frames in the order they happened. An idle frame
+    // joins the run of idle frames before it when it can.
     void AddInput(std::uint32_t message, std::uint32_t wParam);
-    void AddFrame(double elapsedMs, std::uint32_t stateHash);
+    void AddFrame(double elapsedMs, std::uint32_t stateHash, bool idle = false);
+    // Every frame, each frame of a run counted.
+    std::uint32_t FrameCount() const { return frameCount; }
+    // Whether the per-frame digest covers the random generator's state (it
+    // does from format 2 on).
+    bool DigestCoversRandom() const { return header.format >= 2; }
 
-    // The inputs received before frame i: inputs[first, end). With i ==
+    // The inputs received before entry i of frames: inputs[first, end). With i ==
     // frames.size(), those received after the last frame.
     std::size_t FirstInputBefore(std::size_t frame) const;
     std::size_t EndInputBefore(std::size_t frame) const;
 
-    // The file's bytes.
+    // The file's bytes, in the current format.
     std::string Encode() const;
     // Reads a whole file strictly; false, with a reason, for anything that is
     // not exactly a replay this game can read.
     static bool Decode(const std::string& bytes, CReplay& replay, std::string& error);
     // Reads and decodes the file at path.
     static bool Load(const std::string& path, CReplay& replay, std::string& error);
+
+    // A run of idle frames read from a file, counted.
+    void AddRunFrames(std::uint32_t count) { frameCount += count; }
+
+private:
+    std::uint32_t frameCount = 0;
 };

@@ -1,4 +1,5 @@
 #pragma once
+#include "core/Truncate.h"
 #include "ship/Armour.h"
 #include "ship/Engine.h"
 #include "ship/Jet.h"
@@ -54,10 +55,10 @@ public:
     std::int32_t GetSpaceLeft() const { return spaceLeft; }
     std::int32_t GetMaxSpeed() const { return maxSpeed; }
     std::int32_t GetHullMax() const { return hullMax; }
-    std::int32_t GetHull() const { return static_cast<std::int32_t>(hull); }
+    std::int32_t GetHull() const { return TruncToInt32(hull); }
     float GetExactHull() const { return hull; }
     std::int32_t GetBodyKind() const { return bodyKind; }
-    std::int32_t GetDisplayThrust() const { return static_cast<std::int32_t>(thrust / mass * 100.0f); }
+    std::int32_t GetDisplayThrust() const { return TruncToInt32(thrust / mass * 100.0f); }
     std::int16_t GetAiMode() const { return aiMode; }
     double GetAiHeading() const { return aiHeading; }
     std::int32_t GetTargetX() const { return targetX; }

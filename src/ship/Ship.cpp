@@ -106,7 +106,7 @@ bool CShip::Update(std::int32_t elapsedMs)
             wantsToAct = true;
             thinkTimer = 0;
         }
-        if (CanFireAgain() && static_cast<std::int32_t>(energy) == energyMax)
+        if (CanFireAgain() && TruncToInt32(energy) == energyMax)
             wantsToAct = true;
         if (aiMode == AiAttack && CanFireAgain())
             wantsToAct = true;

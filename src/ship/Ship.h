@@ -1,4 +1,5 @@
 #pragma once
+#include "core/Truncate.h"
 #include "platform/Types.h"
 #include "ship/Body.h"
 #include "ship/EnergySystem.h"
@@ -50,7 +51,7 @@ public:
     void ScaleEnergy(float factor);
     void AddEnergy(std::int32_t amount);
 
-    std::int32_t GetEnergy() const { return static_cast<std::int32_t>(energy); }
+    std::int32_t GetEnergy() const { return TruncToInt32(energy); }
     float GetExactEnergy() const { return energy; }
     std::int32_t GetEnergyMax() const { return energyMax; }
     std::int32_t GetEnergyRecharge() const { return energyRecharge; }

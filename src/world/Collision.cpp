@@ -1,6 +1,7 @@
 // Contact search and response between game objects, once per frame.
 #include "world/GameObject.h"
 
+#include "core/Truncate.h"
 #include "world/World.h"
 #include "display/SpriteInstance.h"
 #include "world/Angles.h"
@@ -102,7 +103,7 @@ std::int32_t CGameObject::ResolveCollision(CGameObject& other)
     vector.AddSpeed(-j1x * r2, -j1y * r2);
     vector.AddSpeed(j2x * r2, j2y * r2);
     other.vector.AddSpeed(-j2x * r1, -j2y * r1);
-    return static_cast<std::int32_t>(std::fabs(s1 + s2));
+    return TruncToInt32(std::fabs(s1 + s2));
 }
 
 double CGameObject::ApproachSpeed(float heading)

@@ -1,5 +1,6 @@
 #include "world/GameObject.h"
 
+#include "core/Truncate.h"
 #include "display/Screen.h"
 #include "display/SpriteInstance.h"
 #include "display/SpriteSet.h"
@@ -52,7 +53,7 @@ void CGameObject::ReleaseSprite()
 void CGameObject::SetSpriteRotation()
 {
     if (sprite)
-        sprite->SetRotation(static_cast<std::int32_t>(facing * Angles::DegreesPerRadian));
+        sprite->SetRotation(TruncToInt32(facing * Angles::DegreesPerRadian));
 }
 
 void CGameObject::Rotate(double angle)

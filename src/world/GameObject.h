@@ -1,4 +1,5 @@
 #pragma once
+#include "core/Truncate.h"
 #include "core/LinkedList.h"
 #include "core/Vector.h"
 #include "display/SpriteList.h"
@@ -89,7 +90,7 @@ public:
     void SetVector(const CVector& v) { vector = v; }
     void SetContactDamage(std::int32_t damage) { contactDamage = damage; }
     std::int32_t GetContactDamage() const { return contactDamage; }
-    std::int32_t GetDisplayMass() const { return static_cast<std::int32_t>(mass * 100.0f); }
+    std::int32_t GetDisplayMass() const { return TruncToInt32(mass * 100.0f); }
     float GetMass() const { return mass; }
     double GetFacing() const { return facing; }
     std::int32_t GetAge() const { return age; }

@@ -2,6 +2,7 @@
 
 #include "app/GameControl.h"
 #include "core/Trace.h"
+#include "core/Truncate.h"
 #include "display/Screen.h"
 #include "ship/Component.h"
 #include "ship/Ship.h"
@@ -39,7 +40,7 @@ void CWorld::Update(double elapsedMs)
         return;
     }
     // Objects move in whole milliseconds; the clocks above keep the fractions.
-    StepObjects(static_cast<std::int32_t>(elapsedMs));
+    StepObjects(TruncToInt32(elapsedMs));
 }
 
 bool CWorld::StepObjects(std::int32_t elapsedMs)
@@ -86,7 +87,7 @@ void CWorld::CountKill(CGameObject& object)
     } else if (object.GetType() == ObjectShip && static_cast<CShip&>(object).GetController() == ControllerComputer &&
                object.GetTeam() == TeamEnemy) {
         --enemiesLeft;
-        score += static_cast<std::int32_t>((level + TurretPointsLevelOffset) * TurretPointsFactor);
+        score += TruncToInt32((level + TurretPointsLevelOffset) * TurretPointsFactor);
     }
 }
 
@@ -132,7 +133,7 @@ bool CWorld::Overlaps(CGameObject& object) const
 
 std::int32_t CWorld::GetTimeLeft() const
 {
-    return timeLeft > 0.0 ? static_cast<std::int32_t>(timeLeft) : 0;
+    return timeLeft > 0.0 ? TruncToInt32(timeLeft) : 0;
 }
 
 CGameObject* CWorld::GetPlayerObject() const

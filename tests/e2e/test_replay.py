@@ -7,8 +7,10 @@ import os
 import shutil
 import tempfile
 import time
+import zlib
 
-from quelvarion_e2e import GAME_HEIGHT, Game, expect_equal, fail, link_game_data, run, run_program, settings_text
+from quelvarion_e2e import (GAME_HEIGHT, SETTINGS_FILE, Game, expect_equal, fail, link_game_data, run, run_program,
+                            settings_text)
 
 SNAPSHOT_FRAMES = [20, 150, 400, 900]
 PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
@@ -16,6 +18,9 @@ PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
 MARKER_WIDTH, MARKER_HEIGHT = 80, 24
 
 KEY_DOWN, KEY_UP = 0x100, 0x101
+END_HOLD_S = 3
+FORMAT_1_END_BYTES = 19
+GOLDEN = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "replay", "golden")
 VK_UP, VK_DOWN = 0x26, 0x28
 
 
@@ -34,6 +39,7 @@ def records(data):
     """The replay's records after its header: (offset, tag, frame index, fields)."""
     at = 8 + 2
     at += 1 + data[at]                # the game's version
+    at += 2                           # the rules' version
     at += 4 + 4 + 4 + 1 + 1 + 2       # random state, serial, start level, options, screen, cursor
     for _ in range(10):               # the high-score table
         at += 1 + data[at] + 4
@@ -54,6 +60,10 @@ def records(data):
         elif tag == 0x02:
             at += 12
             frame += 1
+        elif tag == 0x03:                 # a run of idle frames
+            count, at = varint(data, at)
+            at += 12
+            frame += count
         else:
             return
 
@@ -90,6 +100,7 @@ def with_one_key_changed(replay_file, changed_file):
     for offset, _, frame, (message, key) in records(data):
         if message == KEY_DOWN and key == VK_UP and frame > 30:
             data[offset + 3] = VK_DOWN  # tag, two bytes of message, then the key
+            data[-4:] = zlib.crc32(data[:-4]).to_bytes(4, "little")
             open(changed_file, "wb").write(data)
             return frame
     fail("the recorded game has no forward thrust")
@@ -144,6 +155,8 @@ def replay_flow():
         if f"at frame {frame} " not in err:
             fail(f"--verify should name frame {frame}: {err!r}")
 
+        damaged_replay_changes_nothing(replay_file, work)
+
         os.environ["QV_SNAPSHOT_DIR"] = replayed
         with Game(args=["--replay", replay_file]) as game:
             expect_equal(game.wait_exit(timeout=PLAY_SECONDS + 60), 0, "exit status of the replay")
@@ -157,4 +170,52 @@ def replay_flow():
         shutil.rmtree(work, ignore_errors=True)
 
 
+def damaged_replay_changes_nothing(replay_file, work):
+    """--replay of a damaged file says so (status 3) and leaves the settings as the player wrote them."""
+    damaged = os.path.join(work, "damaged.qvr")
+    data = bytearray(open(replay_file, "rb").read())
+    data[len(data) // 2] ^= 0x40
+    open(damaged, "wb").write(data)
+    folder = os.path.join(work, "damaged")
+    os.makedirs(folder)
+    link_game_data(folder)
+    kept = b"; the player's own note\r\n" + settings_text({"Start Level": "3"})
+    with open(os.path.join(folder, SETTINGS_FILE), "wb") as f:
+        f.write(kept)
+    status, _, err = run_program(["--replay", damaged], folder)
+    expect_equal(status, 3, f"--replay of a damaged file ({err.strip()})")
+    if "damaged" not in err:
+        fail(f"--replay should call the file damaged: {err!r}")
+    expect_equal(open(os.path.join(folder, SETTINGS_FILE), "rb").read(), kept, "the settings after --replay")
+
+
+def watched_seconds(replay_file):
+    """How long --replay shows the recording, the hold on its last picture left out."""
+    with Game(args=["--replay", replay_file]) as game:
+        start = time.monotonic()
+        expect_equal(game.wait_exit(timeout=120), 0, f"exit status of --replay {os.path.basename(replay_file)}")
+        return time.monotonic() - start - END_HOLD_S
+
+
+def recorded_pace_flow():
+    """A game recorded in 4 ms frames (a 240 Hz screen) takes its recorded time on
+    this one; a recording that ended with the window unfocused still closes."""
+    work = tempfile.mkdtemp(prefix="qv-replay-pace-")
+    try:
+        fast = os.path.join(GOLDEN, "scripted-level9.qvr")  # 6000 frames of 4 ms
+        seconds = watched_seconds(fast)
+        if abs(seconds - 24.0) > 24.0 * 0.05:
+            fail(f"24 s recorded in 4 ms frames took {seconds:.1f} s to watch")
+
+        # A recording of format 1 (no checksum) with focus lost after its last frame.
+        data = open(os.path.join(GOLDEN, "hand-level6.qvr"), "rb").read()
+        unfocused = os.path.join(work, "unfocused.qvr")
+        open(unfocused, "wb").write(data[:-FORMAT_1_END_BYTES] + bytes([0x10, 0x1C, 0x00]) +
+                                    data[-FORMAT_1_END_BYTES:])
+        watched_seconds(unfocused)
+    finally:
+        shutil.rmtree(work, ignore_errors=True)
+
+
 run(replay_flow)
+run(recorded_pace_flow)

@@ -100,6 +100,7 @@ TEST(Replays, AGameLostAndNamedInTheTableEndsWithTheNameAndPlaysBack)
     EXPECT_EQ(again.summary, replay.summary);
 
     // The game over is kept in the game's folder too, as it ended.
+    t->recorder.WaitForSaves();
     std::ifstream in(CRecorder::LastGameFile, std::ios::binary);
     const std::string kept{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     EXPECT_EQ(kept, replay.Encode());
@@ -125,6 +126,33 @@ TEST(Replays, OneKeyChangedGoesItsOwnWayFromTheFrameItCameBefore)
     EXPECT_EQ(again.firstDivergence, static_cast<std::int64_t>(frame - 1));
     qvtest::TestApp v;
     EXPECT_EQ(v->VerifyReplay(replay, "changed"), CGameApp::ReplayDiffersStatus);
+}
+
+TEST(Replays, ALongPauseCostsOneRecordAndPlaysBack)
+{
+    qvtest::TestApp t(21);
+    CGameDriver driver(*t);
+    PlayScripted(driver, 21, 2, 300);
+    const std::size_t played = t->recorder.GetReplay().Encode().size();
+    driver.Press(VK_ESCAPE); // paused for 20 minutes at 250 frames a second
+    for (int i = 0; i < 300000; ++i)
+        driver.Frame(4);
+    driver.Press(VK_ESCAPE);
+    for (int i = 0; i < 50; ++i)
+        driver.Frame(16);
+    t->EndRecording();
+
+    const CReplay replay = t->recorder.GetFinished();
+    EXPECT_GT(replay.FrameCount(), 300000u);
+    EXPECT_LT(replay.Encode().size(), played + 1000);
+    const Replayed again = PlayBack(replay);
+    EXPECT_EQ(again.firstDivergence, CReplayPlayer::NoDivergence);
+    EXPECT_EQ(again.summary, replay.summary);
+
+    CReplay otherRules = replay;
+    otherRules.header.rulesVersion = CReplay::RulesVersion + 1;
+    qvtest::TestApp v;
+    EXPECT_EQ(v->VerifyReplay(otherRules, "other rules"), CGameApp::ReplayDiffersStatus);
 }
 
 TEST(Replays, AGameAbandonedForANewOneEndsBeforeTheKeyThatStartedIt)

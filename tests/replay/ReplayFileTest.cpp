@@ -27,8 +27,10 @@ CReplay SampleReplay()
     r.AddInput(WM_KEYUP, 0x26);
     r.AddInput(WM_ACTIVATEAPP, 1);
     r.AddFrame(300000, 9);
+    for (double ms : {16.0, 17.0, 16.5}) // paused: one run of idle frames
+        r.AddFrame(ms, 5, true);
     r.AddInput(WM_KEYDOWN, 13); // after the last frame
-    r.summary = {12, 34567, 3, 0x0123456789ABCDEFull};
+    r.summary = {12, 34567, 6, 0x0123456789ABCDEFull};
     return r;
 }
 
@@ -48,28 +50,37 @@ TEST(ReplayFile, ComesBackAsWrittenWithEveryInputBeforeItsFrame)
 
     EXPECT_TRUE(read.header == written.header);
 
-    ASSERT_EQ(read.frames.size(), 3u);
+    ASSERT_EQ(read.frames.size(), 4u);
+    EXPECT_EQ(read.FrameCount(), 6u);
     EXPECT_EQ(read.frames[1].elapsedMs, 0.5);
     EXPECT_EQ(read.frames[2].elapsedMs, 300000.0);
+    EXPECT_EQ(read.frames[3].count, 3u);
+    EXPECT_EQ(read.frames[3].elapsedMs, 49.5);
     EXPECT_EQ(read.frames[0].stateHash, 0x01020304u);
     EXPECT_EQ(read.inputs, written.inputs);
     EXPECT_EQ(read.FirstInputBefore(0), 0u);
     EXPECT_EQ(read.EndInputBefore(0), 1u);
     EXPECT_EQ(read.EndInputBefore(1), 1u); // nothing came between the first two frames
     EXPECT_EQ(read.EndInputBefore(2), 3u);
-    EXPECT_EQ(read.FirstInputBefore(3), 3u);
-    EXPECT_EQ(read.EndInputBefore(3), 4u);
+    EXPECT_EQ(read.FirstInputBefore(4), 3u);
+    EXPECT_EQ(read.EndInputBefore(4), 4u);
     EXPECT_EQ(read.summary, written.summary);
     EXPECT_EQ(read.Encode(), bytes);
 }
 
-TEST(ReplayFile, EveryTruncationIsRefusedWithAReason)
+TEST(ReplayFile, EveryTruncationAndEveryChangedByteIsRefusedWithAReason)
 {
     const std::string bytes = SampleReplay().Encode();
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
         std::string error;
-        EXPECT_FALSE(Decodes(bytes.substr(0, size), error)) << size;
+        EXPECT_FALSE(Decodes(bytes.substr(0, at), error)) << at;
         EXPECT_FALSE(error.empty());
+        for (const char flip : {'\x01', '\x80', '\xFF'}) {
+            std::string damaged = bytes;
+            damaged[at] = static_cast<char>(damaged[at] ^ flip);
+            EXPECT_FALSE(Decodes(damaged, error)) << "byte " << at << " changed";
+            EXPECT_NE(error.find("at byte"), std::string::npos) << error;
+        }
     }
     std::string error;
     EXPECT_FALSE(Decodes(bytes + '\0', error));
@@ -80,11 +91,10 @@ TEST(ReplayFile, ForeignAndDamagedFilesAreRefused)
 {
     const std::string good = SampleReplay().Encode();
     const std::size_t versionAt = 8;
-    // The end record (a tag and 18 bytes) follows the header at once when nothing was recorded.
-    CReplay headerOnly = SampleReplay();
-    headerOnly.frames.clear();
-    headerOnly.inputs.clear();
-    const std::size_t firstRecordAt = headerOnly.Encode().size() - 19;
+    // The end record (a tag and 18 bytes) and the checksum follow the header at once when nothing was recorded.
+    CReplay headerOnly;
+    headerOnly.header = SampleReplay().header;
+    const std::size_t firstRecordAt = headerOnly.Encode().size() - 23;
     struct Damage {
         const char* what;
         std::string bytes;
@@ -97,7 +107,7 @@ TEST(ReplayFile, ForeignAndDamagedFilesAreRefused)
     };
     const Damage cases[] = {
         {"another program's file", "PK\x03\x04 not a replay at all", "not a Quelvarion replay"},
-        {"a later format", with(versionAt, 2), "format 2"},
+        {"a later format", with(versionAt, 3), "format 3"},
         {"an unknown record", with(firstRecordAt, 0x42), "unknown record"},
         {"a message no replay holds", with(firstRecordAt + 1, 0x10), "message"},
     };
