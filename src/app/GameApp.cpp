@@ -4,6 +4,7 @@
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
+#include "platform/Ending.h"
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
 
@@ -54,6 +55,15 @@ CGameApp::~CGameApp()
     EndRecording();
     ready = 0;
     Shutdown();
+    // The settings are saved as the menus go, after the display has: a display
+    // lost while it shuts down still finds them to save until then.
+    Platform::SetLastWords(nullptr);
+}
+
+void CGameApp::SaveForEnding()
+{
+    EndRecording();
+    menus.SaveIfAsked();
 }
 
 bool CGameApp::InitInstance()

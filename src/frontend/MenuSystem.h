@@ -53,6 +53,12 @@ public:
     // Leaves the file as it is when the menus go: for runs that are not the
     // player's own game, such as a replay.
     void KeepFileAsIs() { saveOnExit = false; }
+    // Saves the settings now, unless the file is to be kept as it is.
+    void SaveIfAsked()
+    {
+        if (saveOnExit)
+            SaveSettings();
+    }
     // The file's text for the current options and scores, and the reading of one.
     std::string SettingsText();
     void ApplySettingsText(const std::string& text);
