@@ -83,11 +83,15 @@ void CMenuSystem::LoadSettings()
 {
     std::string text;
     const Result read = Platform::ReadFileCreating(SettingsFile, text);
-    if (read == S_OK)
+    if (read == S_OK) {
         ApplySettingsText(text);
-    else
-        Platform::PrintError("cannot read " + SettingsPath() + ": " + Platform::FileProblemText(read) +
-                             "; playing with the default options");
+        return;
+    }
+    Platform::PrintError("cannot read " + SettingsPath() + ": " + Platform::FileProblemText(read) +
+                         "; playing with the default options");
+    // What stands there is the player's, whatever it is: it is not replaced.
+    if (read == ERROR_DIRECTORY || read == ERROR_BAD_FILE_TYPE || read == ERROR_FILE_TOO_LARGE)
+        KeepFileAsIs();
 }
 
 void CMenuSystem::SaveSettings()
