@@ -17,6 +17,9 @@ constexpr const char* WindowTitle = "Quelvarion";
 constexpr std::int16_t DisplayWidth = 1024;
 constexpr std::int16_t DisplayHeight = 768;
 constexpr std::int16_t DisplayBitsPerPixel = 16;
+// A frame this much later than the last one means the program was stopped
+// (a suspend, a debugger, Ctrl+Z) or the clock jumped: no player was there.
+constexpr double StalledFrameMs = 1000.0;
 
 LOGFONT FontRequest(std::int32_t height, std::int32_t width, std::int32_t weight)
 {
@@ -211,6 +214,12 @@ bool CGameApp::OnIdle(long count)
         lastFrameTime = 0; // the millisecond clock wrapped
     elapsedMs = static_cast<double>(now) - static_cast<double>(lastFrameTime);
     lastFrameTime = now;
+    if (elapsedMs > StalledFrameMs) {
+        // As if the window had lost its activation and found it again: the
+        // level pauses before the world sees the gap, and a replay keeps both.
+        OnActivateMessage(false);
+        OnActivateMessage(true);
+    }
 
     AdvanceFrame(elapsedMs);
     DrawFrame(elapsedMs);

@@ -214,6 +214,17 @@ class Recording:
         return rms[len(rms) // 10] if rms else 0
 
 
+def newly_lit_cells(game, cell=8):
+    """How many cells of cell x cell game pixels are lit a second after a
+    screenshot where nothing near them was: things moving, not animating in place."""
+    grid = GAME_WIDTH // cell, GAME_HEIGHT // cell
+    before = game.screenshot().game_picture().lit_cells(*grid)
+    time.sleep(1.0)
+    after = game.screenshot().game_picture().lit_cells(*grid)
+    near_before = {(x + dx, y + dy) for x, y in before for dx in (-1, 0, 1) for dy in (-1, 0, 1)}
+    return len(after - near_before)
+
+
 def picture_file(path, width, height):
     """A picture file scaled to width x height, as a Screen."""
     raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
