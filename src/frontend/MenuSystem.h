@@ -2,6 +2,7 @@
 #include "frontend/HighScoreTable.h"
 #include "frontend/MenuOption.h"
 #include "frontend/MenuPage.h"
+#include "platform/FileStore.h"
 #include "platform/Types.h"
 
 #include <cstdint>
@@ -103,4 +104,9 @@ private:
     std::vector<CMenuOption> options;
     CHighScoreTable highScores;
     bool saveOnExit = true;
+    // The settings file as read: a save that would drop what the game did not
+    // take from it, or overwrite another program's change, keeps a copy first.
+    Platform::FileStamp readStamp;
+    bool readMoreThanKept = false;
+    bool KeepCopyBeforeSave();
 };

@@ -294,6 +294,16 @@ int RemoveInterruptedSaves(const std::string& path)
     return removed;
 }
 
+FileStamp StampOf(const std::string& path)
+{
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+        return {};
+    constexpr std::int64_t NsPerSecond = 1000000000;
+    return {true, static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino), info.st_size,
+            info.st_mtim.tv_sec * NsPerSecond + info.st_mtim.tv_nsec};
+}
+
 std::string FileProblemText(Result code)
 {
     switch (code) {
