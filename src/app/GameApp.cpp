@@ -4,6 +4,7 @@
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
+#include "platform/Ending.h"
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
 
@@ -17,6 +18,9 @@ constexpr const char* WindowTitle = "Quelvarion";
 constexpr std::int16_t DisplayWidth = 1024;
 constexpr std::int16_t DisplayHeight = 768;
 constexpr std::int16_t DisplayBitsPerPixel = 16;
+// A frame this much later than the last one means the program was stopped
+// (a suspend, a debugger, Ctrl+Z) or the clock jumped: no player was there.
+constexpr double StalledFrameMs = 1000.0;
 
 LOGFONT FontRequest(std::int32_t height, std::int32_t width, std::int32_t weight)
 {
@@ -55,6 +59,15 @@ CGameApp::~CGameApp()
     EndRecording();
     ready = 0;
     Shutdown();
+    // The settings are saved as the menus go, after the display has: a display
+    // lost while it shuts down still finds them to save until then.
+    Platform::SetLastWords(nullptr);
+}
+
+void CGameApp::SaveForEnding()
+{
+    EndRecording();
+    menus.SaveIfAsked();
 }
 
 bool CGameApp::InitInstance()
@@ -203,6 +216,12 @@ bool CGameApp::OnIdle(long count)
         lastFrameTime = 0; // the millisecond clock wrapped
     elapsedMs = static_cast<double>(now) - static_cast<double>(lastFrameTime);
     lastFrameTime = now;
+    if (elapsedMs > StalledFrameMs) {
+        // As if the window had lost its activation and found it again: the
+        // level pauses before the world sees the gap, and a replay keeps both.
+        OnActivateMessage(false);
+        OnActivateMessage(true);
+    }
 
     AdvanceFrame(elapsedMs);
     DrawFrame(elapsedMs);

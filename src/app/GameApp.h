@@ -57,6 +57,9 @@ public:
     bool InitInstance() override;
     int ExitInstance() override;
     void Shutdown();
+    // What an ending at once keeps: the game in play and the settings, as at
+    // a normal end, through files alone.
+    void SaveForEnding();
     void ReportDisplayError(Result code);
     static std::string DisplayErrorText(Result code);
     // The line on stderr for a failed display start: what failed, what to do.

@@ -7,6 +7,7 @@
 #include "platform/AudioDevice.h"
 #include "platform/CommandLine.h"
 #include "platform/Console.h"
+#include "platform/Ending.h"
 #include "platform/FileStore.h"
 #include "platform/MessageBox.h"
 #include "platform/UserDirs.h"
@@ -54,6 +55,7 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
 {
     Platform::MillisecondsSinceStart(); // the trace's times count from here
     std::signal(SIGPIPE, SIG_IGN);      // a closed terminal must not end the game
+    Platform::HearEndingSignals();      // from the first step: a start is ended as promptly as a game
 
     request = ReadCommandLine(arguments);
     switch (request.action) {
@@ -191,6 +193,7 @@ void CLaunch::RememberWindowMode(const std::string& path, Platform::WindowMode m
 
 void CLaunch::Prepare(CGameApp& app)
 {
+    Platform::SetLastWords([&app] { app.SaveForEnding(); });
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
     if (request.action != LaunchAction::WatchReplay)
@@ -222,6 +225,11 @@ void CLaunch::VerifyAndExit(const std::string& file)
     // does can write there, and no interruption can leave the folder behind.
     fs::remove(scratch, error);
     Platform::DisableAudio(); // a check is heard by no one
+    const std::string scratchFolder = scratch;
+    Platform::SetLastWords([scratchFolder] {
+        std::error_code ignored;
+        fs::remove_all(scratchFolder, ignored);
+    });
     int status = 0;
     {
         CGameApp app;

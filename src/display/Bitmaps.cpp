@@ -2,6 +2,7 @@
 
 #include "platform/Bitmap.h"
 #include "platform/DC.h"
+#include "platform/FileBytes.h"
 
 #include <algorithm>
 #include <array>
@@ -147,7 +148,9 @@ Result DrawBitmapFile(CSurface* surface, const std::string& path, std::int32_t w
 PalettePtr LoadPalette(CDisplayDevice* device, const std::string& path)
 {
     CPalette::Entries entries = ColourCube();
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file;
+    if (Platform::IsReadableFile(path, Platform::MaxPictureFileBytes))
+        file.open(path, std::ios::binary);
     if (file) {
         std::array<std::uint8_t, FileHeaderBytes> fileHeader{};
         std::array<std::uint8_t, InfoHeaderBytes> info{};

@@ -4,6 +4,7 @@
 #include "display/Bitmaps.h"
 #include "display/Display.h"
 #include "display/Screen.h"
+#include "platform/FileBytes.h"
 #include "display/SpriteInstance.h"
 
 #include <algorithm>
@@ -152,10 +153,13 @@ void CSpriteSet::Load()
 {
     if (pages.empty())
         AddPage();
-    std::ifstream file(CatalogueFile, std::ios::binary);
-    if (!file)
+    Result why = S_OK;
+    const auto bytes = Platform::ReadFileAtMost(CatalogueFile, Platform::MaxTextFileBytes, &why);
+    if (!bytes) {
+        Platform::SayNotRead(CatalogueFile, why);
         return;
-    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    }
+    const std::string text(bytes->begin(), bytes->end());
     for (const SpriteLine& line : ParseCatalogue(text))
         if (FitsBudget(line))
             AddSprite(line);

@@ -41,8 +41,7 @@ CMenuSystem::CMenuSystem() : pages{MainMenuPage()}, options(DefaultOptions())
 
 CMenuSystem::~CMenuSystem()
 {
-    if (saveOnExit)
-        SaveSettings();
+    SaveIfAsked();
 }
 
 void CMenuSystem::ShowScreen(std::int32_t newScreen, std::int16_t cursor)

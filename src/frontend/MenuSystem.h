@@ -2,6 +2,7 @@
 #include "frontend/HighScoreTable.h"
 #include "frontend/MenuOption.h"
 #include "frontend/MenuPage.h"
+#include "platform/FileStore.h"
 #include "platform/Types.h"
 
 #include <cstdint>
@@ -53,6 +54,12 @@ public:
     // Leaves the file as it is when the menus go: for runs that are not the
     // player's own game, such as a replay.
     void KeepFileAsIs() { saveOnExit = false; }
+    // Saves the settings now, unless the file is to be kept as it is.
+    void SaveIfAsked()
+    {
+        if (saveOnExit)
+            SaveSettings();
+    }
     // The file's text for the current options and scores, and the reading of one.
     std::string SettingsText();
     void ApplySettingsText(const std::string& text);
@@ -97,4 +104,9 @@ private:
     std::vector<CMenuOption> options;
     CHighScoreTable highScores;
     bool saveOnExit = true;
+    // The settings file as read: a save that would drop what the game did not
+    // take from it, or overwrite another program's change, keeps a copy first.
+    Platform::FileStamp readStamp;
+    bool readMoreThanKept = false;
+    bool KeepCopyBeforeSave();
 };

@@ -11,6 +11,7 @@
 #include "frontend/MenuSystem.h"
 
 #include "platform/Console.h"
+#include "platform/FileBytes.h"
 #include "platform/FileStore.h"
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include <climits>
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -25,6 +27,7 @@ constexpr const char* HighScoresHeader = "High Scores";
 constexpr const char* LineEnd = "\r\n";
 constexpr const char* Separator = " = ";
 constexpr char CommentMark = '!';
+constexpr const char* BackupSuffix = ".bak";
 
 bool Contains(std::string_view line, std::string_view part)
 {
@@ -77,26 +80,84 @@ std::string_view TrimBlanks(std::string_view text)
     return text;
 }
 
+// The lines of text, blanks and line ends aside, that the other text lacks.
+std::vector<std::string> LinesMissingFrom(const std::string& text, const std::string& other)
+{
+    const auto lines = [](const std::string& whole) {
+        std::vector<std::string> found;
+        std::size_t start = 0;
+        while (start < whole.size()) {
+            const std::size_t end = std::min(whole.find('\n', start), whole.size());
+            const std::string_view line = TrimBlanks(std::string_view(whole).substr(start, end - start));
+            if (!line.empty())
+                found.emplace_back(line);
+            start = end + 1;
+        }
+        return found;
+    };
+    const std::vector<std::string> kept = lines(other);
+    std::vector<std::string> missing;
+    for (std::string& line : lines(text))
+        if (std::find(kept.begin(), kept.end(), line) == kept.end())
+            missing.push_back(std::move(line));
+    return missing;
+}
+
 } // namespace
 
 void CMenuSystem::LoadSettings()
 {
     std::string text;
     const Result read = Platform::ReadFileCreating(SettingsFile, text);
-    if (read == S_OK)
+    if (read == S_OK) {
         ApplySettingsText(text);
-    else
-        Platform::PrintError("cannot read " + SettingsPath() + ": " + Platform::FileProblemText(read) +
-                             "; playing with the default options");
+        readStamp = Platform::StampOf(SettingsFile);
+        readMoreThanKept = !LinesMissingFrom(text, SettingsText()).empty();
+        return;
+    }
+    Platform::PrintError("cannot read " + SettingsPath() + ": " + Platform::FileProblemText(read) +
+                         "; playing with the default options");
+    // What stands there is the player's, whatever it is: it is not replaced.
+    if (read == ERROR_DIRECTORY || read == ERROR_BAD_FILE_TYPE || read == ERROR_FILE_TOO_LARGE)
+        KeepFileAsIs();
 }
 
 void CMenuSystem::SaveSettings()
 {
     // The game goes on either way; the player hears that this run's changes are lost.
+    const std::string notSaved = "options and high scores not saved to " + SettingsPath() + ": ";
+    if (!KeepCopyBeforeSave()) {
+        Platform::PrintError(notSaved + "no copy of the file as it was could be kept beside it");
+        return;
+    }
     const Result saved = Platform::SaveFile(SettingsFile, SettingsText());
-    if (saved != S_OK)
-        Platform::PrintError("options and high scores not saved to " + SettingsPath() + ": " +
-                             Platform::FileProblemText(saved));
+    if (saved != S_OK) {
+        Platform::PrintError(notSaved + Platform::FileProblemText(saved));
+        return;
+    }
+    readStamp = Platform::StampOf(SettingsFile);
+    readMoreThanKept = false;
+}
+
+bool CMenuSystem::KeepCopyBeforeSave()
+{
+    const Platform::FileStamp now = Platform::StampOf(SettingsFile);
+    if (!now.exists)
+        return true;
+    const bool changed = readStamp.exists && now != readStamp;
+    if (!changed && !readMoreThanKept)
+        return true;
+    const auto old = Platform::ReadFileAtMost(SettingsFile, Platform::MaxTextFileBytes);
+    if (!old)
+        return false;
+    const std::string copy = SettingsPath() + BackupSuffix;
+    if (Platform::SaveFile(copy, std::string(old->begin(), old->end())) != S_OK)
+        return false;
+    Platform::PrintError(SettingsPath() + (changed ? " was changed by another program while the game ran"
+                                                   : " held lines the game does not keep (comments, lines it did "
+                                                     "not understand or a score table it could not read)") +
+                         "; the file as it was is kept in " + copy);
+    return true;
 }
 
 std::string CMenuSystem::SettingsPath()

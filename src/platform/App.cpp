@@ -2,6 +2,7 @@
 
 #include "platform/AudioDevice.h"
 #include "platform/DisplayDevice.h"
+#include "platform/Ending.h"
 #include "platform/Keys.h"
 #include "platform/MessageQueue.h"
 #include "platform/Window.h"
@@ -10,18 +11,10 @@
 
 #include <algorithm>
 #include <cctype>
-#include <csignal>
 #include <cstdlib>
 #include <sstream>
 
 namespace {
-
-volatile std::sig_atomic_t closeSignalled = 0;
-
-extern "C" void OnCloseSignal(int)
-{
-    closeSignalled = 1;
-}
 
 // How long the loop sleeps at most while idle, so a signal is noticed soon.
 constexpr int IdleWaitMs = 100;
@@ -56,6 +49,8 @@ std::string StartVideo()
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
         return "SDL found no display, only its '" + driver + "' video, which shows nothing";
     }
+    if (driver == "x11")
+        Platform::WatchDisplayConnection();
     return "";
 }
 
@@ -65,9 +60,7 @@ namespace Platform {
 
 void InstallCloseSignals()
 {
-    std::signal(SIGINT, OnCloseSignal);
-    std::signal(SIGTERM, OnCloseSignal);
-    std::signal(SIGHUP, OnCloseSignal);
+    HearEndingSignals();
 }
 
 void StartSdl()
@@ -138,6 +131,7 @@ int CPlatformApp::Run()
     Platform::StartSdl();
     Platform::InstallCloseSignals();
     if (!InitInstance()) {
+        Platform::SetPhase(Platform::Phase::Ending);
         if (mainWindow)
             mainWindow->DestroyWindow();
         ExitInstance();
@@ -146,6 +140,7 @@ int CPlatformApp::Run()
     // Only now, so that looking for pads never delays the title screen.
     StartGamepads();
     long idleCount = 0;
+    Platform::SetPhase(Platform::Phase::Looping);
     for (;;) {
         if (!PumpMessages())
             break;
@@ -154,6 +149,7 @@ int CPlatformApp::Run()
         idleCount = 0;
         SDL_WaitEventTimeout(nullptr, IdleWaitMs); // sleep until input, a posted message or a signal
     }
+    Platform::SetPhase(Platform::Phase::Ending);
     return ExitInstance();
 }
 
@@ -161,8 +157,7 @@ bool CPlatformApp::PumpMessages()
 {
     if (quitTaken)
         return false;
-    if (closeSignalled) {
-        closeSignalled = 0;
+    if (Platform::TakeCloseRequest()) {
         if (mainWindow)
             mainWindow->PostMessage(WM_CLOSE, 0, 0);
         else

@@ -60,7 +60,8 @@ private:
 
 namespace Platform {
 // SIGINT, SIGTERM and SIGHUP become a close request to the main window, so an
-// interrupted or logged-out game still shuts down normally and saves.
+// interrupted or logged-out game still shuts down normally and saves; where
+// no message loop runs they end the program at once (see Ending.h).
 void InstallCloseSignals();
 // Starts the SDL subsystems the program uses. Without a display the video
 // part fails quietly: windows then cannot be created. SDL's stand-in video

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <dlfcn.h>
 
 namespace {
 
@@ -15,6 +16,27 @@ constexpr int OutputRate = 44100;
 constexpr int OutputChannels = 2;
 constexpr int OutputChunkSamples = 1024;
 constexpr float FullScale = 32768.0f;
+
+} // namespace
+
+namespace {
+
+extern "C" void IgnoreAlsaComplaint(const char*, int, const char*, int, const char*, ...) {}
+
+// ALSA tells stderr about every device it looks for and misses (several
+// lines on a machine without a sound card); the game says itself when it
+// plays silent. SDL loads ALSA on its own, so the one it will use is found here.
+void QuietenAlsa()
+{
+    void* alsa = ::dlopen("libasound.so.2", RTLD_LAZY);
+    if (!alsa)
+        return;
+    using Handler = void (*)(const char*, int, const char*, int, const char*, ...);
+    using SetHandler = int (*)(Handler);
+    if (auto set = reinterpret_cast<SetHandler>(::dlsym(alsa, "snd_lib_error_set_handler")))
+        set(IgnoreAlsaComplaint);
+    // Kept loaded: the handler must stay where ALSA can call it.
+}
 
 } // namespace
 
@@ -30,6 +52,7 @@ bool CAudioDevice::Open()
 {
     if (open || failed || disabled)
         return open;
+    QuietenAlsa();
     if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) {
         failed = true;
         return false;

@@ -1,5 +1,7 @@
 #include "platform/Bitmap.h"
 
+#include "platform/FileBytes.h"
+
 #include <SDL.h>
 
 #include <array>
@@ -81,7 +83,7 @@ Result LoadImageFile(const std::string& path, std::int32_t width, std::int32_t h
     const std::filesystem::path file(path);
     if (!std::filesystem::exists(file, ignored))
         return MissingFileCode(file);
-    if (!std::filesystem::is_regular_file(file, ignored) || !PlausibleSize(file))
+    if (!IsReadableFile(path, MaxPictureFileBytes) || !PlausibleSize(file))
         return ERROR_INVALID_DATA;
 
     SDL_Surface* loaded = SDL_LoadBMP(path.c_str());

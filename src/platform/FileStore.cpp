@@ -1,6 +1,9 @@
 #include "platform/FileStore.h"
 
+#include "platform/FileBytes.h"
+
 #include <cerrno>
+#include <cstdint>
 #include <csignal>
 #include <filesystem>
 #include <fcntl.h>
@@ -47,12 +50,12 @@ long WriteSome(int fd, const void* data, std::size_t size)
 Result ResultFromErrno(int error, Result otherwise)
 {
     switch (error) {
-    case ENOENT:
-    case ENOTDIR: return ERROR_PATH_NOT_FOUND;
+    case ENOENT: return ERROR_PATH_NOT_FOUND;
+    case ENOTDIR: return ERROR_BAD_PATHNAME;
+    case EISDIR: return ERROR_DIRECTORY;
+    case ENXIO: return ERROR_BAD_FILE_TYPE; // a pipe nobody reads
     case EACCES:
     case EPERM:
-    case EISDIR:
-    case ENXIO:
     case ELOOP: return ERROR_ACCESS_DENIED;
     case EROFS: return ERROR_WRITE_PROTECT;
     case ENOSPC:
@@ -100,10 +103,14 @@ bool WriteAll(int fd, std::string_view contents)
     return true;
 }
 
-Result ReadAll(int fd, std::string& text)
+Result ReadAll(int fd, std::string& text, std::size_t cap = SIZE_MAX)
 {
     char chunk[ReadChunk];
     for (;;) {
+        if (text.size() > cap) {
+            text.clear();
+            return ERROR_FILE_TOO_LARGE;
+        }
         const ssize_t got = ::read(fd, chunk, sizeof chunk);
         if (got < 0 && errno == EINTR)
             continue;
@@ -193,10 +200,18 @@ bool IsAlive(pid_t pid)
 Result ReadFileCreating(const std::string& path, std::string& text)
 {
     text.clear();
-    CFileHandle file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0666));
+    // Not blocking: a pipe or a device of that name is refused, never waited on.
+    CFileHandle file(::open(path.c_str(), O_RDONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666));
     if (!file.IsOpen())
         return ResultFromErrno(errno, ERROR_FILE_NOT_FOUND);
-    return ReadAll(file.Get(), text);
+    struct stat info {};
+    if (::fstat(file.Get(), &info) != 0)
+        return ERROR_READ_FAULT;
+    if (!S_ISREG(info.st_mode))
+        return ERROR_BAD_FILE_TYPE;
+    if (static_cast<std::uintmax_t>(info.st_size) > MaxTextFileBytes)
+        return ERROR_FILE_TOO_LARGE;
+    return ReadAll(file.Get(), text, MaxTextFileBytes);
 }
 
 Result SaveFile(const std::string& path, std::string_view contents)
@@ -218,7 +233,7 @@ Result SaveFile(const std::string& path, std::string_view contents)
             return ResultFromErrno(errno, ERROR_WRITE_FAULT);
     }
     if (exists && !S_ISREG(old.st_mode))
-        return ERROR_ACCESS_DENIED;
+        return S_ISDIR(old.st_mode) ? ERROR_DIRECTORY : ERROR_BAD_FILE_TYPE;
     // Renaming would part a file from its other names; they all get the contents.
     if (exists && old.st_nlink > 1)
         return OverwriteInPlace(target, contents);
@@ -279,11 +294,25 @@ int RemoveInterruptedSaves(const std::string& path)
     return removed;
 }
 
+FileStamp StampOf(const std::string& path)
+{
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+        return {};
+    constexpr std::int64_t NsPerSecond = 1000000000;
+    return {true, static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino), info.st_size,
+            info.st_mtim.tv_sec * NsPerSecond + info.st_mtim.tv_nsec};
+}
+
 std::string FileProblemText(Result code)
 {
     switch (code) {
     case ERROR_FILE_READ_ONLY: return "the file is read-only (make it writable to keep your changes)";
     case ERROR_ACCESS_DENIED: return "permission denied (the folder or file must be writable)";
+    case ERROR_DIRECTORY: return "it is a folder, not a file";
+    case ERROR_BAD_FILE_TYPE: return "it is not an ordinary file (a device, a pipe or a socket)";
+    case ERROR_FILE_TOO_LARGE: return "it is far larger than any file of the game's";
+    case ERROR_BAD_PATHNAME: return "a part of its path is a file, not a folder";
     case ERROR_WRITE_PROTECT: return "the disk is mounted read-only";
     case ERROR_DISK_FULL: return "the disk is full (free some space)";
     case ERROR_PATH_NOT_FOUND: return "its folder does not exist";

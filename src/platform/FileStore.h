@@ -2,6 +2,7 @@
 #include "platform/Types.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,18 @@ Result SaveFile(const std::string& path, std::string_view contents);
 // Removes the temporary files that saves of path cut short by a crash or a
 // kill left beside it. Returns how many it removed.
 int RemoveInterruptedSaves(const std::string& path);
+
+// What tells one version of a file from another, to notice that another
+// program replaced or changed it. A link is followed.
+struct FileStamp {
+    bool exists = false;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0;
+    std::int64_t changedNs = 0;
+    bool operator==(const FileStamp&) const = default;
+};
+FileStamp StampOf(const std::string& path);
 
 // A short account of a failed save or read, with what the player can do.
 std::string FileProblemText(Result code);

@@ -94,7 +94,9 @@ MCIERROR CSequencer::Open(std::uint32_t flags, MCI_OPEN_PARMS& parms)
         return MCIERR_INVALID_DEVICE_NAME;
     if (!(flags & MCI_OPEN_ELEMENT))
         return MCIERR_MISSING_PARAMETER;
-    const auto bytes = Platform::ReadFileAtMost(parms.lpstrElementName, CMidiTune::MaxFileBytes);
+    Result why = S_OK;
+    const auto bytes = Platform::ReadFileAtMost(parms.lpstrElementName, CMidiTune::MaxFileBytes, &why);
+    Platform::SayNotRead(parms.lpstrElementName, why);
     if (!bytes)
         return MCIERR_FILE_NOT_FOUND;
     std::optional<CMidiTune> tune = CMidiTune::Parse(bytes->data(), bytes->size());

@@ -1,5 +1,7 @@
 #include "platform/Synthesiser.h"
 
+#include "platform/FileBytes.h"
+
 #include <fluidsynth.h>
 
 #include <algorithm>
@@ -46,7 +48,7 @@ void QuietenLog()
 bool IsFile(const std::string& path)
 {
     std::error_code ignored;
-    return std::filesystem::is_regular_file(path, ignored);
+    return std::filesystem::exists(path, ignored) && Platform::IsReadableFile(path, Platform::MaxSoundFontBytes);
 }
 
 } // namespace

@@ -59,6 +59,10 @@ constexpr Result ERROR_WRITE_FAULT = 29;
 constexpr Result ERROR_READ_FAULT = 30;
 constexpr Result ERROR_DISK_FULL = 112;
 constexpr Result ERROR_FILE_READ_ONLY = 6009;
+constexpr Result ERROR_BAD_PATHNAME = 161;    // a part of the path is a file, not a folder
+constexpr Result ERROR_BAD_FILE_TYPE = 222;   // a device, a pipe or a socket, not an ordinary file
+constexpr Result ERROR_FILE_TOO_LARGE = 223;
+constexpr Result ERROR_DIRECTORY = 267;       // a folder where a file was meant
 
 // Message box flags and answers.
 constexpr UINT MB_OK = 0x0000;

@@ -166,9 +166,12 @@ Mix_Chunk* CWavePlayer::Load(const std::string& file)
 {
     if (auto found = loaded.find(file); found != loaded.end())
         return found->second;
-    auto bytes = Platform::ReadFileAtMost(file, MaxWaveBytes);
-    if (!bytes)
+    Result why = S_OK;
+    auto bytes = Platform::ReadFileAtMost(file, MaxWaveBytes, &why);
+    if (!bytes) {
+        Platform::SayNotRead(file, why);
         return nullptr;
+    }
     FitChunksToFile(*bytes);
     const auto samples = PlayableSampleBytes(*bytes);
     if (!samples)

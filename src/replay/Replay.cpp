@@ -1,5 +1,7 @@
 #include "replay/Replay.h"
 
+#include "platform/FileBytes.h"
+#include "platform/FileStore.h"
 #include "platform/Types.h"
 
 #include <algorithm>
@@ -466,21 +468,11 @@ bool CReplay::Decode(const std::string& bytes, CReplay& replay, std::string& err
 
 bool CReplay::Load(const std::string& path, CReplay& replay, std::string& error)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot be opened";
+    Result why = S_OK;
+    const auto bytes = Platform::ReadFileAtMost(path, MaxFileBytes, &why);
+    if (!bytes) {
+        error = why == ERROR_FILE_NOT_FOUND || why == ERROR_READ_FAULT ? "cannot be opened" : Platform::FileProblemText(why);
         return false;
     }
-    std::string bytes;
-    char chunk[65536];
-    // Read no further than a replay can reach, so a device or a huge file cannot hold the game up.
-    while (in && bytes.size() <= MaxFileBytes) {
-        in.read(chunk, sizeof chunk);
-        bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
-    }
-    if (in.bad()) {
-        error = "cannot be read";
-        return false;
-    }
-    return Decode(bytes, replay, error);
+    return Decode(std::string(bytes->begin(), bytes->end()), replay, error);
 }

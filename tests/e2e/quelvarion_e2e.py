@@ -214,6 +214,17 @@ class Recording:
         return rms[len(rms) // 10] if rms else 0
 
 
+def newly_lit_cells(game, cell=8):
+    """How many cells of cell x cell game pixels are lit a second after a
+    screenshot where nothing near them was: things moving, not animating in place."""
+    grid = GAME_WIDTH // cell, GAME_HEIGHT // cell
+    before = game.screenshot().game_picture().lit_cells(*grid)
+    time.sleep(1.0)
+    after = game.screenshot().game_picture().lit_cells(*grid)
+    near_before = {(x + dx, y + dy) for x, y in before for dx in (-1, 0, 1) for dy in (-1, 0, 1)}
+    return len(after - near_before)
+
+
 def picture_file(path, width, height):
     """A picture file scaled to width x height, as a Screen."""
     raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
@@ -591,6 +602,20 @@ def link_game_data(folder, tune=None):
         if name != SETTINGS_FILE and not name.startswith("."):
             source = tune if name == "background.mid" and tune else os.path.join(data, name)
             os.symlink(source, os.path.join(folder, name))
+
+
+def replace_art(folder, blank):
+    """The art folder as real files: links to every picture but the blank, and the blank as given."""
+    art = os.path.join(folder, "art")
+    source = os.path.realpath(art)
+    os.remove(art)
+    os.mkdir(art)
+    for name in os.listdir(source):
+        if name != "blank.bmp":
+            os.symlink(os.path.join(source, name), os.path.join(art, name))
+    if blank is not None:
+        with open(os.path.join(art, "blank.bmp"), "wb") as f:
+            f.write(blank)
 
 
 def run_program(args, folder, display=None, answer_box=False, timeout=30):

@@ -5,18 +5,7 @@ Sprites keep animating in place while the game is paused, so "moving" means
 something drawn where, a second before, nothing was near."""
 import time
 
-from quelvarion_e2e import GAME_HEIGHT, GAME_WIDTH, Game, fail, run, settings_text
-
-CELL = 8  # game pixels
-
-
-def newly_lit_cells(game):
-    grid = GAME_WIDTH // CELL, GAME_HEIGHT // CELL
-    before = game.screenshot().game_picture().lit_cells(*grid)
-    time.sleep(1.0)
-    after = game.screenshot().game_picture().lit_cells(*grid)
-    near_before = {(x + dx, y + dy) for x, y in before for dx in (-1, 0, 1) for dy in (-1, 0, 1)}
-    return len(after - near_before)
+from quelvarion_e2e import Game, fail, newly_lit_cells, run, settings_text
 
 
 def pause_resume():

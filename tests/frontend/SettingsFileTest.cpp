@@ -137,4 +137,45 @@ TEST_F(SettingsFileTest, ASaveThatFailsMidwayLeavesTheOldFile)
     EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1); // no half-written leftovers
 }
 
+// A save never drops what the player wrote without a copy: the file as it was
+// stays beside it when the game did not take all of it, or when another
+// program changed it while the game ran.
+TEST_F(SettingsFileTest, WhatASaveWouldDropIsKeptInACopy)
+{
+    const std::string table = "High Scores\r\nANN = 5200\r\n" + EmptyLines(9);
+    const struct {
+        const char* what;
+        std::string before;     // the file when the game starts
+        std::string meanwhile;  // what another program writes while it runs, if anything
+        bool copied;
+    } cases[] = {
+        {"the game's own file", DefaultOptionLines + table, "", false},
+        {"line feeds alone", "Music = On\nHigh Scores\nANN = 5200\n" + std::string(9, '\n'), "", false},
+        {"a comment", "! my settings\r\n" + DefaultOptionLines + table, "", true},
+        {"a table of nine lines", DefaultOptionLines + "High Scores\r\nANN = 5200\r\n" + EmptyLines(7), "", true},
+        {"changed meanwhile", DefaultOptionLines + table, "Music = Off\r\n" + table, true},
+    };
+    for (const auto& c : cases) {
+        fs::remove("quelvarion.ini.bak");
+        WriteSettings(c.before);
+        std::vector<std::string> said;
+        Platform::SetErrorLineHandler([&](const std::string& line) { said.push_back(line); });
+        {
+            CMenuSystem menus;
+            if (!c.meanwhile.empty()) {
+                fs::remove(CMenuSystem::SettingsFile); // replaced whole, as editors do
+                WriteSettings(c.meanwhile);
+            }
+        }
+        Platform::SetErrorLineHandler(nullptr);
+        const std::string kept = c.meanwhile.empty() ? c.before : c.meanwhile;
+        EXPECT_EQ(fs::exists("quelvarion.ini.bak"), c.copied) << c.what;
+        EXPECT_EQ(said.size(), c.copied ? 1u : 0u) << c.what;
+        if (c.copied) {
+            std::ifstream copy("quelvarion.ini.bak", std::ios::binary);
+            EXPECT_EQ(std::string(std::istreambuf_iterator<char>(copy), {}), kept) << c.what;
+        }
+    }
+}
+
 } // namespace

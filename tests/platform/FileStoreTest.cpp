@@ -1,4 +1,5 @@
 #include "platform/FileStore.h"
+#include "platform/FileBytes.h"
 #include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
@@ -180,14 +181,39 @@ TEST_F(SaveFileTest, EveryNameOfAHardLinkedFileGetsTheContents)
     EXPECT_EQ(Names("."), (std::vector<std::string>{"backup.ini", "quelvarion.ini"}));
 }
 
-TEST_F(SaveFileTest, WhatCannotBeAFileIsRefusedUntouched)
+// Whatever stands where a file should be is refused for what it is, without
+// waiting on it (a pipe nobody writes) and without being changed.
+TEST_F(SaveFileTest, WhatIsNoOrdinaryFileIsRefusedForWhatItIs)
 {
-    fs::create_directory("quelvarion.ini");
-    EXPECT_EQ(Platform::SaveFile("quelvarion.ini", NewText), ERROR_ACCESS_DENIED);
-    ASSERT_EQ(::mkfifo("pipe.ini", 0644), 0); // no reader: must not hang
-    EXPECT_EQ(Platform::SaveFile("pipe.ini", NewText), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(Platform::SaveFile("missing/quelvarion.ini", NewText), ERROR_PATH_NOT_FOUND);
-    EXPECT_EQ(Names("."), (std::vector<std::string>{"pipe.ini", "quelvarion.ini"}));
+    fs::create_directory("folder.ini");
+    ASSERT_EQ(::mkfifo("pipe.ini", 0644), 0);
+    qvtest::WriteFile("file", OldText);
+    {
+        std::ofstream huge("huge.ini");
+        huge.seekp(static_cast<std::streamoff>(Platform::MaxTextFileBytes) + 1);
+        huge.put('\n');
+    }
+    const struct {
+        const char* path;
+        Result read;
+        Result save;
+    } cases[] = {
+        {"folder.ini", ERROR_DIRECTORY, ERROR_DIRECTORY},
+        {"pipe.ini", ERROR_BAD_FILE_TYPE, ERROR_BAD_FILE_TYPE},
+        {"/dev/zero", ERROR_BAD_FILE_TYPE, ERROR_BAD_FILE_TYPE},
+        {"huge.ini", ERROR_FILE_TOO_LARGE, S_OK},
+        {"missing/quelvarion.ini", ERROR_PATH_NOT_FOUND, ERROR_PATH_NOT_FOUND},
+        {"file/quelvarion.ini", ERROR_BAD_PATHNAME, ERROR_BAD_PATHNAME},
+    };
+    for (const auto& c : cases) {
+        std::string text;
+        EXPECT_EQ(Platform::ReadFileCreating(c.path, text), c.read) << c.path;
+        EXPECT_TRUE(text.empty()) << c.path;
+        if (c.save != S_OK) {
+            EXPECT_EQ(Platform::SaveFile(c.path, NewText), c.save) << c.path;
+        }
+    }
+    EXPECT_EQ(Names("."), (std::vector<std::string>{"file", "folder.ini", "huge.ini", "pipe.ini"}));
 }
 
 } // namespace
