@@ -209,7 +209,8 @@ class Run:
     def env(self, **extra):
         env = {name: value for name, value in os.environ.items()
                if name not in ("SDL_VIDEODRIVER", "SDL_RENDER_DRIVER", "SDL_FRAMEBUFFER_ACCELERATION")}
-        env.update(DISPLAY=self.display, **extra)
+        # The player's remembered window mode and scaling stay out of it.
+        env.update(DISPLAY=self.display, XDG_CONFIG_HOME=os.path.join(self.scratch, "config"), **extra)
         return env
 
     def presents(self):
