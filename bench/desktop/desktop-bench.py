@@ -24,7 +24,14 @@ median of the runs with the lowest and highest value in brackets.
 
 Usage:
   desktop-bench.py [--runs N] [--seconds S] [--ways W,...] [--music on|off|both] \
+                   [--screens WxH,...] [--windows full,windowed] [--scales MODE,...] \
                    [NAME=]PROGRAM DATA [[NAME=]PROGRAM DATA ...]
+--screens gives the X server's sizes (1024x768 by default: the picture lands
+on the screen unscaled; 1920x1080 and 3840x2160 show what scaling costs).
+--windows starts the game over the whole screen, in its window, or both.
+--scales passes --scale=MODE to the game ("-" passes nothing, for builds
+that know no such option). Only on a 1024x768 screen is the title found in
+the screen's picture; elsewhere title_ms is left out.
 PROGRAM and DATA default to $QV_GAME and $QV_GAME_DIR. The ways:
   default    the game's own choice, nothing set
   software   SDL_RENDER_DRIVER=software: SDL's software renderer
@@ -49,6 +56,7 @@ import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SCREEN = (1024, 768)  # the game's own size: the picture lands on the screen unscaled
+WINDOW_FLAGS = {"full": "--fullscreen", "windowed": "--windowed"}
 TITLE_PAUSE_S = 6
 SETTINGS_FILE = "quelvarion.ini"
 
@@ -114,7 +122,7 @@ class XScreen:
         self.root = self.x11.XDefaultRootWindow(self.connection)
 
     def row(self, y):
-        """Row y as bytes, four a pixel: blue, green, red, unused."""
+        """Row y's first 1024 pixels as bytes, four a pixel: blue, green, red, unused."""
         z_pixmap, all_planes = 2, 0xFFFFFFFF
         image = self.x11.XGetImage(self.connection, self.root, 0, y, SCREEN[0], 1, all_planes, z_pixmap)
         if not image:
@@ -162,8 +170,9 @@ def peak_mb(pid):
 class Run:
     """One start of one game in one way, on an X server of its own."""
 
-    def __init__(self, program, data, way, music, counter_library):
+    def __init__(self, program, data, way, music, counter_library, screen=SCREEN, window="full", scale="-"):
         self.program, self.data, self.way, self.music = program, data, way, music
+        self.screen_size, self.window, self.scale = screen, window, scale
         self.counter_library = counter_library
         self.scratch = tempfile.mkdtemp(prefix="qv-desktop-")
         self.counter_path = os.path.join(self.scratch, "presents")
@@ -179,7 +188,7 @@ class Run:
             f.write(bytes(4096))
         read_end, write_end = os.pipe()
         self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0",
-                                      f"{SCREEN[0]}x{SCREEN[1]}x24", "-nolisten", "tcp"], pass_fds=(write_end,),
+                                      f"{self.screen_size[0]}x{self.screen_size[1]}x24", "-nolisten", "tcp"], pass_fds=(write_end,),
                                      stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
         with os.fdopen(read_end) as f:
@@ -200,7 +209,8 @@ class Run:
     def env(self, **extra):
         env = {name: value for name, value in os.environ.items()
                if name not in ("SDL_VIDEODRIVER", "SDL_RENDER_DRIVER", "SDL_FRAMEBUFFER_ACCELERATION")}
-        env.update(DISPLAY=self.display, **extra)
+        # The player's remembered window mode and scaling stay out of it.
+        env.update(DISPLAY=self.display, XDG_CONFIG_HOME=os.path.join(self.scratch, "config"), **extra)
         return env
 
     def presents(self):
@@ -229,16 +239,20 @@ class Run:
     def play(self, title, seconds):
         env = self.env(SDL_AUDIODRIVER="dummy", LD_PRELOAD=self.counter_library,
                        QV_PRESENT_COUNTER=self.counter_path, **WAYS[self.way])
+        command = [self.program, WINDOW_FLAGS[self.window]] + ([f"--scale={self.scale}"] if self.scale != "-" else [])
         started = time.monotonic()
-        self.game = subprocess.Popen([self.program], cwd=self.scratch, env=env,
+        self.game = subprocess.Popen(command, cwd=self.scratch, env=env,
                                      stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         title_ms = None
+        unscaled = tuple(self.screen_size) == SCREEN
         while time.monotonic() - started < 30 and self.game.poll() is None:
-            if shows_title(self.screen, title):
+            if unscaled and shows_title(self.screen, title):
                 title_ms = 1000 * (time.monotonic() - started)
                 break
+            if not unscaled and self.presents() > 0:
+                break
             time.sleep(0.002)
-        if title_ms is None:
+        if self.game.poll() is not None or (unscaled and title_ms is None):
             raise RuntimeError("the title never showed")
         time.sleep(TITLE_PAUSE_S + 1.5)  # the title pause, then the menu settles
         menu_cpu, _, menu_fps = self.measure(seconds)
@@ -290,11 +304,19 @@ def main():
     parser.add_argument("--seconds", type=float, default=5.0, help="how long the menu and the level are measured")
     parser.add_argument("--ways", default="default,software,novsync")
     parser.add_argument("--music", choices=["on", "off", "both"], default="on")
+    parser.add_argument("--screens", default="1024x768", help="X server sizes, WxH,...")
+    parser.add_argument("--windows", default="full", help="full, windowed or both (comma between)")
+    parser.add_argument("--scales", default="-", help="--scale= values for the game; - for none")
     parser.add_argument("games", nargs="*", help="[NAME=]PROGRAM DATA pairs")
     options = parser.parse_args()
     games = parse_games(options.games)
     ways = options.ways.split(",")
     musics = {"on": [True], "off": [False], "both": [True, False]}[options.music]
+    screens = [tuple(int(n) for n in size.split("x")) for size in options.screens.split(",")]
+    windows = options.windows.split(",")
+    scales = options.scales.split(",")
+    setups = [(screen, window, scale) for screen in screens for window in windows
+              for scale in (scales if window == "full" else scales[:1])]
     for tool in ("Xvfb", "xdotool", "cc"):
         if not shutil.which(tool):
             sys.exit(f"desktop measurements left out: {tool} is not installed")
@@ -305,27 +327,27 @@ def main():
         titles = {data: read_title(data) for _, _, data in games}
         results = {}
         for run in range(options.runs):
-            for way in ways:
-                for music in musics:
-                    for name, program, data in games:
-                        key = (name, way, music)
-                        try:
-                            with Run(program, data, way, music, counter) as r:
-                                figures = r.play(titles[data], options.seconds)
-                        except RuntimeError as problem:
-                            print(f"run {run + 1}, {name} {way}: {problem}", file=sys.stderr)
-                            continue
-                        results.setdefault(key, []).append(figures)
-                        print(f"run {run + 1}/{options.runs} {name:>10} {way:>8} music {'on' if music else 'off'}: "
-                              + " ".join(f"{c}={figures[c]:.1f}" for c in COLUMNS), file=sys.stderr, flush=True)
+            for (screen, window, scale), way, music in [(s, w, m) for s in setups for w in ways for m in musics]:
+                for name, program, data in games:
+                    where = f"{screen[0]}x{screen[1]} {window} {scale}"
+                    key = (name, where, way, music)
+                    try:
+                        with Run(program, data, way, music, counter, screen, window, scale) as r:
+                            figures = r.play(titles[data], options.seconds)
+                    except RuntimeError as problem:
+                        print(f"run {run + 1}, {name} {where} {way}: {problem}", file=sys.stderr)
+                        continue
+                    results.setdefault(key, []).append(figures)
+                    print(f"run {run + 1}/{options.runs} {name:>10} {where} {way:>8} music {'on' if music else 'off'}: "
+                          + " ".join(f"{c}={figures[c] or 0:.1f}" for c in COLUMNS), file=sys.stderr, flush=True)
     finally:
         shutil.rmtree(work, ignore_errors=True)
 
-    print(f"Median [lowest-highest] of {options.runs} runs under Xvfb {SCREEN[0]}x{SCREEN[1]}; "
+    print(f"Median [lowest-highest] of {options.runs} runs under Xvfb (screen, window, --scale); "
           "cpu in % of one core, fps in pictures presented per second.")
-    header = ["game", "way", "music"] + COLUMNS
-    rows = [[name, way, "on" if music else "off"] + [summary([f[c] for f in figures]) for c in COLUMNS]
-            for (name, way, music), figures in results.items()]
+    header = ["game", "screen window scale", "way", "music"] + COLUMNS
+    rows = [[name, where, way, "on" if music else "off"] + [summary([f[c] for f in figures]) for c in COLUMNS]
+            for (name, where, way, music), figures in results.items()]
     widths = [max(len(str(r[i])) for r in rows + [header]) for i in range(len(header))]
     for row in [header] + rows:
         print("  ".join(str(cell).ljust(width) for cell, width in zip(row, widths)).rstrip())

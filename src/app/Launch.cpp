@@ -34,6 +34,7 @@ const std::vector<OptionSpec>& Options()
         {"version", "", "show the version and exit"},
         {"windowed", "", "start in a 1024 x 768 window"},
         {"fullscreen", "", "start over the whole screen"},
+        {"scale", "MODE", "how the picture fills the screen: integer, smooth or sharp"},
         {"trace", "", "write the trace, each line timed, to stderr"},
         {"record", "FILE", "play, and keep the game in FILE as a replay"},
         {"replay", "FILE", "watch the game kept in FILE (Escape stops, Space pauses)"},
@@ -96,6 +97,22 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
     if (!windowModePath.empty())
         Platform::SetWindowModeListener(
             [windowModePath](Platform::WindowMode mode) { RememberWindowMode(windowModePath, mode); });
+    TakeScaleMode();
+}
+
+void CLaunch::TakeScaleMode()
+{
+    const std::string path = CComforts::Path();
+    comforts->Load(path);
+    const std::string remembered = comforts->Get("scale");
+    const std::optional<ScaleMode> known = Platform::ScaleModeNamed(remembered);
+    if (!remembered.empty() && !known)
+        Platform::PrintError(path + ": scale \"" + remembered + "\" is none of integer, smooth and sharp");
+    Platform::SetScaleMode(request.scaleMode.value_or(known.value_or(ScaleMode::Smooth)));
+    Platform::SetScaleModeListener([path, comforts = comforts](ScaleMode mode) {
+        comforts->Set("scale", Platform::ScaleModeName(mode));
+        comforts->Save(path);
+    });
 }
 
 CLaunch::~CLaunch() = default;
@@ -130,6 +147,14 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
     request.recordFile = line->Value("record");
     request.replayFile = line->Has("replay") ? line->Value("replay") : line->Value("verify");
     request.trace = line->Has("trace");
+    if (line->Has("scale")) {
+        request.scaleMode = Platform::ScaleModeNamed(line->Value("scale"));
+        if (!request.scaleMode) {
+            request.action = LaunchAction::BadUsage;
+            request.error = "--scale takes integer, smooth or sharp, not \"" + line->Value("scale") + "\"";
+            return request;
+        }
+    }
     if (line->Has("windowed"))
         request.windowMode = Platform::WindowMode::Windowed;
     else if (line->Has("fullscreen"))
@@ -142,8 +167,8 @@ std::string CLaunch::UsageText()
     return "Usage: quelvarion [OPTION]...\n"
            "Top-down space combat with a ship you fit yourself.\n\n" +
            CCommandLine::OptionsHelp(Options()) +
-           "\nAlt+Enter switches between the whole screen and a window; the game\n"
-           "remembers the choice. The game runs in the current folder, which must hold\n"
+           "\nAlt+Enter switches between the whole screen and a window; F10 steps\n"
+           "through the ways of scaling the picture; the game remembers both. The game runs in the current folder, which must hold\n"
            "its data; it keeps your options and high scores there, in quelvarion.ini.\n"
            "See quelvarion(6).\n";
 }

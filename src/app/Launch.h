@@ -1,5 +1,7 @@
 #pragma once
+#include "app/Comforts.h"
 #include "platform/FolderLock.h"
+#include "platform/Scaling.h"
 #include "platform/Window.h"
 
 class CGameApp;
@@ -19,6 +21,7 @@ struct LaunchRequest {
     std::string error; // why the command line was refused
     bool trace = false;
     std::optional<Platform::WindowMode> windowMode; // --windowed or --fullscreen
+    std::optional<ScaleMode> scaleMode;             // --scale
     std::string recordFile;                          // --record: where the game is kept as well
     std::string replayFile;                          // --replay or --verify: the replay to play
 };
@@ -64,7 +67,12 @@ private:
     // file of the player's is touched, and ends the program with its verdict.
     [[noreturn]] static void VerifyAndExit(const std::string& file);
 
+    // The comforts file's mode unless the command line says otherwise; the
+    // scaling key's choice is remembered there.
+    void TakeScaleMode();
+
     LaunchRequest request;
+    std::shared_ptr<CComforts> comforts = std::make_shared<CComforts>();
     // Made before the application and gone after it, as the show must be.
     std::unique_ptr<CReplayShow> replayShow;
 

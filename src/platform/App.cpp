@@ -4,6 +4,7 @@
 #include "platform/DisplayDevice.h"
 #include "platform/Ending.h"
 #include "platform/Keys.h"
+#include "platform/Scaling.h"
 #include "platform/MessageQueue.h"
 #include "platform/Window.h"
 
@@ -234,6 +235,11 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
                 w->ToggleFullscreen();
             break; // a window-manager key: the game never sees it
         }
+        if (sym == SDLK_F10) {
+            if (down && !event.key.repeat)
+                Platform::StepScaleMode();
+            break; // how the picture is shown is no business of the game's
+        }
         if (UINT vk = Platform::VirtualKeyFor(sym))
             queue.Post({w, down ? WM_KEYDOWN : WM_KEYUP, vk, 0});
         break;
@@ -251,6 +257,8 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
         case SDL_WINDOWEVENT_FOCUS_LOST: queue.Post({w, WM_ACTIVATEAPP, 0, 0}); break;
         case SDL_WINDOWEVENT_ENTER: queue.Post({w, WM_SETCURSOR, 0, 0}); break;
         case SDL_WINDOWEVENT_CLOSE: queue.Post({w, WM_CLOSE, 0, 0}); break;
+        case SDL_WINDOWEVENT_EXPOSED:
+        case SDL_WINDOWEVENT_SIZE_CHANGED: Platform::NotifyWindowExposed(); break;
         case SDL_WINDOWEVENT_MINIMIZED:
         case SDL_WINDOWEVENT_HIDDEN: Platform::NotifySurfacesLost(); break;
         default: break;

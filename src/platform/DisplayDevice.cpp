@@ -83,6 +83,12 @@ void ForgetDisplayWindow(HWND window)
         device->ForgetWindow(window);
 }
 
+void NotifyWindowExposed()
+{
+    for (CDisplayDevice* device : liveDevices())
+        device->RedrawWhole();
+}
+
 } // namespace Platform
 
 Result CDisplayDevice::Create(DisplayDevicePtr& out)
@@ -104,12 +110,18 @@ CDisplayDevice::~CDisplayDevice()
 
 void CDisplayDevice::DropPresenter()
 {
+    if (enlarged)
+        SDL_DestroyTexture(enlarged);
     if (texture)
         SDL_DestroyTexture(texture);
     if (renderer)
         SDL_DestroyRenderer(renderer);
+    enlarged = nullptr;
+    enlargedBy = 0;
     texture = nullptr;
     renderer = nullptr;
+    inWindowMemory = false;
+    scaledFor = {};
 }
 
 void CDisplayDevice::ForgetWindow(HWND gone)
@@ -206,15 +218,12 @@ Result CDisplayDevice::MakePresenter()
     SDL_Window* sdlWindow = window->GetSdlWindow();
     if (!sdlWindow)
         return DDERR_NOHWND;
-    if (!renderer) {
+    if (!renderer && !inWindowMemory) {
         if (SDL_GetRenderer(sdlWindow))
             return DDERR_NOEXCLUSIVEMODE; // someone else draws on this window
-        SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
         if (!MakeRenderer())
             return DDERR_GENERIC;
     }
-    // Scaled to fit the window, with black bars where the shapes differ.
-    SDL_RenderSetLogicalSize(renderer, modeWidth, modeHeight);
     return RemakeTexture();
 }
 
@@ -257,18 +266,50 @@ std::string OpenGlRendererName(SDL_Renderer* renderer)
     return name ? reinterpret_cast<const char*>(name) : "";
 }
 
+// Whether SDL gives this window memory of its own to draw in, shown without
+// OpenGL (X11's shared memory, or the headless drivers' plain memory).
+bool HasWindowMemory(SDL_Window* window)
+{
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0"); // a player's own setting still wins
+    return SDL_GetWindowSurface(window) != nullptr;
+}
+
+// The output's colour for each of the picture's 16-bit (5-6-5) values.
+std::vector<std::uint32_t> OutputColours(const SDL_PixelFormat* format)
+{
+    std::vector<std::uint32_t> colours(1u << 16);
+    for (std::uint32_t v = 0; v < colours.size(); ++v) {
+        const std::uint32_t r = v >> 11 & 0x1F, g = v >> 5 & 0x3F, b = v & 0x1F;
+        colours[v] = SDL_MapRGB(format, static_cast<Uint8>(r << 3 | r >> 2), static_cast<Uint8>(g << 2 | g >> 4),
+                                static_cast<Uint8>(b << 3 | b >> 2));
+    }
+    return colours;
+}
+
+SDL_Rect ToSdl(const PictureFit& fit)
+{
+    return {fit.x, fit.y, fit.width, fit.height};
+}
+
 } // namespace
 
 bool CDisplayDevice::MakeRenderer()
 {
     SDL_Window* sdlWindow = window->GetSdlWindow();
     const RenderChoice& choice = Platform::RendererForThisRun();
+    // SDL's software renderer would scale the whole picture every frame;
+    // scaling only what changed ourselves costs a fraction of that.
+    if (choice.driver == "software" && choice.plainFramebuffer && HasWindowMemory(sdlWindow))
+        return inWindowMemory = true;
     renderer = CreateRenderer(sdlWindow, choice.driver, choice.plainFramebuffer, choice.askForVsync);
     // A GPU device does not promise a GPU driver behind OpenGL: when the
     // picture would be drawn by a software rasteriser after all, SDL's own
     // software renderer does the same for a fraction of the work.
     if (renderer && choice.driver.empty() && Platform::IsSoftwareRasteriser(OpenGlRendererName(renderer))) {
         SDL_DestroyRenderer(renderer);
+        renderer = nullptr;
+        if (HasWindowMemory(sdlWindow))
+            return inWindowMemory = true;
         renderer = CreateRenderer(sdlWindow, "software", true, false);
     }
     return renderer != nullptr;
@@ -276,8 +317,13 @@ bool CDisplayDevice::MakeRenderer()
 
 Result CDisplayDevice::RemakeTexture()
 {
+    scaler.Invalidate();
     if (!renderer)
         return DD_OK;
+    if (enlarged)
+        SDL_DestroyTexture(enlarged);
+    enlarged = nullptr;
+    enlargedBy = 0;
     if (texture)
         SDL_DestroyTexture(texture);
     texture = SDL_CreateTexture(renderer, SDL_PIXELFORMAT_RGB565, SDL_TEXTUREACCESS_STREAMING, modeWidth, modeHeight);
@@ -286,15 +332,85 @@ Result CDisplayDevice::RemakeTexture()
 
 Result CDisplayDevice::Present(SDL_Surface* picture)
 {
+    return inWindowMemory ? PresentInWindowMemory(picture) : PresentThroughRenderer(picture);
+}
+
+SDL_Texture* CDisplayDevice::Enlarged(int prescale)
+{
+    if (enlarged && enlargedBy == prescale)
+        return enlarged;
+    if (enlarged)
+        SDL_DestroyTexture(enlarged);
+    enlarged = SDL_CreateTexture(renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET, modeWidth * prescale,
+                                 modeHeight * prescale);
+    enlargedBy = enlarged ? prescale : 0;
+    if (enlarged)
+        SDL_SetTextureScaleMode(enlarged, SDL_ScaleModeLinear);
+    return enlarged;
+}
+
+Result CDisplayDevice::PresentThroughRenderer(SDL_Surface* picture)
+{
     if (!renderer || !texture || !picture)
         return DDERR_GENERIC;
     SDL_LockSurface(picture);
     SDL_UpdateTexture(texture, nullptr, picture->pixels, picture->pitch);
     SDL_UnlockSurface(picture);
+    int outputWidth = 0, outputHeight = 0; // in pixels, which on a HiDPI screen are not the window's points
+    SDL_GetRendererOutputSize(renderer, &outputWidth, &outputHeight);
+    const ScaleMode mode = Platform::GetScaleMode();
+    const PictureFit fit = Platform::FitPicture(mode, modeWidth, modeHeight, outputWidth, outputHeight);
+    const bool wholeMultiple = mode != ScaleMode::Smooth && fit.width >= modeWidth;
+    SDL_Texture* shown = texture;
+    SDL_SetTextureScaleMode(texture, wholeMultiple ? SDL_ScaleModeNearest : SDL_ScaleModeLinear);
+    if (mode == ScaleMode::Sharp && fit.prescale > 1 && Enlarged(fit.prescale) &&
+        SDL_SetRenderTarget(renderer, enlarged) == 0) {
+        SDL_RenderCopy(renderer, texture, nullptr, nullptr);
+        SDL_SetRenderTarget(renderer, nullptr);
+        shown = enlarged;
+    } else if (mode == ScaleMode::Sharp) {
+        SDL_SetTextureScaleMode(texture, SDL_ScaleModeLinear);
+    }
     SDL_SetRenderDrawColor(renderer, 0, 0, 0, 255);
     SDL_RenderClear(renderer);
-    SDL_RenderCopy(renderer, texture, nullptr, nullptr);
+    const SDL_Rect where = ToSdl(fit);
+    SDL_RenderCopy(renderer, shown, nullptr, &where);
     SDL_RenderPresent(renderer);
+    return DD_OK;
+}
+
+Result CDisplayDevice::PresentInWindowMemory(SDL_Surface* picture)
+{
+    SDL_Window* sdlWindow = window ? window->GetSdlWindow() : nullptr;
+    SDL_Surface* output = sdlWindow ? SDL_GetWindowSurface(sdlWindow) : nullptr;
+    if (!output || !picture)
+        return DDERR_GENERIC;
+    const ScaleMode mode = Platform::GetScaleMode();
+    const PictureFit fit = Platform::FitPicture(mode, modeWidth, modeHeight, output->w, output->h);
+    if (output->format->BytesPerPixel != 4 || picture->format->format != SDL_PIXELFORMAT_RGB565) {
+        // Not a window memory we know how to scale into: SDL's own scaling.
+        SDL_Rect where = ToSdl(fit);
+        SDL_FillRect(output, nullptr, 0);
+        SDL_BlitScaled(picture, nullptr, output, &where);
+        SDL_UpdateWindowSurface(sdlWindow);
+        return DD_OK;
+    }
+    const OutputShape shape{output->w, output->h, output->format->format, mode};
+    if (!(shape == scaledFor)) {
+        scaler.Configure(fit, modeWidth, modeHeight, output->w, output->h, OutputColours(output->format));
+        scaledFor = shape;
+    }
+    SDL_LockSurface(picture);
+    SDL_LockSurface(output);
+    const auto& drawn = scaler.Scale(static_cast<const std::uint16_t*>(picture->pixels), picture->pitch,
+                                     static_cast<std::uint32_t*>(output->pixels), output->pitch);
+    SDL_UnlockSurface(output);
+    SDL_UnlockSurface(picture);
+    std::vector<SDL_Rect> rects;
+    rects.reserve(drawn.size());
+    for (const CPictureScaler::Rect& r : drawn)
+        rects.push_back({r.x, r.y, r.width, r.height});
+    SDL_UpdateWindowSurfaceRects(sdlWindow, rects.data(), static_cast<int>(rects.size()));
     return DD_OK;
 }
 

@@ -2,6 +2,7 @@
 #include "platform/Clock.h"
 #include "platform/FramePacer.h"
 #include "platform/Palette.h"
+#include "platform/PictureScaler.h"
 #include "platform/Surface.h"
 
 #include <cstdint>
@@ -45,13 +46,17 @@ Result TakeDisplayFault(DisplayOp op);
 void NotifySurfacesLost();
 // The window is going away: no device may draw on it any more.
 void ForgetDisplayWindow(HWND window);
+// The window's picture was covered or resized: the next present draws all of it.
+void NotifyWindowExposed();
 } // namespace Platform
 
 // The display device: takes a window for the game's exclusive use, sets the
 // game's display mode and makes surfaces and palettes. The mode becomes a
-// full-screen window over which the game's picture is scaled and letterboxed;
-// a flip uploads the back buffer to a streaming texture and presents it, at
-// most once a refresh period of the display (see CFramePacer).
+// full-screen window over which the game's picture is scaled and letterboxed
+// as the scale mode says; a flip presents the back buffer at most once a
+// refresh period of the display (see CFramePacer). With a GPU the picture
+// goes up as a streaming texture and the GPU scales it; without one, the
+// game scales what changed straight into the window's memory.
 class CDisplayDevice : public std::enable_shared_from_this<CDisplayDevice> {
 public:
     static Result Create(DisplayDevicePtr& out);
@@ -69,6 +74,7 @@ public:
 
     void MarkSurfacesLost();
     void ForgetWindow(HWND gone);
+    void RedrawWhole() { scaler.Invalidate(); }
 
     // Keyed copies from off-screen surfaces made from now on use run-length
     // encoding when this is on. It is off: a page holds many frames, and an
@@ -85,6 +91,10 @@ private:
     Result RemakeTexture();
     void DropPresenter();
     Result Present(SDL_Surface* picture);
+    Result PresentThroughRenderer(SDL_Surface* picture);
+    Result PresentInWindowMemory(SDL_Surface* picture);
+    // The GPU's copy of the picture enlarged pixel for pixel, for the sharp mode.
+    SDL_Texture* Enlarged(int prescale);
     // A flip's present: in its turn, no sooner than the display can show it.
     Result PresentInTurn(SDL_Surface* picture);
     double RefreshPeriod() const;
@@ -96,6 +106,17 @@ private:
     std::int32_t modeHeight = 0;
     SDL_Renderer* renderer = nullptr;
     SDL_Texture* texture = nullptr;
+    SDL_Texture* enlarged = nullptr;
+    int enlargedBy = 0;
+    // Without a renderer: the picture is scaled into the window's own memory.
+    bool inWindowMemory = false;
+    CPictureScaler scaler;
+    struct OutputShape {
+        int width = 0, height = 0;
+        std::uint32_t format = 0;
+        ScaleMode mode = ScaleMode::Smooth;
+        bool operator==(const OutputShape&) const = default;
+    } scaledFor;
     CFramePacer pacer{Platform::PerformanceSeconds, Platform::WaitSeconds};
     std::vector<CSurface*> surfaces;
 

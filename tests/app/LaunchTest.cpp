@@ -50,6 +50,8 @@ TEST(LaunchCommandLine, EachOptionAndEachMistake)
         {{"--windowed", "--fullscreen"}, LaunchAction::BadUsage, false, std::nullopt},
         {{"--trace=1"}, LaunchAction::BadUsage, false, std::nullopt},
         {{"quelvarion.ini"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--scale=sharp", "--windowed"}, LaunchAction::Play, false, WindowMode::Windowed},
+        {{"--scale=huge"}, LaunchAction::BadUsage, false, std::nullopt},
     };
     for (const Case& c : cases) {
         const LaunchRequest request = CLaunch::ReadCommandLine(c.args);
@@ -61,6 +63,23 @@ TEST(LaunchCommandLine, EachOptionAndEachMistake)
         }
     }
     EXPECT_EQ(CLaunch::ReadCommandLine({"--bogus"}).error, "unknown option '--bogus'");
+    EXPECT_EQ(CLaunch::ReadCommandLine({"--scale", "integer"}).scaleMode, ScaleMode::Integer);
+}
+
+// A comfort changed rewrites its own line and nothing else: what the player
+// wrote by hand, and what a newer game wrote, stay.
+TEST(Comforts, ChangesTouchOnlyTheirOwnLine)
+{
+    CComforts comforts;
+    comforts.Parse("# my comforts\n  scale =  integer \nvolume-music = 7\nscale=sharp\nnot a setting\n\n");
+    EXPECT_EQ(comforts.Get("scale"), "sharp"); // the last word counts
+    EXPECT_EQ(comforts.Get("volume-music"), "7");
+    EXPECT_EQ(comforts.Get("missing"), "");
+    EXPECT_EQ(comforts.Problems(), std::vector<std::string>{"line 5: \"not a setting\" is not name = value"});
+    comforts.Set("scale", "smooth");
+    comforts.Set("screenshots", "on");
+    EXPECT_EQ(comforts.Text(), "# my comforts\nscale = integer\nvolume-music = 7\nscale = smooth\nnot a setting\n\n"
+                               "screenshots = on\n");
 }
 
 // Options that name a value, as later options (a file to record to) will.

@@ -1,9 +1,13 @@
 """--windowed starts the game in a 1024 x 768 window that carries the game's
 icon, and --trace writes the trace calls to stderr in their order, each with
 its time since the start. Alt+Enter's choice is remembered for the next start;
---fullscreen and --windowed overrule it for one run."""
+--fullscreen and --windowed overrule it for one run. On large screens the
+picture fills the screen as --scale or F10 says, and F10's choice is
+remembered too."""
+import os
 import re
 import shutil
+import subprocess
 import tempfile
 
 from quelvarion_e2e import SCREEN_HEIGHT, SCREEN_WIDTH, Game, expect_equal, fail, run
@@ -64,4 +68,45 @@ def window_mode():
         shutil.rmtree(config, ignore_errors=True)
 
 
+def drawn_box(shot):
+    """x, y, width and height of the smallest rectangle holding every pixel that is not black."""
+    found = subprocess.run(["convert", "-size", f"{shot.width}x{shot.height}", "-depth", "8", "rgb:-",
+                            "-format", "%@", "info:"], input=shot.pixels, capture_output=True, check=True).stdout
+    width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
+    return x, y, width, height
+
+
+def expect_picture_in(game, box, what):
+    """Waits until all that is drawn lies in box and reaches across most of it."""
+    x, y, w, h = box
+
+    def fits(shot):
+        dx, dy, dw, dh = drawn_box(shot)
+        return dx >= x and dy >= y and dx + dw <= x + w and dy + dh <= y + h and dw > 0.9 * w and dh > 0.9 * h
+    try:
+        game.wait_for_screen(fits, timeout=20, every=0.5)
+    except AssertionError:
+        fail(f"{what}: the picture is not in {box} but in {drawn_box(game.screenshot())}")
+
+
+def scaling():
+    config = tempfile.mkdtemp(prefix="qv-e2e-config-")
+    try:
+        with Game(args=["--scale=integer"], screen=(1920, 1080), config_home=config) as game:
+            expect_picture_in(game, (448, 156, 1024, 768), "integer at 1920x1080: once, centred")
+            game.keys("F10")
+            expect_picture_in(game, (240, 0, 1440, 1080), "smooth at 1920x1080: fitted")
+            game.keys("F10")
+            expect_picture_in(game, (240, 0, 1440, 1080), "sharp at 1920x1080: fitted")
+        with open(os.path.join(config, "quelvarion", "comforts")) as f:
+            expect_equal(f.read(), "scale = sharp\n", "the comforts file")
+        with Game(screen=(3840, 2160), config_home=config) as game:
+            expect_picture_in(game, (480, 0, 2880, 2160), "sharp, remembered, at 3840x2160")
+            game.keys("F10")
+            expect_picture_in(game, (896, 312, 2048, 1536), "integer at 3840x2160: twice, centred")
+    finally:
+        shutil.rmtree(config, ignore_errors=True)
+
+
 run(window_mode)
+run(scaling)

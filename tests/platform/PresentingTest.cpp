@@ -1,12 +1,15 @@
 // How pictures reach the screen: the pacing of presents against the
-// display's refresh, and the choice of renderer for the machine.
+// display's refresh, the choice of renderer for the machine, and the
+// picture scaled to the screen.
 #include "platform/FramePacer.h"
+#include "platform/PictureScaler.h"
 #include "platform/RenderChoice.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <vector>
 
 namespace {
@@ -186,6 +189,137 @@ TEST(RenderChoice, RecognisesSoftwareRasterisersByTheirNames)
     EXPECT_FALSE(Platform::IsSoftwareRasteriser("Mesa Intel(R) UHD Graphics 620 (KBL GT2)"));
     EXPECT_FALSE(Platform::IsSoftwareRasteriser("NVIDIA GeForce RTX 3060/PCIe/SSE2"));
     EXPECT_FALSE(Platform::IsSoftwareRasteriser(""));
+}
+
+struct FitCase {
+    const char* what;
+    ScaleMode mode;
+    int outputWidth, outputHeight;
+    PictureFit fit;
+};
+
+TEST(Scaling, WhereThePictureLandsForEachModeAndScreen)
+{
+    using enum ScaleMode;
+    const FitCase cases[] = {
+        {"4K, whole multiple", Integer, 3840, 2160, {896, 312, 2048, 1536, 2}},
+        {"4K, fitted", Smooth, 3840, 2160, {480, 0, 2880, 2160, 1}},
+        {"4K, twice then fitted", Sharp, 3840, 2160, {480, 0, 2880, 2160, 2}},
+        {"1080p, once: no larger multiple fits", Integer, 1920, 1080, {448, 156, 1024, 768, 1}},
+        {"1080p, fitted", Smooth, 1920, 1080, {240, 0, 1440, 1080, 1}},
+        {"1080p, sharp is smooth from once", Sharp, 1920, 1080, {240, 0, 1440, 1080, 1}},
+        {"1280x800, bars beside", Smooth, 1280, 800, {106, 0, 1067, 800, 1}},
+        {"1280x800, once and centred", Integer, 1280, 800, {128, 16, 1024, 768, 1}},
+        {"a HiDPI window of twice the pixels", Integer, 2048, 1536, {0, 0, 2048, 1536, 2}},
+        {"smaller than the picture: shrunk to fit", Integer, 800, 600, {0, 0, 800, 600, 1}},
+        {"smaller and wider", Sharp, 1000, 500, {166, 0, 667, 500, 1}},
+        {"no output", Smooth, 0, 0, {0, 0, 0, 0, 1}},
+    };
+    for (const FitCase& c : cases)
+        EXPECT_EQ(Platform::FitPicture(c.mode, 1024, 768, c.outputWidth, c.outputHeight), c.fit) << c.what;
+}
+
+TEST(Scaling, ModesAreNamedAndSteppedThroughInTurn)
+{
+    ScaleMode mode = ScaleMode::Smooth;
+    for (const char* name : {"sharp", "integer", "smooth"}) {
+        mode = Platform::NextScaleMode(mode);
+        EXPECT_STREQ(Platform::ScaleModeName(mode), name);
+        EXPECT_EQ(Platform::ScaleModeNamed(name), mode);
+    }
+    EXPECT_FALSE(Platform::ScaleModeNamed("bilinear"));
+}
+
+// A small picture scaled as the display scales the game's: colours are the
+// 16-bit values themselves, widened so that every byte takes part in a blend.
+struct ScaledPicture {
+    static constexpr int Width = 64, Height = 48;
+    std::vector<std::uint16_t> pixels = std::vector<std::uint16_t>(Width * Height);
+    int outputWidth, outputHeight;
+    PictureFit fit;
+    std::vector<std::uint32_t> output;
+    CPictureScaler scaler;
+
+    ScaledPicture(ScaleMode mode, int width, int height)
+        : outputWidth(width), outputHeight(height),
+          fit(Platform::FitPicture(mode, Width, Height, width, height)),
+          output(static_cast<std::size_t>(width * height), 0xDEADBEEF)
+    {
+        std::vector<std::uint32_t> colours(1u << 16);
+        for (std::uint32_t v = 0; v < colours.size(); ++v)
+            colours[v] = (v & 0xFF) * 0x01000001u | (v >> 8) * 0x00010100u;
+        scaler.Configure(fit, Width, Height, width, height, colours);
+    }
+    const std::vector<CPictureScaler::Rect>& Scale()
+    {
+        return scaler.Scale(pixels.data(), Width * 2, output.data(), outputWidth * 4);
+    }
+};
+
+TEST(PictureScaler, AWholeMultipleRepeatsEachPixelAndLeavesBlackBars)
+{
+    ScaledPicture picture(ScaleMode::Integer, 200, 150); // three times, 4 and 3 pixels of bars
+    std::mt19937 random(7);
+    for (auto& p : picture.pixels)
+        p = static_cast<std::uint16_t>(random());
+    const auto& drawn = picture.Scale();
+    ASSERT_EQ(drawn, (std::vector<CPictureScaler::Rect>{{0, 0, 200, 150}}));
+    ASSERT_EQ(picture.fit, (PictureFit{4, 3, 192, 144, 3}));
+    for (int y = 0; y < 150; ++y)
+        for (int x = 0; x < 200; ++x) {
+            const bool inside = x >= 4 && x < 196 && y >= 3 && y < 147;
+            const std::uint16_t source = inside ? picture.pixels[(y - 3) / 3 * 64 + (x - 4) / 3] : 0;
+            const std::uint32_t expected = inside ? (source & 0xFF) * 0x01000001u | (source >> 8) * 0x00010100u : 0;
+            ASSERT_EQ(picture.output[y * 200 + x], expected) << x << "," << y;
+        }
+}
+
+// What changed is drawn again, and only it: the picture scaled a change at
+// a time equals the picture scaled afresh, and every output pixel that
+// changed lies in a rectangle said to be drawn.
+TEST(PictureScaler, ScalingOnlyWhatChangedEqualsScalingAfresh)
+{
+    for (ScaleMode mode : {ScaleMode::Integer, ScaleMode::Smooth, ScaleMode::Sharp})
+        for (auto [width, height] : {std::pair{300, 170}, std::pair{50, 40}}) {
+            ScaledPicture kept(mode, width, height);
+            kept.Scale();
+            std::mt19937 random(11);
+            for (int frame = 0; frame < 20; ++frame) {
+                const std::vector<std::uint32_t> before = kept.output;
+                for (int n = 0; n < 5; ++n) // a few stars move
+                    kept.pixels[random() % kept.pixels.size()] = static_cast<std::uint16_t>(random());
+                const auto drawn = kept.Scale();
+                ScaledPicture fresh(mode, width, height);
+                fresh.pixels = kept.pixels;
+                fresh.Scale();
+                ASSERT_EQ(kept.output, fresh.output) << Platform::ScaleModeName(mode) << " " << width << ", frame " << frame;
+                for (int i = 0; i < width * height; ++i) {
+                    if (before[i] == kept.output[i])
+                        continue;
+                    const int x = i % width, y = i / width;
+                    ASSERT_TRUE(std::any_of(drawn.begin(), drawn.end(), [&](const CPictureScaler::Rect& r) {
+                        return x >= r.x && x < r.x + r.width && y >= r.y && y < r.y + r.height;
+                    })) << Platform::ScaleModeName(mode) << " " << x << "," << y;
+                }
+            }
+        }
+}
+
+TEST(PictureScaler, SharpBlendsOnlyWherePixelsMeet)
+{
+    // Stripes a pixel wide, enlarged 2.8 times: smooth filtering greys almost
+    // every output pixel; sharp keeps the middle of every stripe pure.
+    auto pureShare = [](ScaleMode mode) {
+        ScaledPicture picture(mode, 180, 135);
+        for (int i = 0; i < ScaledPicture::Width * ScaledPicture::Height; ++i)
+            picture.pixels[i] = i % 2 ? 0xFFFF : 0;
+        picture.Scale();
+        const auto pure = std::count_if(picture.output.begin(), picture.output.end(),
+                                        [](std::uint32_t p) { return p == 0 || p == 0xFFFFFFFF; });
+        return static_cast<double>(pure) / static_cast<double>(picture.output.size());
+    };
+    EXPECT_GE(pureShare(ScaleMode::Sharp), 0.45);
+    EXPECT_LT(pureShare(ScaleMode::Smooth), 0.1);
 }
 
 } // namespace
