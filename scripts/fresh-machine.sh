@@ -44,14 +44,19 @@ mirror() {
 
 mounts=()
 xvfb=
-cleanup() {
-  # Whatever still runs inside the system (a game, a test's X server) is ours.
+# Whatever runs inside the system (a game, a test's X server) is ours; a game
+# may have left make's process group.
+end_processes_inside() {
   local link pid
   for link in /proc/[0-9]*/root; do
     [[ $(readlink "$link" 2>/dev/null) == "$sys" ]] || continue
     pid=${link#/proc/}; pid=${pid%/root}
     kill -9 "$pid" 2>/dev/null
   done
+}
+
+cleanup() {
+  end_processes_inside
   [[ -n $xvfb ]] && kill "$xvfb" 2>/dev/null
   local i
   for (( i=${#mounts[@]}-1; i>=0; i-- )); do
@@ -113,7 +118,7 @@ run_to_title() {
     sleep 2
   done
   record "$user: make run: $([[ $rc -eq 0 ]] && echo "title shown" || echo "NO TITLE"), $(( $(date +%s) - start )) s, $(( $(package_count) - before )) packages installed, $(downloaded_mb) MB downloaded"
-  kill -- -"$pid" 2>/dev/null; wait "$pid" 2>/dev/null
+  kill -- -"$pid" 2>/dev/null; end_processes_inside; wait "$pid" 2>/dev/null
   kill "$xvfb" 2>/dev/null; wait "$xvfb" 2>/dev/null; xvfb=
   chroot "$sys" apt-get clean
   return $rc
