@@ -50,6 +50,28 @@ std::string CurrentFolder()
     return error ? std::string(".") : folder.string();
 }
 
+// The scratch folder of a check, removed by whatever ends it: a signal
+// handler may only use what it finds ready. The only file a check makes
+// there is the empty settings file.
+char scratchFolder[4096];
+char scratchSettings[4096 + 32];
+
+extern "C" void RemoveScratchAndEnd(int signal)
+{
+    ::unlink(scratchSettings);
+    ::rmdir(scratchFolder);
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void LeaveNoScratchOnSignal(const char* folder)
+{
+    std::snprintf(scratchFolder, sizeof scratchFolder, "%s", folder);
+    std::snprintf(scratchSettings, sizeof scratchSettings, "%s/%s", folder, CMenuSystem::SettingsFile);
+    for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        std::signal(signal, RemoveScratchAndEnd);
+}
+
 } // namespace
 
 CLaunch::CLaunch(const std::vector<std::string>& arguments)
@@ -246,9 +268,7 @@ void CLaunch::VerifyAndExit(const std::string& file)
         Platform::PrintError("no scratch folder to check the replay in");
         std::exit(CGameApp::ReplaySetupFailedStatus);
     }
-    // The check stands in an empty folder that is gone already: nothing it
-    // does can write there, and no interruption can leave the folder behind.
-    fs::remove(scratch, error);
+    LeaveNoScratchOnSignal(scratch);
     Platform::DisableAudio(); // a check is heard by no one
     const std::string scratchFolder = scratch;
     Platform::SetLastWords([scratchFolder] {
@@ -260,6 +280,7 @@ void CLaunch::VerifyAndExit(const std::string& file)
         CGameApp app;
         status = app.VerifyReplayFile(replay.string());
     }
+    fs::remove_all(scratch, error);
     std::fflush(stdout);
     std::exit(status);
 }

@@ -47,12 +47,14 @@ void CRecorder::End(CReplay::Summary summary)
         if (!file.empty())
             files.push_back(std::filesystem::absolute(file, error).string());
     }
-    saving = std::thread([bytes = replay.Encode(), files = std::move(files)] {
+    finished = std::move(replay);
+    replay = CReplay();
+    // Only the next End changes the finished game, and it waits for this first.
+    saving = std::thread([this, files = std::move(files)] {
+        const std::string bytes = finished.Encode();
         for (const std::string& file : files)
             Save(file, bytes);
     });
-    finished = std::move(replay);
-    replay = CReplay();
 }
 
 void CRecorder::WaitForSaves()

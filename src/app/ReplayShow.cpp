@@ -14,6 +14,8 @@ namespace {
 
 // Long waits are taken in short pieces so the live keys stay quick.
 constexpr std::uint32_t LongestWaitMs = 10;
+// The longest the frames made between two pictures may take to make.
+constexpr std::uint32_t LongestCatchUpMs = 100;
 constexpr std::int32_t MarkerMargin = 8;
 constexpr std::int32_t MarkerRise = 18;
 constexpr COLORREF MarkerColour = RGB(150, 150, 150);
@@ -73,12 +75,15 @@ bool CReplayShow::ShowFrame()
     // a game recorded at a faster refresh than this screen's keeps its pace.
     // The others are drawn unseen, so what moves with each drawing (the
     // stars' twinkle) moves as it did. A frame kept as a snapshot is shown.
+    // A machine too slow to keep up still shows a picture now and then, and
+    // hears the live keys.
     for (;;) {
         playedMs += player.NextFrameMs();
         const double frameMs = player.Step();
         NoteDivergence();
         const std::size_t made = player.GetFramesMade() - 1;
-        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > sinceOrigin || app.snapshots.IsWanted(made)) {
+        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > sinceOrigin || app.snapshots.IsWanted(made) ||
+            Platform::TimeGetTime() - now >= LongestCatchUpMs) {
             Compose(frameMs, made);
             return true;
         }

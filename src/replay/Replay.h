@@ -19,9 +19,9 @@ public:
     // otherwise on purpose moves it on; replays of other rules are not
     // expected to play as recorded.
     static constexpr std::uint16_t RulesVersion = 1;
-    // About 25 hours of play at 250 frames a second (pauses and menus cost a
-    // few bytes however long they last); a larger file is not a replay, and
-    // checking one would take too long to wait for.
+    // About 20 hours of play at 250 frames a second, 90 at 60 (pauses and
+    // menus cost a few bytes however long they last); a larger file is not a
+    // replay, and checking one would take too long to wait for.
     static constexpr std::size_t MaxFileBytes = 128u << 20;
     static constexpr std::size_t MaxTextBytes = 255;
     static constexpr std::size_t ScoreEntries = 10;
