@@ -148,7 +148,11 @@ void EndAtOnce(int status, const std::string& line)
     if (ending.exchange(true))
         for (;;)
             ::pause();
-    if (::getpid() == programPid || programPid == 0) {
+    // A child of ours (a message box) ends with its own display connection:
+    // the program itself will tell.
+    if (programPid != 0 && ::getpid() != programPid)
+        ::_exit(status);
+    {
         std::lock_guard<std::mutex> hold(wordsLock());
         if (lastWords())
             lastWords()();

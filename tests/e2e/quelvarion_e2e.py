@@ -592,6 +592,20 @@ def link_game_data(folder, tune=None):
             os.symlink(source, os.path.join(folder, name))
 
 
+def replace_art(folder, blank):
+    """The art folder as real files: links to every picture but the blank, and the blank as given."""
+    art = os.path.join(folder, "art")
+    source = os.path.realpath(art)
+    os.remove(art)
+    os.mkdir(art)
+    for name in os.listdir(source):
+        if name != "blank.bmp":
+            os.symlink(os.path.join(source, name), os.path.join(art, name))
+    if blank is not None:
+        with open(os.path.join(art, "blank.bmp"), "wb") as f:
+            f.write(blank)
+
+
 def run_program(args, folder, display=None, answer_box=False, timeout=30):
     """Runs the game to its end: (status, stdout, stderr). With no display the
     run has none at all; answer_box presses Enter on the error box it shows."""

@@ -6,7 +6,7 @@ import os
 import shutil
 import tempfile
 
-from quelvarion_e2e import XServer, expect_equal, fail, link_game_data, run, run_program
+from quelvarion_e2e import XServer, expect_equal, fail, link_game_data, replace_art, run, run_program
 
 
 def expect_failure(result, words, what):
@@ -15,20 +15,6 @@ def expect_failure(result, words, what):
     lines = [line for line in err.splitlines() if line.startswith("quelvarion: ")]
     if len(lines) != 1 or words not in lines[0]:
         fail(f"{what}: stderr was {err!r}")
-
-
-def replace_art(folder, blank):
-    """The art folder as real files: links to every picture but the blank, and the blank as given."""
-    art = os.path.join(folder, "art")
-    source = os.path.realpath(art)
-    os.remove(art)
-    os.mkdir(art)
-    for name in os.listdir(source):
-        if name != "blank.bmp":
-            os.symlink(os.path.join(source, name), os.path.join(art, name))
-    if blank is not None:
-        with open(os.path.join(art, "blank.bmp"), "wb") as f:
-            f.write(blank)
 
 
 BROKEN_FOLDERS = [

@@ -208,8 +208,9 @@ TEST_F(SaveFileTest, WhatIsNoOrdinaryFileIsRefusedForWhatItIs)
         std::string text;
         EXPECT_EQ(Platform::ReadFileCreating(c.path, text), c.read) << c.path;
         EXPECT_TRUE(text.empty()) << c.path;
-        if (c.save != S_OK)
+        if (c.save != S_OK) {
             EXPECT_EQ(Platform::SaveFile(c.path, NewText), c.save) << c.path;
+        }
     }
     EXPECT_EQ(Names("."), (std::vector<std::string>{"file", "folder.ini", "huge.ini", "pipe.ini"}));
 }
