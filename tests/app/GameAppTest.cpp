@@ -87,6 +87,26 @@ TEST(FrameLoop, NoFrameBeforeReadyOrWhileInactiveAndElapsedTimeAcrossTheClockWra
     EXPECT_DOUBLE_EQ(t->elapsedMs, 40.0);
 }
 
+// A frame long after the last (the program was stopped, the clock jumped)
+// finds the level paused, as after the window lost its activation and found
+// it again, and the recording keeps both; a slow frame plays on.
+TEST(FrameLoop, AStopOfMoreThanASecondPausesTheLevelBeforeTheWorldMoves)
+{
+    for (const std::uint32_t gapMs : {900u, 120000u}) {
+        TestApp t;
+        t->ready = 1;
+        t->active = 1;
+        t->NewGame();
+        t->lastFrameTime = t.clock.Now();
+        const std::size_t inputs = t->recorder.GetReplay().inputs.size();
+        t.clock.Advance(gapMs);
+        CallIdle(*t);
+        const bool stopped = gapMs > 1000;
+        EXPECT_EQ(t->GetGameState() == StatePaused, stopped) << gapMs;
+        EXPECT_EQ(t->recorder.GetReplay().inputs.size(), inputs + (stopped ? 2u : 0u)) << gapMs;
+    }
+}
+
 TEST(GameStates, PauseOnlyBetweenPlayingAndPausedAndOnlyLeavingPlayResetsTheDesignScreen)
 {
     TestApp t;
