@@ -9,10 +9,12 @@
 #include "platform/Window.h"
 
 #include <SDL.h>
+#include <SDL_syswm.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <sstream>
 
 namespace {
@@ -53,6 +55,28 @@ std::string StartVideo()
     if (driver == "x11")
         Platform::WatchDisplayConnection();
     return "";
+}
+
+// SDL answers a Wayland compositor that went away with a quit request, as if
+// the player had asked; the connection itself tells the two apart.
+bool WaylandConnectionBroken([[maybe_unused]] SDL_Window* window)
+{
+#if defined(SDL_VIDEO_DRIVER_WAYLAND)
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    if (!window || !SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
+        return false;
+    void* client = ::dlopen("libwayland-client.so.0", RTLD_LAZY | RTLD_NOLOAD);
+    if (!client)
+        return false;
+    using GetError = int (*)(wl_display*);
+    const auto getError = reinterpret_cast<GetError>(::dlsym(client, "wl_display_get_error"));
+    const bool broken = getError && getError(info.info.wl.display) != 0;
+    ::dlclose(client);
+    return broken;
+#else
+    return false;
+#endif
 }
 
 } // namespace
@@ -218,6 +242,8 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
     auto& queue = CMessageQueue::Instance();
     switch (event.type) {
     case SDL_QUIT:
+        if (mainWindow && WaylandConnectionBroken(mainWindow->GetSdlWindow()))
+            Platform::EndAtOnce(Platform::DisplayLostStatus, Platform::DisplayLostLine);
         if (CPlatformWnd* w = InputWindow())
             queue.Post({w, WM_CLOSE, 0, 0});
         break;

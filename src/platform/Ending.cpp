@@ -124,7 +124,7 @@ using XErrorHandler = int (*)(void*, XErrorReport*);
 
 extern "C" int OnDisplayConnectionLost(void*)
 {
-    EndAtOnce(DisplayLostStatus, "the display went away (its connection broke); what the game had to save is saved");
+    EndAtOnce(DisplayLostStatus, DisplayLostLine);
 }
 
 extern "C" int OnDisplayRefusal(void*, XErrorReport* report)

@@ -10,8 +10,10 @@
 // the system lets go of the folder's lock.
 namespace Platform {
 
-// The exit status of a game whose display went away.
+// The exit status of a game whose display went away, and its line.
 constexpr int DisplayLostStatus = 4;
+constexpr const char* DisplayLostLine =
+    "the display went away (its connection broke); what the game had to save is saved";
 // The exit status of a program an ending signal ended at once: 128 + signal.
 constexpr int SignalStatusBase = 128;
 // How long a message loop has to end after an ending signal before the
