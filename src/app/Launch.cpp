@@ -1,9 +1,11 @@
 #include "app/Launch.h"
 
+#include "app/ComfortNotice.h"
 #include "app/GameApp.h"
 #include "app/ReplayShow.h"
 #include "frontend/MenuSystem.h"
 #include "platform/AudioDevice.h"
+#include "platform/Clock.h"
 #include "platform/CommandLine.h"
 #include "platform/Console.h"
 #include "platform/FileStore.h"
@@ -108,6 +110,8 @@ void CLaunch::TakeScaleMode()
     Platform::SetScaleModeListener([path, comforts = comforts](ScaleMode mode) {
         comforts->Set("scale", Platform::ScaleModeName(mode));
         comforts->Save(path);
+        CComfortNotice::Instance().Show(std::string("Scaling: ") + Platform::ScaleModeName(mode),
+                                        Platform::TimeGetTime());
     });
 }
 
