@@ -12,6 +12,9 @@ in a scratch folder whose data files are links to the game data, and reports:
   menu_fps   pictures presented per second there
   level_cpu  the same in level 1 (a ship fitted from the first offer,
   level_fps  standing in the middle while the asteroids come)
+  menu_ms,   the game's CPU time per picture presented, in ms, in the menu and
+  level_ms   in the level: on a busy machine, where the frame rate sags, what
+             60 pictures a second would cost (cpu at 60 fps = ms x 6)
   x_cpu      the X server's CPU time in the level, % of one core: the other
              half of presenting a picture
   peak_mb    the game's peak resident memory over the whole run (VmHWM)
@@ -67,7 +70,7 @@ WAYS = {
     "opengl": {"SDL_RENDER_DRIVER": "opengl"},
 }
 
-COLUMNS = ["title_ms", "menu_cpu", "menu_fps", "level_cpu", "level_fps", "x_cpu", "peak_mb"]
+COLUMNS = ["title_ms", "menu_cpu", "menu_fps", "menu_ms", "level_cpu", "level_fps", "level_ms", "x_cpu", "peak_mb"]
 
 
 def settings(music):
@@ -269,8 +272,9 @@ class Run:
             self.game.wait(15)
         except subprocess.TimeoutExpired:
             pass
-        return {"title_ms": title_ms, "menu_cpu": menu_cpu, "menu_fps": menu_fps, "level_cpu": level_cpu,
-                "level_fps": level_fps, "x_cpu": x_cpu, "peak_mb": peak}
+        return {"title_ms": title_ms, "menu_cpu": menu_cpu, "menu_fps": menu_fps,
+                "menu_ms": 10 * menu_cpu / max(menu_fps, 1e-9), "level_cpu": level_cpu, "level_fps": level_fps,
+                "level_ms": 10 * level_cpu / max(level_fps, 1e-9), "x_cpu": x_cpu, "peak_mb": peak}
 
 
 def summary(values):
@@ -278,7 +282,7 @@ def summary(values):
     if not values:
         return "-"
     median = statistics.median(values)
-    digits = 0 if median >= 100 else 1
+    digits = 0 if median >= 100 else 1 if median >= 1 else 2
     if len(values) == 1:
         return f"{median:.{digits}f}"
     return f"{median:.{digits}f} [{min(values):.{digits}f}-{max(values):.{digits}f}]"

@@ -1,5 +1,6 @@
 #include "app/GameApp.h"
 
+#include "app/ComfortNotice.h"
 #include "app/GameWnd.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
@@ -227,6 +228,7 @@ bool CGameApp::OnIdle(long count)
     DrawFrame(elapsedMs);
     if (recordedFrame >= 0 && display.GetBack())
         snapshots.Take(static_cast<std::size_t>(recordedFrame), *display.GetBack());
+    DrawComfortNotice();
     if (display.Flip() == DDERR_SURFACELOST)
         display.Restore();
     return true;
@@ -381,4 +383,10 @@ PadKeys CGameApp::BindPadControl(PadControl control)
         for (const CLaser& laser : player->GetLasers())
             facts.fireKeys.push_back(laser.GetFireKey());
     return padBindings.Bind(control, facts);
+}
+
+void CGameApp::DrawComfortNotice()
+{
+    if (CSurface* back = display.GetBack())
+        CComfortNotice::Instance().Draw(*back, smallFont, screenWidth, screenHeight, Platform::TimeGetTime());
 }

@@ -115,6 +115,8 @@ public:
 
     // Frame composition.
     void DrawFrame(double elapsedMs);
+    // Over the frame kept, before it is shown: a comfort just changed.
+    void DrawComfortNotice();
     // The hull and energy numbers beside one ship.
     void DrawShipStats(const CShip& ship, CTextPen& pen);
 

@@ -1,10 +1,12 @@
 #include "app/Launch.h"
 
+#include "app/ComfortNotice.h"
 #include "app/GameApp.h"
 #include "app/GameVersion.h"
 #include "app/ReplayShow.h"
 #include "frontend/MenuSystem.h"
 #include "platform/AudioDevice.h"
+#include "platform/Clock.h"
 #include "platform/CommandLine.h"
 #include "platform/Console.h"
 #include "platform/Ending.h"
@@ -134,6 +136,8 @@ void CLaunch::TakeScaleMode()
     Platform::SetScaleModeListener([path, comforts = comforts](ScaleMode mode) {
         comforts->Set("scale", Platform::ScaleModeName(mode));
         comforts->Save(path);
+        CComfortNotice::Instance().Show(std::string("Scaling: ") + Platform::ScaleModeName(mode),
+                                        Platform::TimeGetTime());
     });
 }
 

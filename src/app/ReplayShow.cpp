@@ -98,6 +98,7 @@ void CReplayShow::Compose(double frameMs, std::size_t frame)
         DrawMarker(*back);
         app.snapshots.Take(frame, *back);
     }
+    app.DrawComfortNotice();
     if (app.display.Flip() == DDERR_SURFACELOST)
         app.display.Restore();
 }

@@ -122,7 +122,9 @@ bool CPlatformWnd::CreateEx(std::uint32_t exStyle, const std::string& className,
         return false;
     if (SDL_WasInit(SDL_INIT_VIDEO) == 0 || width <= 0 || height <= 0)
         return false;
-    Uint32 flags = SDL_WINDOW_HIDDEN;
+    // On a HiDPI screen the picture is scaled to the window's pixels, not to
+    // its points enlarged again by the desktop (which would blur the sharp modes).
+    Uint32 flags = SDL_WINDOW_HIDDEN | SDL_WINDOW_ALLOW_HIGHDPI;
     if (style & WS_POPUP)
         flags |= SDL_WINDOW_BORDERLESS;
     if (exStyle & WS_EX_TOPMOST)

@@ -13,6 +13,7 @@ import tempfile
 from quelvarion_e2e import SCREEN_HEIGHT, SCREEN_WIDTH, Game, expect_equal, fail, run
 
 WINDOW = (1024, 768)
+NOTICE_GREY = (150, 150, 150)
 SCREEN = (SCREEN_WIDTH, SCREEN_HEIGHT)
 TRACE_LINE = re.compile(r"^\[ *(\d+\.\d{3})\] (.*)$")
 FIRST_TRACES = [" ", "******************************************", "            Initialisation",
@@ -96,6 +97,9 @@ def scaling():
             expect_picture_in(game, (448, 156, 1024, 768), "integer at 1920x1080: once, centred")
             game.keys("F10")
             expect_picture_in(game, (240, 0, 1440, 1080), "smooth at 1920x1080: fitted")
+            notice = lambda shot: shot.at_game(860, 740, 164, 28).pixels_near(NOTICE_GREY, 30)
+            game.wait_for_screen(lambda shot: notice(shot) > 40, timeout=3, every=0.1)  # "Scaling: smooth"
+            game.wait_for_screen(lambda shot: notice(shot) < 10, timeout=5)  # for a moment only
             game.keys("F10")
             expect_picture_in(game, (240, 0, 1440, 1080), "sharp at 1920x1080: fitted")
         with open(os.path.join(config, "quelvarion", "comforts")) as f:
