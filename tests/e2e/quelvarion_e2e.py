@@ -296,10 +296,11 @@ class Game:
                 f.write(self.settings)
         if self.ordinary_user:
             os.chmod(self.scratch, 0o777)  # the player's folder is theirs
+        log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
         if self.prepare:
             self.prepare(self.folder)
         self.start_x_server()
-        self.game = self.start([self.program] + self.args, stderr=open(self.log_path(), "wb"))
+        self.game = self.start([self.program] + self.args, stderr=log)
         try:
             self.wait_for_window()
         except BaseException as problem:
