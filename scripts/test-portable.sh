@@ -50,6 +50,13 @@ run() {
 mkdir -p "$out"
 [[ -f $icon ]] || { echo "test-portable: build the game natively first ($icon is missing)" >&2; exit 1; }
 run clang "-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++"
-run gcc-x86-64-v3 "-DCMAKE_C_FLAGS=-march=x86-64-v3 -DCMAKE_CXX_FLAGS=-march=x86-64-v3"
+# A processor without x86-64-v3 (AVX2, FMA) cannot run that build: it is
+# still built, so it keeps compiling, but its replays are left unchecked.
+if grep -qw avx2 /proc/cpuinfo && grep -qw fma /proc/cpuinfo; then
+  run gcc-x86-64-v3 "-DCMAKE_C_FLAGS=-march=x86-64-v3 -DCMAKE_CXX_FLAGS=-march=x86-64-v3"
+else
+  build gcc-x86-64-v3 -DCMAKE_C_FLAGS=-march=x86-64-v3 -DCMAKE_CXX_FLAGS=-march=x86-64-v3 || failures=$((failures + 1))
+  echo "test-portable: gcc-x86-64-v3 built; this processor cannot run it, so its replays are not checked"
+fi
 run arm64 "-DCMAKE_TOOLCHAIN_FILE=$source/cmake/aarch64-linux-gnu.cmake" qemu-aarch64 -L /usr/aarch64-linux-gnu
 exit $((failures > 0))
