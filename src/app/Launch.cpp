@@ -268,17 +268,18 @@ void CLaunch::VerifyAndExit(const std::string& file)
     const fs::path replay = fs::absolute(file, error);
     std::string scratchName = (fs::temp_directory_path(error) / "quelvarion-verify-XXXXXX").string();
     const char* scratch = error ? nullptr : ::mkdtemp(scratchName.data());
+    // Whatever ends the check from the moment its folder exists takes the folder with it.
+    const std::string scratchFolder = scratch ? scratch : "";
+    Platform::SetLastWords([scratchFolder] {
+        std::error_code ignored;
+        fs::remove_all(scratchFolder, ignored);
+    });
     if (error || !scratch || ::chdir(scratch) != 0) {
         Platform::PrintError("no scratch folder to check the replay in");
         std::exit(CGameApp::ReplaySetupFailedStatus);
     }
     LeaveNoScratchOnSignal(scratch);
     Platform::DisableAudio(); // a check is heard by no one
-    const std::string scratchFolder = scratch;
-    Platform::SetLastWords([scratchFolder] {
-        std::error_code ignored;
-        fs::remove_all(scratchFolder, ignored);
-    });
     int status = 0;
     {
         CGameApp app;

@@ -2,10 +2,13 @@
 arrives in any phase, a file is replaced with something hostile, the disk
 fills up, the program is stopped and continued. Each case ends promptly,
 keeps what the player had and frees the folder for the next game."""
+import ctypes
 import fcntl
 import os
 import re
+import shutil
 import signal
+import struct
 import subprocess
 import tempfile
 import time
@@ -53,6 +56,14 @@ def expect_line(game, words, timeout=5):
         if time.monotonic() > deadline:
             fail(f"stderr lacks {words!r}: {log!r}")
         time.sleep(0.1)
+
+
+def all_stopped(pid):
+    states = []
+    for task in os.listdir(f"/proc/{pid}/task"):
+        with open(f"/proc/{pid}/task/{task}/stat") as f:
+            states.append(f.read().rsplit(")", 1)[1].split()[0])
+    return all(state == "T" for state in states)
 
 
 def children(pid):
@@ -104,6 +115,9 @@ def unchanged(saved):
     return saved == SETTINGS
 
 
+# The replay of the game played, kept in the folder for every game begun.
+LAST_GAME = "last-game.qvr"
+
 RUNNING_FAULTS = [
     ("display killed in a level", SETTINGS, lambda g: (g.start_new_game(), kill_display(g)), DISPLAY_LOST,
      "the display went away", unchanged),
@@ -116,8 +130,9 @@ RUNNING_FAULTS = [
 ]
 
 
-def running_faults():
-    rows = []
+def running_faults(scratch):
+    """The rows, and the replays the games kept, by the row's name."""
+    rows, replays = [], {}
     for what, settings, act, status, words, kept in RUNNING_FAULTS:
         with Game(settings=settings) as game:
             game.wait_title_pause()
@@ -131,7 +146,101 @@ def running_faults():
             expect_folder_free(game.folder)
             if words:
                 expect_line(game, words)
+            replay = os.path.join(game.folder, LAST_GAME)
+            if "menus" not in what:
+                if not os.path.isfile(replay):
+                    fail(f"{what}: the game's replay was not kept")
+                replays[what] = shutil.copy(replay, os.path.join(scratch, f"{len(replays)}.qvr"))
             rows.append((what, got, seconds, peak))
+    return rows, replays
+
+
+def watch_interrupted(replay, number):
+    """A replay being watched ends at a signal as a game does, and saves nothing."""
+    with Game(settings=SETTINGS, args=["--replay", replay]) as game:
+        files = sorted(os.listdir(game.folder))
+        time.sleep(1)  # well inside the game it shows
+        game.game.send_signal(number)
+        got, seconds, peak = wait_ended(game.game, 10)
+        expect_equal(game.settings_saved(), SETTINGS, "a replay watched: quelvarion.ini")
+        expect_equal(sorted(os.listdir(game.folder)), files, "a replay watched: the files in its folder")
+        return got, seconds, peak
+
+
+class HeldOpen:
+    """Holds every opening of a file until released (fanotify, as root): the
+    opener waits in the kernel meanwhile."""
+    CLASS_CONTENT, MARK_ADD, OPEN_PERM, ALLOW = 0x4, 0x1, 0x10000, 0x1
+    EVENT = struct.Struct("IBBHQii")
+
+    def __init__(self, path):
+        libc = ctypes.CDLL(None, use_errno=True)
+        libc.fanotify_mark.argtypes = [ctypes.c_int, ctypes.c_uint, ctypes.c_uint64, ctypes.c_int, ctypes.c_char_p]
+        self.fd = libc.fanotify_init(self.CLASS_CONTENT, os.O_RDONLY | os.O_CLOEXEC)
+        if self.fd < 0 or libc.fanotify_mark(self.fd, self.MARK_ADD, self.OPEN_PERM, -100, path.encode()) != 0:
+            raise OSError(ctypes.get_errno(), "fanotify")
+
+    def wait_opening(self):
+        self.opening = self.EVENT.unpack_from(os.read(self.fd, 4096))[5]
+
+    def release(self):
+        os.write(self.fd, struct.pack("iI", self.opening, self.ALLOW))
+        os.close(self.opening)
+        os.close(self.fd)
+
+
+def check_interrupted(replay, number):
+    """A replay being checked ends at a signal, leaving nothing behind. The
+    check is caught at its opening of the replay, its scratch folder made,
+    and stopped there, so that the signal finds it at work as it would find
+    the check of a replay hours long."""
+    beside = sorted(os.listdir(os.path.dirname(replay)))
+    temporary = tempfile.mkdtemp(dir=os.path.dirname(replay))
+    held = HeldOpen(replay)
+    process = subprocess.Popen([os.environ["QV_GAME"], "--verify", replay], cwd=temporary,
+                               env=dict(os.environ, TMPDIR=temporary), stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+    held.wait_opening()
+    if not os.listdir(temporary):
+        fail("the check of a replay made no scratch folder")
+    # Stopped as it goes on from there: at work, as a long check would be when the signal comes.
+    process.send_signal(signal.SIGSTOP)
+    held.release()
+    while not all_stopped(process.pid):
+        time.sleep(0.01)
+    process.send_signal(number)
+    process.send_signal(signal.SIGCONT)
+    got, seconds, peak = wait_ended(process, 10)
+    expect_equal(os.listdir(temporary), [], "a replay checked: its scratch folder")
+    os.rmdir(temporary)
+    expect_equal(sorted(os.listdir(os.path.dirname(replay))), beside, "a replay checked: the files beside it")
+    return got, seconds, peak
+
+
+# A replay watched or checked, ended by a signal: (what, how, signal, statuses).
+# The replay at hand is short: a check let go may finish before its signal
+# is heard, and leaves nothing behind either way.
+REPLAY_SIGNALS = [
+    ("SIGTERM watching a replay", watch_interrupted, signal.SIGTERM, (0,)),
+    ("SIGINT watching a replay", watch_interrupted, signal.SIGINT, (0,)),
+    ("SIGTERM checking a replay", check_interrupted, signal.SIGTERM, (ENDED_AT_ONCE + signal.SIGTERM, 0)),
+    ("SIGINT checking a replay", check_interrupted, signal.SIGINT, (ENDED_AT_ONCE + signal.SIGINT, 0)),
+]
+
+
+def replay_signals(replay):
+    rows = []
+    for what, interrupted, number, statuses in REPLAY_SIGNALS:
+        try:
+            got, seconds, peak = interrupted(replay, number)
+        except PermissionError:
+            print(f"skipped {what}: the check cannot be held at work here (fanotify needs root)")
+            continue
+        if got not in statuses:
+            fail(f"{what}: exit status {got}")
+        if seconds > PROMPT_EXIT_S:
+            fail(f"{what}: ended {seconds:.2f} s later")
+        rows.append((what, got, seconds, peak))
     return rows
 
 
@@ -322,8 +431,10 @@ def full_disk(scratch):
 def desktop_faults():
     scratch = tempfile.mkdtemp(prefix="qv-e2e-faults-")
     try:
-        rows = (running_faults() + title_pause_signal() + box_faults(scratch) + hostile_files() +
-                verify_hostile(scratch) + stop_and_continue() + full_disk(scratch))
+        played, replays = running_faults(scratch)
+        rows = (played + replay_signals(replays["display killed in name entry"]) + title_pause_signal() +
+                box_faults(scratch) + hostile_files() + verify_hostile(scratch) + stop_and_continue() +
+                full_disk(scratch))
     finally:
         subprocess.run(["rm", "-rf", scratch])
     for what, status, seconds, peak in rows:
