@@ -52,28 +52,6 @@ std::string CurrentFolder()
     return error ? std::string(".") : folder.string();
 }
 
-// The scratch folder of a check, removed by whatever ends it: a signal
-// handler may only use what it finds ready. The only file a check makes
-// there is the empty settings file.
-char scratchFolder[4096];
-char scratchSettings[4096 + 32];
-
-extern "C" void RemoveScratchAndEnd(int signal)
-{
-    ::unlink(scratchSettings);
-    ::rmdir(scratchFolder);
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-}
-
-void LeaveNoScratchOnSignal(const char* folder)
-{
-    std::snprintf(scratchFolder, sizeof scratchFolder, "%s", folder);
-    std::snprintf(scratchSettings, sizeof scratchSettings, "%s/%s", folder, CMenuSystem::SettingsFile);
-    for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
-        std::signal(signal, RemoveScratchAndEnd);
-}
-
 } // namespace
 
 CLaunch::CLaunch(const std::vector<std::string>& arguments)
@@ -278,7 +256,6 @@ void CLaunch::VerifyAndExit(const std::string& file)
         Platform::PrintError("no scratch folder to check the replay in");
         std::exit(CGameApp::ReplaySetupFailedStatus);
     }
-    LeaveNoScratchOnSignal(scratch);
     Platform::DisableAudio(); // a check is heard by no one
     int status = 0;
     {
