@@ -69,6 +69,8 @@ void CGameApp::SaveForEnding()
 {
     EndRecording();
     menus.SaveIfAsked();
+    // The program ends the moment this returns: the replay's own save must be done.
+    recorder.WaitForSaves();
 }
 
 bool CGameApp::InitInstance()

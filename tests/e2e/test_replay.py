@@ -204,7 +204,9 @@ def recorded_pace_flow():
     try:
         fast = os.path.join(GOLDEN, "scripted-level9.qvr")  # 6000 frames of 4 ms
         seconds = watched_seconds(fast)
-        if abs(seconds - 24.0) > 24.0 * 0.05:
+        # A sanitizer's build draws too slowly to keep any pace: there the
+        # recording only has to play through and close.
+        if abs(seconds - 24.0) > 24.0 * 0.05 and not os.environ.get("QV_SANITIZED"):
             fail(f"24 s recorded in 4 ms frames took {seconds:.1f} s to watch")
 
         # A recording of format 1 (no checksum) with focus lost after its last frame.
