@@ -58,9 +58,11 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
 {
     Platform::MillisecondsSinceStart(); // the trace's times count from here
     std::signal(SIGPIPE, SIG_IGN);      // a closed terminal must not end the game
-    Platform::HearEndingSignals();      // from the first step: a start is ended as promptly as a game
 
     request = ReadCommandLine(arguments);
+    // From the first step that can take time: a start is ended as promptly as a game.
+    if (request.action == LaunchAction::Play || request.action == LaunchAction::WatchReplay)
+        Platform::HearEndingSignals();
     switch (request.action) {
     case LaunchAction::ShowHelp:
         std::fputs(UsageText().c_str(), stdout);
@@ -242,6 +244,7 @@ void CLaunch::Prepare(CGameApp& app)
 
 void CLaunch::VerifyAndExit(const std::string& file)
 {
+    Platform::HearEndingSignals(Platform::Listening::WhenAsked); // the check answers them between frames
     std::error_code error;
     const fs::path replay = fs::absolute(file, error);
     std::string scratchName = (fs::temp_directory_path(error) / "quelvarion-verify-XXXXXX").string();

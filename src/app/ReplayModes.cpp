@@ -4,6 +4,7 @@
 #include "app/GameVersion.h"
 #include "app/ReplayShow.h"
 #include "platform/Console.h"
+#include "platform/Ending.h"
 #include "replay/StateHash.h"
 
 #include <cstdio>
@@ -134,8 +135,10 @@ int CGameApp::VerifyReplay(CReplay replay, const std::string& file)
     const CReplay::Summary recorded = replay.summary;
     CReplayPlayer player(*this, std::move(replay));
     player.Begin();
-    while (player.HasNextFrame() && player.GetFirstDivergence() == CReplayPlayer::NoDivergence)
+    while (player.HasNextFrame() && player.GetFirstDivergence() == CReplayPlayer::NoDivergence) {
+        Platform::AnswerEndingSignals();
         player.Step();
+    }
     if (player.GetFirstDivergence() != CReplayPlayer::NoDivergence) {
         Platform::PrintError(file + ": the game differs from the recording at frame " +
                              std::to_string(player.GetFirstDivergence()) + " of " + std::to_string(frames));

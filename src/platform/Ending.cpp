@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <mutex>
+#include <poll.h>
 #include <pthread.h>
 #include <sys/prctl.h>
 #include <thread>
@@ -25,6 +26,8 @@ std::atomic<bool> closeRequested{false};
 std::atomic<bool> ending{false};
 pid_t programPid = 0;
 int signalPipe[2] = {-1, -1};
+std::atomic<bool> listening{false};
+std::atomic<int> signalsHeard{0};
 
 std::mutex& wordsLock()
 {
@@ -96,7 +99,6 @@ void OnSignalHeard(int signal, int heardBefore)
 
 void ListenForSignals()
 {
-    int heard = 0;
     for (;;) {
         unsigned char number = 0;
         const ssize_t got = ::read(signalPipe[0], &number, 1);
@@ -104,7 +106,7 @@ void ListenForSignals()
             continue;
         if (got <= 0)
             return;
-        OnSignalHeard(number, heard++);
+        OnSignalHeard(number, signalsHeard++);
     }
 }
 
@@ -166,20 +168,32 @@ void SetPhase(Phase now)
     phase = now;
 }
 
-void HearEndingSignals()
+void HearEndingSignals(Listening how)
 {
-    if (signalPipe[0] >= 0)
+    if (signalPipe[0] < 0) {
+        programPid = ::getpid();
+        if (::pipe2(signalPipe, O_CLOEXEC) != 0)
+            return;
+        ::pthread_atfork(nullptr, nullptr, OnForkChild);
+        struct sigaction action {};
+        action.sa_handler = OnEndingSignal;
+        action.sa_flags = SA_RESTART; // a file being read when one comes is read on, not failed
+        sigemptyset(&action.sa_mask);
+        for (int signal : EndingSignals)
+            ::sigaction(signal, &action, nullptr);
+    }
+    if (how == Listening::OnItsOwn && !listening.exchange(true))
+        std::thread(ListenForSignals).detach();
+}
+
+void AnswerEndingSignals()
+{
+    if (signalPipe[0] < 0 || listening)
         return;
-    programPid = ::getpid();
-    if (::pipe2(signalPipe, O_CLOEXEC) != 0)
-        return;
-    ::pthread_atfork(nullptr, nullptr, OnForkChild);
-    struct sigaction action {};
-    action.sa_handler = OnEndingSignal;
-    sigemptyset(&action.sa_mask);
-    for (int signal : EndingSignals)
-        ::sigaction(signal, &action, nullptr);
-    std::thread(ListenForSignals).detach();
+    pollfd waiting{signalPipe[0], POLLIN, 0};
+    unsigned char number = 0;
+    while (::poll(&waiting, 1, 0) > 0 && ::read(signalPipe[0], &number, 1) == 1)
+        OnSignalHeard(number, signalsHeard++);
 }
 
 bool TakeCloseRequest()

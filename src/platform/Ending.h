@@ -34,9 +34,17 @@ void SetLastWords(LastWords words);
 enum class Phase { Starting, Looping, Ending };
 void SetPhase(Phase phase);
 
-// Hears SIGINT, SIGTERM and SIGHUP from now on, in every phase. A helper
-// process the program starts (a message box's) ends with the program.
-void HearEndingSignals();
+// Hears SIGINT, SIGTERM and SIGHUP from now on, in every phase: on a thread
+// of its own, which answers even while the program waits on the display or a
+// box, or, for work that never waits (a replay being checked), whenever
+// AnswerEndingSignals is called; such work starts no thread at all, so it
+// runs wherever the program can, under emulators that cannot start threads
+// too. A helper process the program starts (a message box's) ends with the
+// program.
+enum class Listening { OnItsOwn, WhenAsked };
+void HearEndingSignals(Listening listening = Listening::OnItsOwn);
+// Answers the ending signals heard since last asked, as the thread would.
+void AnswerEndingSignals();
 // Whether an ending signal asked the loop to close the game; asking clears it.
 bool TakeCloseRequest();
 
