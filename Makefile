@@ -67,7 +67,7 @@ test-asan:
 # QEMU) must play every kept replay exactly as recorded.
 PORTABLE_BUILD ?= build-portable
 test-portable: build
-	@bash scripts/install-portable-deps.sh
+	@bash scripts/install-deps.sh portable
 	@bash scripts/test-portable.sh $(BUILD) $(PORTABLE_BUILD) $(JOBS)
 
 # Runs every libFuzzer target for FUZZ_SECONDS each and fails if any leaves

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Makes sure what a group of make targets needs is on this machine:
 #
-#   scripts/install-deps.sh play [test] [fuzz]
+#   scripts/install-deps.sh play [test] [fuzz] [portable]
 #
-#   play  building the game and its data, and playing it (make run, build, install)
-#   test  the unit, end-to-end and layering tests and the benchmarks (make test, bench)
-#   fuzz  the libFuzzer targets and their crash reports (make fuzz)
+#   play      building the game and its data, and playing it (make run, build, install)
+#   test      the unit, end-to-end and layering tests and the benchmarks (make test, bench)
+#   fuzz      the libFuzzer targets and their crash reports (make fuzz)
+#   portable  the clang and arm64 builds that check the kept replays (make test-portable)
 #
 # Each need is checked the way the build will look for it (a pkg-config
 # module, a command, a font), not in a package database, so the check holds
@@ -15,8 +16,9 @@
 # pieces are named; the build goes on when nothing is missing.
 set -euo pipefail
 
-# One need a line: how it is checked, what it is called, the Debian package
-# that brings it. A new group is a new function and a line in `groups`.
+# One need a line: how it is checked, what it is called, the Debian packages
+# that bring it (comma-separated). A new group is a new function and a line
+# in `groups`.
 play_needs() {
   cat <<'EOF'
 command cc              gcc
@@ -61,7 +63,22 @@ command llvm-symbolizer llvm
 EOF
 }
 
-groups=(play test fuzz)
+# The arm64 libraries are Debian's multiarch packages; JACK 1 goes with them,
+# as the native JACK the other packages bring.
+portable_needs() {
+  cat <<'EOF'
+command clang++         clang
+command aarch64-linux-gnu-g++ g++-aarch64-linux-gnu
+command qemu-aarch64    qemu-user
+arm64   sdl2            libsdl2-dev:arm64,libjack0:arm64,libjack-dev:arm64
+arm64   SDL2_ttf        libsdl2-ttf-dev:arm64
+arm64   SDL2_mixer      libsdl2-mixer-dev:arm64
+arm64   fluidsynth      libfluidsynth-dev:arm64
+arm64   fontconfig      libfontconfig-dev:arm64
+EOF
+}
+
+groups=(play test fuzz portable)
 
 say() { echo "install-deps: $*" >&2; }
 
@@ -70,6 +87,9 @@ present() {
   case $kind in
     command) command -v "$name" > /dev/null ;;
     pkg) command -v pkg-config > /dev/null && pkg-config --exists "$name" ;;
+    arm64) command -v pkg-config > /dev/null &&
+      PKG_CONFIG_LIBDIR=/usr/lib/aarch64-linux-gnu/pkgconfig:/usr/share/pkgconfig PKG_CONFIG_PATH= \
+        pkg-config --exists "$name" ;;
     file) [[ -e $name ]] ;;
     font) command -v fc-list > /dev/null && [[ -n $(fc-list :scalable=true family 2>/dev/null | head -1) ]] ;;
     fuzzer) command -v clang++ > /dev/null &&
@@ -82,10 +102,12 @@ present() {
 missing_names=() missing_packages=()
 for group in "$@"; do
   [[ " ${groups[*]} " == *" $group "* ]] || { say "no group named '$group' (groups: ${groups[*]})"; exit 2; }
-  while read -r kind name package; do
+  while read -r kind name packages; do
     present "$kind" "$name" && continue
     missing_names+=("$name")
-    [[ " ${missing_packages[*]} " == *" $package "* ]] || missing_packages+=("$package")
+    for package in ${packages//,/ }; do
+      [[ " ${missing_packages[*]} " == *" $package "* ]] || missing_packages+=("$package")
+    done
   done < <("${group}_needs")
 done
 (( ${#missing_names[@]} == 0 )) && exit 0
@@ -100,7 +122,9 @@ cannot_install() {
   say "$1"
   say "these Debian packages are missing: ${missing_packages[*]}"
   say "install them as root, then run make again:"
-  say "  apt-get update && apt-get install --no-install-recommends ${missing_packages[*]}"
+  local arch=""
+  [[ " ${missing_packages[*]} " == *":arm64 "* ]] && arch="dpkg --add-architecture arm64 && "
+  say "  ${arch}apt-get update && apt-get install --no-install-recommends ${missing_packages[*]}"
   exit 1
 }
 
@@ -114,6 +138,11 @@ if [[ $(id -u) -ne 0 ]]; then
   as_root=(sudo)
 fi
 
+# Packages of another architecture come only once dpkg knows it.
+if [[ " ${missing_packages[*]} " == *":arm64 "* ]] && ! dpkg --print-foreign-architectures | grep -qx arm64; then
+  "${as_root[@]}" dpkg --add-architecture arm64 || cannot_install "dpkg could not add the arm64 architecture"
+  say "dpkg now knows the arm64 architecture (dpkg --remove-architecture arm64 undoes it)"
+fi
 say "installing missing packages: ${missing_packages[*]}"
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq ||
   cannot_install "apt-get update failed"
