@@ -28,6 +28,7 @@ pkg     SDL2_ttf        libsdl2-ttf-dev
 pkg     SDL2_mixer      libsdl2-mixer-dev
 pkg     fluidsynth      libfluidsynth-dev
 pkg     fontconfig      libfontconfig-dev
+pkg     zlib            zlib1g-dev
 pkg     cairo           libcairo2-dev
 command fc-list         fontconfig
 font    scalable        fonts-dejavu-core

@@ -11,6 +11,7 @@ packages=(
   # JACK 1, as the native libjack-dev the other packages may have brought
   libjack0:arm64 libjack-dev:arm64
   libsdl2-dev:arm64 libsdl2-ttf-dev:arm64 libsdl2-mixer-dev:arm64 libfluidsynth-dev:arm64 libfontconfig-dev:arm64
+  zlib1g-dev:arm64 # the screenshots' PNG files
 )
 
 say() { echo "install-portable-deps: $*" >&2; }

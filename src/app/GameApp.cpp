@@ -4,6 +4,7 @@
 #include "app/GameWnd.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
+#include "platform/ComfortKeys.h"
 #include "platform/Console.h"
 #include "platform/Ending.h"
 #include "platform/MessageBox.h"
@@ -389,6 +390,13 @@ PadKeys CGameApp::BindPadControl(PadControl control)
 
 void CGameApp::DrawComfortNotice()
 {
-    if (CSurface* back = display.GetBack())
-        CComfortNotice::Instance().Draw(*back, smallFont, screenWidth, screenHeight, Platform::TimeGetTime());
+    CSurface* back = display.GetBack();
+    if (!back)
+        return;
+    const std::uint32_t now = Platform::TimeGetTime();
+    if (Platform::TakeScreenshotRequest())
+        screenshots.Take(*back);
+    for (const std::string& outcome : screenshots.TakeOutcomes())
+        CComfortNotice::Instance().Show(outcome, now);
+    CComfortNotice::Instance().Draw(*back, smallFont, screenWidth, screenHeight, now);
 }

@@ -3,6 +3,7 @@
 #include "app/GameControl.h"
 #include "app/Recorder.h"
 #include "app/PadBindings.h"
+#include "app/Screenshots.h"
 #include "core/Random.h"
 #include "core/Trace.h"
 #include "display/Display.h"
@@ -115,7 +116,8 @@ public:
 
     // Frame composition.
     void DrawFrame(double elapsedMs);
-    // Over the frame kept, before it is shown: a comfort just changed.
+    // Over the frame kept, before it is shown: a comfort just changed. A
+    // screenshot asked for is taken first, of the frame as the game made it.
     void DrawComfortNotice();
     // The hull and energy numbers beside one ship.
     void DrawShipStats(const CShip& ship, CTextPen& pen);
@@ -185,6 +187,7 @@ public:
     CRecorder recorder;
     CFrameSnapshots snapshots;
     CPadBindings padBindings;
+    CScreenshots screenshots;
 
 private:
     void CreateFonts();

@@ -1,12 +1,12 @@
 #include "platform/App.h"
 
 #include "platform/AudioDevice.h"
+#include "platform/ComfortKeys.h"
 #include "platform/DisplayDevice.h"
 #include "platform/Ending.h"
 #include "platform/Keys.h"
 #include "platform/Scaling.h"
 #include "platform/MessageQueue.h"
-#include "platform/Volume.h"
 #include "platform/Window.h"
 
 #include <SDL.h>
@@ -22,37 +22,6 @@ namespace {
 
 // How long the loop sleeps at most while idle, so a signal is noticed soon.
 constexpr int IdleWaitMs = 100;
-
-// The volume keys, which the game's own keys leave free: each pair is down, up.
-struct VolumeKey {
-    SDL_Keycode key;
-    VolumeChannel channel;
-    int delta;
-};
-constexpr VolumeKey VolumeKeys[] = {
-    {SDLK_F5, VolumeChannel::Effects, -1},
-    {SDLK_F6, VolumeChannel::Effects, 1},
-    {SDLK_F7, VolumeChannel::Music, -1},
-    {SDLK_F8, VolumeChannel::Music, 1},
-};
-
-// Whether the key is one of the comforts', which the game never sees; a
-// press (repeats too, for the volume) is acted on.
-bool TakeComfortKey(SDL_Keycode key, bool down, bool repeat)
-{
-    for (const VolumeKey& volume : VolumeKeys)
-        if (key == volume.key) {
-            if (down)
-                Platform::StepVolume(volume.channel, volume.delta);
-            return true;
-        }
-    if (key == SDLK_F10) {
-        if (down && !repeat)
-            Platform::StepScaleMode();
-        return true; // how the picture is shown is no business of the game's
-    }
-    return false;
-}
 
 std::string& noVideoReason()
 {
@@ -293,7 +262,7 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
                 w->ToggleFullscreen();
             break; // a window-manager key: the game never sees it
         }
-        if (TakeComfortKey(sym, down, event.key.repeat))
+        if (Platform::TakeComfortKey(sym, down, event.key.repeat))
             break;
         if (UINT vk = Platform::VirtualKeyFor(sym))
             queue.Post({w, down ? WM_KEYDOWN : WM_KEYUP, vk, 0});
