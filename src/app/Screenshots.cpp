@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
 
@@ -20,6 +21,7 @@ constexpr int BytesPerPixel = 3;
 const std::string SavedWord = "Screenshot: ";
 // Past this many pictures in one second something is wrong with the folder.
 constexpr int MostPerSecond = 1000;
+constexpr int WriterNiceness = 10;
 
 std::vector<std::uint8_t> RgbOf(const CScreenshots::Frame& frame)
 {
@@ -158,6 +160,8 @@ void CScreenshots::Finish()
 
 void CScreenshots::WriteWaiting()
 {
+    // Behind the frame loop on a busy machine: a picture may wait, a frame may not.
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), WriterNiceness);
     const std::string folder = Folder();
     std::unique_lock<std::mutex> guard(lock);
     for (;;) {
