@@ -23,14 +23,20 @@ const std::string SavedWord = "Screenshot: ";
 constexpr int MostPerSecond = 1000;
 constexpr int WriterNiceness = 10;
 
+// Each 5-6-5 channel widened to eight bits as the screen widens it, its top
+// bits repeated below, so that full white is white and the picture looks
+// as it did on the screen.
+std::uint8_t Widened(unsigned value, int bits)
+{
+    return static_cast<std::uint8_t>(value << (8 - bits) | value >> (2 * bits - 8));
+}
+
 std::vector<std::uint8_t> RgbOf(const CScreenshots::Frame& frame)
 {
     std::vector<std::uint8_t> rgb;
     rgb.reserve(frame.pixels.size() * BytesPerPixel);
-    for (const std::uint16_t pixel : frame.pixels) {
-        const COLORREF colour = Platform::UnpackRgb565(pixel);
-        rgb.insert(rgb.end(), {GetRValue(colour), GetGValue(colour), GetBValue(colour)});
-    }
+    for (const std::uint16_t pixel : frame.pixels)
+        rgb.insert(rgb.end(), {Widened(pixel >> 11, 5), Widened(pixel >> 5 & 0x3F, 6), Widened(pixel & 0x1F, 5)});
     return rgb;
 }
 
