@@ -2,6 +2,7 @@
 #include "app/FrameSnapshots.h"
 #include "app/GameControl.h"
 #include "app/Recorder.h"
+#include "app/KeyBindings.h"
 #include "app/PadBindings.h"
 #include "app/Screenshots.h"
 #include "core/Random.h"
@@ -112,6 +113,9 @@ public:
     static KeyRoute RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer);
     // A gamepad control pressed: the keys it stands for where the keys go now.
     PadKeys BindPadControl(PadControl control) override;
+    UINT TranslateKey(int keyCode, UINT ownKey) override;
+    // Where the keys go now, as the pad's and the keyboard's bindings see it.
+    CPadBindings::Context InputContext() const;
     HWND GetMainWindowHandle() const;
 
     // Frame composition.
@@ -187,6 +191,7 @@ public:
     CRecorder recorder;
     CFrameSnapshots snapshots;
     CPadBindings padBindings;
+    CKeyBindings keyBindings;
     CScreenshots screenshots;
 
 private:

@@ -262,6 +262,9 @@ void CLaunch::RememberWindowMode(const std::string& path, Platform::WindowMode m
 void CLaunch::Prepare(CGameApp& app)
 {
     Platform::SetLastWords([&app] { app.SaveForEnding(); });
+    app.keyBindings.Load(*comforts);
+    for (const std::string& problem : app.keyBindings.Problems())
+        Platform::PrintError(CComforts::Path() + ": " + problem);
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
     if (request.action != LaunchAction::WatchReplay)

@@ -238,6 +238,24 @@ void CPlatformApp::Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lPa
         window->WindowProc(message, wParam, lParam);
 }
 
+UINT CPlatformApp::SentKey(int keyCode, bool down)
+{
+    const auto held = keysDown.find(keyCode);
+    if (!down) {
+        if (held == keysDown.end())
+            return Platform::VirtualKeyFor(keyCode);
+        const UINT sent = held->second;
+        keysDown.erase(held);
+        return sent;
+    }
+    if (held != keysDown.end())
+        return held->second; // a repeat
+    const UINT sent = TranslateKey(keyCode, Platform::VirtualKeyFor(keyCode));
+    if (sent)
+        keysDown[keyCode] = sent;
+    return sent;
+}
+
 void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
 {
     auto& queue = CMessageQueue::Instance();
@@ -264,7 +282,7 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
         }
         if (Platform::TakeComfortKey(sym, down, event.key.repeat))
             break;
-        if (UINT vk = Platform::VirtualKeyFor(sym))
+        if (UINT vk = SentKey(sym, down))
             queue.Post({w, down ? WM_KEYDOWN : WM_KEYUP, vk, 0});
         break;
     }
