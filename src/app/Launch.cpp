@@ -265,6 +265,10 @@ void CLaunch::Prepare(CGameApp& app)
     app.keyBindings.Load(*comforts);
     for (const std::string& problem : app.keyBindings.Problems())
         Platform::PrintError(CComforts::Path() + ": " + problem);
+    if (const std::string fire = comforts->Get(CPadBindings::FireControlsLine); !fire.empty())
+        if (const std::string problem = app.padBindings.TakeFireControls(fire); !problem.empty())
+            Platform::PrintError(CComforts::Path() + ": " + CPadBindings::FireControlsLine + ": " + problem +
+                                 "; the line is left out");
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
     if (request.action != LaunchAction::WatchReplay)
