@@ -22,6 +22,10 @@ namespace {
 
 // How long the loop sleeps at most while idle, so a signal is noticed soon.
 constexpr int IdleWaitMs = 100;
+// The name desktops know the game's windows by, its desktop file's: on
+// Wayland the application id, on X11 the window class. Without it SDL takes
+// the program file's name, which an installation may choose otherwise.
+constexpr const char* DesktopAppId = "quelvarion";
 
 std::string& noVideoReason()
 {
@@ -93,6 +97,8 @@ void StartSdl()
 {
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    for (const char* name : {"SDL_VIDEO_WAYLAND_WMCLASS", "SDL_VIDEO_X11_WMCLASS"})
+        ::setenv(name, DesktopAppId, 0); // a player's own choice stays
     if (SDL_WasInit(SDL_INIT_EVENTS) == 0)
         SDL_InitSubSystem(SDL_INIT_EVENTS | SDL_INIT_TIMER);
     if (SDL_WasInit(SDL_INIT_VIDEO) == 0)
