@@ -186,4 +186,22 @@ TEST(UserDirs, ConfigHomeIgnoresEmptyAndRelativeVariables)
     EXPECT_TRUE(found.empty() || (found.front() == '/' && found.ends_with("/.config"))) << found;
 }
 
+// The pictures folder as xdg-user-dirs writes it; the last word on it counts.
+TEST(UserDirs, PicturesFolderFromUserDirsFile)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"# written by xdg-user-dirs-update\nXDG_PICTURES_DIR=\"$HOME/Bilder\"\n", "/home/ann/Bilder"},
+        {"XDG_PICTURES_DIR=\"/srv/pics\"\nXDG_MUSIC_DIR=\"$HOME/Music\"", "/srv/pics"},
+        {"XDG_PICTURES_DIR=\"$HOME/a\"\nXDG_PICTURES_DIR=\"$HOME/b\"", "/home/ann/b"},
+        {"XDG_PICTURES_DIR=\"relative\"\nXDG_PICTURES_DIR=$HOME/unquoted\n", ""},
+    };
+    for (const auto& [text, folder] : cases)
+        EXPECT_EQ(Platform::PicturesFolderIn(text, "/home/ann"), folder) << text;
+    qvtest::ScopedWorkDir dir;
+    ScopedEnv home("HOME", "/home/ann");
+    ScopedEnv config("XDG_CONFIG_HOME", dir.Path().c_str()); // with no user-dirs.dirs in it
+    ScopedEnv pictures("XDG_PICTURES_DIR", nullptr);
+    EXPECT_EQ(Platform::PicturesFolder(), "/home/ann/Pictures");
+}
+
 } // namespace
