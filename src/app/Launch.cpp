@@ -129,7 +129,8 @@ std::string CLaunch::VolumeComfortName(VolumeChannel channel)
 
 std::optional<int> CLaunch::VolumeNamed(const std::string& text)
 {
-    if (text.empty() || text.size() > 2 || !std::all_of(text.begin(), text.end(), ::isdigit))
+    const auto digit = [](unsigned char c) { return std::isdigit(c) != 0; };
+    if (text.empty() || text.size() > 2 || !std::all_of(text.begin(), text.end(), digit))
         return std::nullopt;
     const int step = std::stoi(text);
     return step <= Platform::VolumeSteps ? std::optional<int>(step) : std::nullopt;
