@@ -30,6 +30,7 @@ pkg     SDL2_ttf        libsdl2-ttf-dev
 pkg     SDL2_mixer      libsdl2-mixer-dev
 pkg     fluidsynth      libfluidsynth-dev
 pkg     fontconfig      libfontconfig-dev
+pkg     zlib            zlib1g-dev
 pkg     cairo           libcairo2-dev
 command fc-list         fontconfig
 font    scalable        fonts-dejavu-core
@@ -52,6 +53,7 @@ command desktop-file-validate desktop-file-utils
 command appstreamcli    appstream
 command man             man-db
 command setpriv         util-linux
+command weston          weston
 EOF
 }
 
@@ -75,6 +77,7 @@ arm64   SDL2_ttf        libsdl2-ttf-dev:arm64
 arm64   SDL2_mixer      libsdl2-mixer-dev:arm64
 arm64   fluidsynth      libfluidsynth-dev:arm64
 arm64   fontconfig      libfontconfig-dev:arm64
+arm64   zlib            zlib1g-dev:arm64
 EOF
 }
 

@@ -4,6 +4,7 @@
 #include "app/GameWnd.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
+#include "platform/ComfortKeys.h"
 #include "platform/Console.h"
 #include "platform/Ending.h"
 #include "platform/MessageBox.h"
@@ -367,28 +368,58 @@ void CGameApp::OnKey(UINT key, bool pressed)
     }
 }
 
-PadKeys CGameApp::BindPadControl(PadControl control)
+CPadBindings::Context CGameApp::InputContext() const
 {
     using Context = CPadBindings::Context;
-    CPadBindings::Facts facts;
-    const CShip* player = world.GetPlayer();
-    switch (RouteKey(gameState, 0, true, player != nullptr)) { // where any key but Escape goes now
-    case KeyRoute::Menus: facts.context = menus.IsEnteringName() ? Context::NameEntry : Context::Menus; break;
-    case KeyRoute::Designer: facts.context = Context::Designer; break;
-    default: facts.context = Context::Flight; break;
+    switch (RouteKey(gameState, 0, true, world.GetPlayer() != nullptr)) { // where any key but Escape goes now
+    case KeyRoute::Menus: return menus.IsEnteringName() ? Context::NameEntry : Context::Menus;
+    case KeyRoute::Designer: return Context::Designer;
+    default: return Context::Flight;
     }
-    if (facts.context == Context::NameEntry) {
+}
+
+PadKeys CGameApp::BindPadControl(PadControl control)
+{
+    CPadBindings::Facts facts;
+    facts.context = InputContext();
+    if (facts.context == CPadBindings::Context::NameEntry) {
         const CHighScoreTable& scores = menus.GetHighScores();
         facts.name = scores.GetName(scores.GetEditIndex());
     }
-    if (player)
+    if (const CShip* player = world.GetPlayer())
         for (const CLaser& laser : player->GetLasers())
             facts.fireKeys.push_back(laser.GetFireKey());
     return padBindings.Bind(control, facts);
 }
 
+// A letter or digit stands for another key only where the game reads no
+// character (a name being typed, a fire key being chosen), and a key a
+// laser fires on stays the laser's.
+UINT CGameApp::TranslateKey(int keyCode, UINT ownKey)
+{
+    const UINT bound = keyBindings.BoundTo(keyCode);
+    const bool character = (ownKey >= '0' && ownKey <= '9') || (ownKey >= 'A' && ownKey <= 'Z');
+    if (!bound || !character)
+        return bound ? bound : ownKey;
+    const CPadBindings::Context context = InputContext();
+    if (context == CPadBindings::Context::NameEntry || context == CPadBindings::Context::Designer)
+        return ownKey;
+    if (const CShip* player = world.GetPlayer())
+        for (const CLaser& laser : player->GetLasers())
+            if (static_cast<unsigned char>(laser.GetFireKey()) == ownKey)
+                return ownKey;
+    return bound;
+}
+
 void CGameApp::DrawComfortNotice()
 {
-    if (CSurface* back = display.GetBack())
-        CComfortNotice::Instance().Draw(*back, smallFont, screenWidth, screenHeight, Platform::TimeGetTime());
+    CSurface* back = display.GetBack();
+    if (!back)
+        return;
+    const std::uint32_t now = Platform::TimeGetTime();
+    if (Platform::TakeScreenshotRequest())
+        screenshots.Take(*back);
+    for (const std::string& outcome : screenshots.TakeOutcomes())
+        CComfortNotice::Instance().Show(outcome, now);
+    CComfortNotice::Instance().Draw(*back, smallFont, screenWidth, screenHeight, now);
 }

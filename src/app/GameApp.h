@@ -2,7 +2,9 @@
 #include "app/FrameSnapshots.h"
 #include "app/GameControl.h"
 #include "app/Recorder.h"
+#include "app/KeyBindings.h"
 #include "app/PadBindings.h"
+#include "app/Screenshots.h"
 #include "core/Random.h"
 #include "core/Trace.h"
 #include "display/Display.h"
@@ -111,11 +113,15 @@ public:
     static KeyRoute RouteKey(std::int32_t state, UINT key, bool pressed, bool hasPlayer);
     // A gamepad control pressed: the keys it stands for where the keys go now.
     PadKeys BindPadControl(PadControl control) override;
+    UINT TranslateKey(int keyCode, UINT ownKey) override;
+    // Where the keys go now, as the pad's and the keyboard's bindings see it.
+    CPadBindings::Context InputContext() const;
     HWND GetMainWindowHandle() const;
 
     // Frame composition.
     void DrawFrame(double elapsedMs);
-    // Over the frame kept, before it is shown: a comfort just changed.
+    // Over the frame kept, before it is shown: a comfort just changed. A
+    // screenshot asked for is taken first, of the frame as the game made it.
     void DrawComfortNotice();
     // The hull and energy numbers beside one ship.
     void DrawShipStats(const CShip& ship, CTextPen& pen);
@@ -185,6 +191,8 @@ public:
     CRecorder recorder;
     CFrameSnapshots snapshots;
     CPadBindings padBindings;
+    CKeyBindings keyBindings;
+    CScreenshots screenshots;
 
 private:
     void CreateFonts();

@@ -13,7 +13,9 @@
 #include "platform/FileStore.h"
 #include "platform/MessageBox.h"
 #include "platform/UserDirs.h"
+#include "platform/Volume.h"
 
+#include <algorithm>
 #include <cctype>
 #include <csignal>
 #include <cstdio>
@@ -102,6 +104,7 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
         Platform::SetWindowModeListener(
             [windowModePath](Platform::WindowMode mode) { RememberWindowMode(windowModePath, mode); });
     TakeScaleMode();
+    TakeVolumes();
 }
 
 void CLaunch::TakeScaleMode()
@@ -117,6 +120,42 @@ void CLaunch::TakeScaleMode()
         comforts->Set("scale", Platform::ScaleModeName(mode));
         comforts->Save(path);
         CComfortNotice::Instance().Show(std::string("Scaling: ") + Platform::ScaleModeName(mode),
+                                        Platform::TimeGetTime());
+    });
+}
+
+std::string CLaunch::VolumeComfortName(VolumeChannel channel)
+{
+    return std::string("volume-") + Platform::VolumeChannelName(channel);
+}
+
+std::optional<int> CLaunch::VolumeNamed(const std::string& text)
+{
+    const auto digit = [](unsigned char c) { return std::isdigit(c) != 0; };
+    if (text.empty() || text.size() > 2 || !std::all_of(text.begin(), text.end(), digit))
+        return std::nullopt;
+    const int step = std::stoi(text);
+    return step <= Platform::VolumeSteps ? std::optional<int>(step) : std::nullopt;
+}
+
+void CLaunch::TakeVolumes()
+{
+    const std::string path = CComforts::Path();
+    for (VolumeChannel channel : {VolumeChannel::Music, VolumeChannel::Effects}) {
+        const std::string name = VolumeComfortName(channel);
+        const std::string remembered = comforts->Get(name);
+        const std::optional<int> step = VolumeNamed(remembered);
+        if (!remembered.empty() && !step)
+            Platform::PrintError(path + ": " + name + " \"" + remembered + "\" is no step from 0 to " +
+                                 std::to_string(Platform::VolumeSteps));
+        Platform::SetVolume(channel, step.value_or(Platform::VolumeSteps));
+    }
+    Platform::SetVolumeListener([path, comforts = comforts](VolumeChannel channel, int step) {
+        comforts->Set(VolumeComfortName(channel), std::to_string(step));
+        comforts->Save(path);
+        const std::string what = channel == VolumeChannel::Music ? "Music" : "Effects";
+        CComfortNotice::Instance().Show(what + " volume: " + std::to_string(step) + "/" +
+                                            std::to_string(Platform::VolumeSteps),
                                         Platform::TimeGetTime());
     });
 }
@@ -174,7 +213,8 @@ std::string CLaunch::UsageText()
            "Top-down space combat with a ship you fit yourself.\n\n" +
            CCommandLine::OptionsHelp(Options()) +
            "\nAlt+Enter switches between the whole screen and a window; F10 steps\n"
-           "through the ways of scaling the picture; the game remembers both. The game runs in the current folder, which must hold\n"
+           "through the ways of scaling the picture; F5/F6 turn the effects down/up,\n"
+           "F7/F8 the music; the game remembers them all. The game runs in the current folder, which must hold\n"
            "its data; it keeps your options and high scores there, in quelvarion.ini.\n"
            "See quelvarion(6).\n";
 }
@@ -225,6 +265,13 @@ void CLaunch::RememberWindowMode(const std::string& path, Platform::WindowMode m
 void CLaunch::Prepare(CGameApp& app)
 {
     Platform::SetLastWords([&app] { app.SaveForEnding(); });
+    app.keyBindings.Load(*comforts);
+    for (const std::string& problem : app.keyBindings.Problems())
+        Platform::PrintError(CComforts::Path() + ": " + problem);
+    if (const std::string fire = comforts->Get(CPadBindings::FireControlsLine); !fire.empty())
+        if (const std::string problem = app.padBindings.TakeFireControls(fire); !problem.empty())
+            Platform::PrintError(CComforts::Path() + ": " + CPadBindings::FireControlsLine + ": " + problem +
+                                 "; the line is left out");
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
     if (request.action != LaunchAction::WatchReplay)

@@ -2,6 +2,7 @@
 #include "app/Comforts.h"
 #include "platform/FolderLock.h"
 #include "platform/Scaling.h"
+#include "platform/Volume.h"
 #include "platform/Window.h"
 
 class CGameApp;
@@ -60,6 +61,11 @@ public:
     static std::optional<Platform::WindowMode> ReadWindowMode(const std::string& path);
     static void RememberWindowMode(const std::string& path, Platform::WindowMode mode);
 
+    // The comforts file's line for a channel's volume, and the step a value
+    // names (a whole number from 0 to the top step), if any.
+    static std::string VolumeComfortName(VolumeChannel channel);
+    static std::optional<int> VolumeNamed(const std::string& text);
+
 private:
     // Says why the game cannot run here, on stderr and in a box, and ends the program.
     [[noreturn]] static void Refuse(const std::string& problem);
@@ -70,6 +76,9 @@ private:
     // The comforts file's mode unless the command line says otherwise; the
     // scaling key's choice is remembered there.
     void TakeScaleMode();
+    // The comforts file's volumes, full where it names none; the volume keys'
+    // steps are remembered there.
+    void TakeVolumes();
 
     LaunchRequest request;
     std::shared_ptr<CComforts> comforts = std::make_shared<CComforts>();

@@ -1,6 +1,27 @@
 #include "app/PadBindings.h"
 
+#include <algorithm>
+#include <sstream>
+
 namespace {
+
+struct NamedControl {
+    PadControl control;
+    const char* name;
+};
+
+// The controls a laser may fire from: every one that steers, pauses or sets
+// the volume (Back) is the game's own.
+constexpr NamedControl FireControlNames[] = {
+    {PadControl::South, "South"},
+    {PadControl::East, "East"},
+    {PadControl::West, "West"},
+    {PadControl::North, "North"},
+    {PadControl::LeftShoulder, "LeftShoulder"},
+    {PadControl::RightShoulder, "RightShoulder"},
+    {PadControl::LeftTrigger, "LeftTrigger"},
+    {PadControl::RightTrigger, "RightTrigger"},
+};
 
 PadKeys Hold(UINT key)
 {
@@ -31,8 +52,8 @@ PadKeys CPadBindings::Bind(PadControl control, const Facts& facts)
         // Start pauses; East is no Escape here, so a slip of the thumb never stops the level.
         if (control == PadControl::Start)
             return Hold(VK_ESCAPE);
-        for (std::size_t i = 0; i < std::size(FireControls) && i < facts.fireKeys.size(); ++i)
-            if (control == FireControls[i])
+        for (std::size_t i = 0; i < fireControls.size() && i < facts.fireKeys.size(); ++i)
+            if (control == fireControls[i])
                 return Hold(static_cast<unsigned char>(facts.fireKeys[i]));
         return {};
     }
@@ -42,6 +63,25 @@ PadKeys CPadBindings::Bind(PadControl control, const Facts& facts)
     case PadControl::Start: return Hold(VK_ESCAPE);
     default: return {};
     }
+}
+
+std::string CPadBindings::TakeFireControls(const std::string& names)
+{
+    std::vector<PadControl> chosen;
+    std::istringstream list(names);
+    for (std::string name; std::getline(list, name, ',');) {
+        name.erase(0, name.find_first_not_of(" \t"));
+        name.erase(name.find_last_not_of(" \t") + 1);
+        const auto named = std::find_if(std::begin(FireControlNames), std::end(FireControlNames),
+                                        [&](const NamedControl& n) { return name == n.name; });
+        if (named == std::end(FireControlNames))
+            return "no control a laser may fire from is called \"" + name + "\"";
+        if (std::find(chosen.begin(), chosen.end(), named->control) != chosen.end())
+            return name + " is named twice";
+        chosen.push_back(named->control);
+    }
+    fireControls = std::move(chosen);
+    return "";
 }
 
 PadKeys CPadBindings::BindForNameEntry(PadControl control, const std::string& name)

@@ -31,12 +31,20 @@ public:
 
     // The characters Up and Down turn through, in the order of Up.
     static constexpr std::string_view Alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 ";
-    // The fire controls, for the first fitted laser to the fifth.
+    // The fire controls, for the first fitted laser to the fifth, unless the
+    // player chose others.
     static constexpr PadControl FireControls[] = {PadControl::RightShoulder, PadControl::LeftShoulder,
                                                   PadControl::RightTrigger, PadControl::LeftTrigger,
                                                   PadControl::West};
+    // The comforts file's line for the player's own fire controls.
+    static constexpr const char* FireControlsLine = "pad-fire";
 
     PadKeys Bind(PadControl control, const Facts& facts);
+    // Fire controls of the player's own, by name in the lasers' order and
+    // separated by commas ("North, RightShoulder"); the lasers past them fire
+    // from none. Empty when taken, else why the line is left out and the
+    // controls stay as they were.
+    std::string TakeFireControls(const std::string& names);
 
 private:
     PadKeys BindForNameEntry(PadControl control, const std::string& name);
@@ -50,4 +58,5 @@ private:
         std::size_t index = 0;
     };
     std::optional<Dial> dial;
+    std::vector<PadControl> fireControls{std::begin(FireControls), std::end(FireControls)};
 };

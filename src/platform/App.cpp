@@ -1,6 +1,7 @@
 #include "platform/App.h"
 
 #include "platform/AudioDevice.h"
+#include "platform/ComfortKeys.h"
 #include "platform/DisplayDevice.h"
 #include "platform/Ending.h"
 #include "platform/Keys.h"
@@ -21,6 +22,10 @@ namespace {
 
 // How long the loop sleeps at most while idle, so a signal is noticed soon.
 constexpr int IdleWaitMs = 100;
+// The name desktops know the game's windows by, its desktop file's: on
+// Wayland the application id, on X11 the window class. Without it SDL takes
+// the program file's name, which an installation may choose otherwise.
+constexpr const char* DesktopAppId = "quelvarion";
 
 std::string& noVideoReason()
 {
@@ -92,6 +97,8 @@ void StartSdl()
 {
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    for (const char* name : {"SDL_VIDEO_WAYLAND_WMCLASS", "SDL_VIDEO_X11_WMCLASS"})
+        ::setenv(name, DesktopAppId, 0); // a player's own choice stays
     if (SDL_WasInit(SDL_INIT_EVENTS) == 0)
         SDL_InitSubSystem(SDL_INIT_EVENTS | SDL_INIT_TIMER);
     if (SDL_WasInit(SDL_INIT_VIDEO) == 0)
@@ -237,6 +244,24 @@ void CPlatformApp::Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lPa
         window->WindowProc(message, wParam, lParam);
 }
 
+UINT CPlatformApp::SentKey(int keyCode, bool down)
+{
+    const auto held = keysDown.find(keyCode);
+    if (!down) {
+        if (held == keysDown.end())
+            return Platform::VirtualKeyFor(keyCode);
+        const UINT sent = held->second;
+        keysDown.erase(held);
+        return sent;
+    }
+    if (held != keysDown.end())
+        return held->second; // a repeat
+    const UINT sent = TranslateKey(keyCode, Platform::VirtualKeyFor(keyCode));
+    if (sent)
+        keysDown[keyCode] = sent;
+    return sent;
+}
+
 void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
 {
     auto& queue = CMessageQueue::Instance();
@@ -261,12 +286,9 @@ void CPlatformApp::TranslateSdlEvent(const SDL_Event& event)
                 w->ToggleFullscreen();
             break; // a window-manager key: the game never sees it
         }
-        if (sym == SDLK_F10) {
-            if (down && !event.key.repeat)
-                Platform::StepScaleMode();
-            break; // how the picture is shown is no business of the game's
-        }
-        if (UINT vk = Platform::VirtualKeyFor(sym))
+        if (Platform::TakeComfortKey(sym, down, event.key.repeat))
+            break;
+        if (UINT vk = SentKey(sym, down))
             queue.Post({w, down ? WM_KEYDOWN : WM_KEYUP, vk, 0});
         break;
     }

@@ -2,6 +2,7 @@
 #include "platform/Gamepads.h"
 #include "platform/Types.h"
 
+#include <map>
 #include <memory>
 #include <string>
 
@@ -42,6 +43,9 @@ protected:
     virtual int ExitInstance() { return exitCode; }
     // What a gamepad control means now, in keys; by default nothing.
     virtual PadKeys BindPadControl(PadControl /*control*/) { return {}; }
+    // The key a keyboard key (the platform's code) sends when pressed now,
+    // given the key of the game's it is itself (0 for none); by default that.
+    virtual UINT TranslateKey(int /*keyCode*/, UINT ownKey) { return ownKey; }
 
     void SetMainWnd(CPlatformWnd* window) { mainWindow = window; }
 
@@ -51,9 +55,12 @@ private:
     bool DispatchPosted();
     void Dispatch(UINT message, HWND window, WPARAM wParam, LPARAM lParam);
     CPlatformWnd* InputWindow() const;
+    // The key a keyboard key's press or release sends: a release the same as its press.
+    UINT SentKey(int keyCode, bool down);
 
     CPlatformWnd* mainWindow = nullptr;
     std::unique_ptr<CGamepads> gamepads;
+    std::map<int, UINT> keysDown; // what each keyboard key held down sent
     int exitCode = 0;
     bool quitTaken = false;
 };

@@ -1,6 +1,7 @@
 #include "platform/AudioDevice.h"
 
 #include "platform/Sequencer.h"
+#include "platform/Volume.h"
 #include "platform/WavePlayer.h"
 
 #include <SDL.h>
@@ -70,11 +71,24 @@ bool CAudioDevice::Open()
     Mix_QuerySpec(&rate, &format, &channels);
     limiter = std::make_unique<CLimiter>(rate);
     mix.assign(static_cast<std::size_t>(OutputChannels * OutputChunkSamples), 0.0f);
+    music.assign(mix.size(), 0.0f);
+    musicGain = Platform::VolumeGain(Platform::GetVolume(VolumeChannel::Music));
     Mix_AllocateChannels(Voice + 1);
-    Mix_Volume(Voice, EffectVolume);
-    Mix_SetPostMix(&CAudioDevice::MixOutput, this);
     open = true;
+    ApplyEffectVolume();
+    Mix_SetPostMix(&CAudioDevice::MixOutput, this);
     return true;
+}
+
+int CAudioDevice::EffectVolumeAt(int step)
+{
+    return static_cast<int>(std::lround(EffectVolume * Platform::VolumeGain(step)));
+}
+
+void CAudioDevice::ApplyEffectVolume()
+{
+    if (open)
+        Mix_Volume(Voice, EffectVolumeAt(Platform::GetVolume(VolumeChannel::Effects)));
 }
 
 void CAudioDevice::Close()
@@ -102,12 +116,30 @@ void CAudioDevice::MixOutput(void* self, std::uint8_t* stream, int bytes)
         float* mix = device.mix.data();
         for (std::size_t i = 0; i < OutputChannels * count; ++i)
             mix[i] = out[i] / FullScale;
-        CSequencer::Instance().Render(mix, count);
+        device.AddMusic(count);
         device.limiter->Process(mix, count);
         for (std::size_t i = 0; i < OutputChannels * count; ++i)
             out[i] = static_cast<std::int16_t>(std::lrint(mix[i] * FullScale));
         done += count;
     }
+}
+
+// The tune at its volume, gliding from the last chunk's volume to the
+// current one so that a step is no click.
+void CAudioDevice::AddMusic(std::size_t frames)
+{
+    std::fill_n(music.begin(), OutputChannels * frames, 0.0f);
+    CSequencer::Instance().Render(music.data(), frames);
+    const float target = Platform::VolumeGain(Platform::GetVolume(VolumeChannel::Music));
+    const float glide = (target - musicGain) / static_cast<float>(frames);
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+        const float gain = musicGain + glide * static_cast<float>(frame + 1);
+        for (std::size_t channel = 0; channel < OutputChannels; ++channel) {
+            const std::size_t i = OutputChannels * frame + channel;
+            mix[i] += gain * music[i];
+        }
+    }
+    musicGain = target;
 }
 
 namespace Platform {

@@ -23,6 +23,8 @@ public:
     int SampleRate() const { return rate; }
     // From now on the output never opens, as on a machine without sound.
     void Disable() { disabled = true; }
+    // Gives the wave voice the effects' volume step, once open.
+    void ApplyEffectVolume();
 
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
@@ -30,15 +32,20 @@ public:
     // scale, come out at 0.53, and the tune's loudest bar (about 0.34, see
     // CSynthesiser) still fits under the limiter's ceiling with them.
     static constexpr int EffectVolume = 76;
+    // The voice's volume at an effects volume step, of the same 128.
+    static int EffectVolumeAt(int step);
 
 private:
     static void MixOutput(void* self, std::uint8_t* stream, int bytes);
+    void AddMusic(std::size_t frames);
 
     bool open = false;
     bool failed = false;
     int rate = 0;
     std::unique_ptr<CLimiter> limiter;
-    std::vector<float> mix; // one chunk of the output, as floats
+    std::vector<float> mix;   // one chunk of the output, as floats
+    std::vector<float> music; // the tune's part of it, before its volume
+    float musicGain = 1.0f;   // where the last chunk's music volume ended
     bool disabled = false;
 };
 

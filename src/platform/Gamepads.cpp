@@ -2,6 +2,7 @@
 
 #include "platform/Clock.h"
 #include "platform/MessageQueue.h"
+#include "platform/Volume.h"
 
 #include <SDL.h>
 
@@ -182,10 +183,27 @@ void CGamepads::OnButton(Pad& pad, int button, bool down, HWND window)
     case SDL_CONTROLLER_BUTTON_RIGHTSHOULDER: source = RightShoulderButton; break;
     default: return; // the guide button, stick clicks, paddles: nothing in this game
     }
+    if (down && StepsVolume(pad, source))
+        return;
     if (down)
         Press(pad, source, window);
     else
         Release(pad, source, window);
+}
+
+// Back, which means nothing in the game, held with the D-pad sets the
+// volume: up and down the music's, left and right the effects'.
+bool CGamepads::StepsVolume(const Pad& pad, Source source)
+{
+    if (!pad.held.count(BackButton))
+        return false;
+    switch (source) {
+    case DpadUp: Platform::StepVolume(VolumeChannel::Music, 1); return true;
+    case DpadDown: Platform::StepVolume(VolumeChannel::Music, -1); return true;
+    case DpadRight: Platform::StepVolume(VolumeChannel::Effects, 1); return true;
+    case DpadLeft: Platform::StepVolume(VolumeChannel::Effects, -1); return true;
+    default: return false;
+    }
 }
 
 void CGamepads::OnAxis(Pad& pad, int axis, int value, HWND window)

@@ -100,6 +100,7 @@ private:
     void Close(std::int32_t instanceId, HWND window);
     Pad* Find(std::int32_t instanceId);
     void OnButton(Pad& pad, int button, bool down, HWND window);
+    bool StepsVolume(const Pad& pad, Source source);
     void OnAxis(Pad& pad, int axis, int value, HWND window);
     void Press(Pad& pad, Source source, HWND window);
     void Release(Pad& pad, Source source, HWND window);

@@ -1,5 +1,7 @@
 #include "platform/Keys.h"
 
+#include <SDL_keyboard.h>
+
 namespace Platform {
 
 UINT VirtualKeyFor(SDL_Keycode key)
@@ -23,6 +25,12 @@ UINT VirtualKeyFor(SDL_Keycode key)
     case SDLK_DOWN: return VK_DOWN;
     default: return 0;
     }
+}
+
+SDL_Keycode KeyCodeNamed(const std::string& name)
+{
+    const SDL_Keycode key = name.empty() ? SDLK_UNKNOWN : SDL_GetKeyFromName(name.c_str());
+    return key == SDLK_UNKNOWN ? 0 : key;
 }
 
 } // namespace Platform

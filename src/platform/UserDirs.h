@@ -9,4 +9,12 @@ namespace Platform {
 // database. Empty when there is no home to be found.
 std::string ConfigHome();
 
+// The player's pictures folder, as the XDG user directories give it:
+// $XDG_PICTURES_DIR when it is absolute, else the folder user-dirs.dirs in the
+// configuration folder names, else ~/Pictures. Empty when there is no home.
+std::string PicturesFolder();
+// The pictures folder a user-dirs.dirs text names ("$HOME/..." or an
+// absolute path, in double quotes), or empty.
+std::string PicturesFolderIn(const std::string& userDirsText, const std::string& home);
+
 } // namespace Platform

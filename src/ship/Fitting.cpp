@@ -18,8 +18,6 @@ constexpr double ArmourStackPenalty = 0.1;
 constexpr double WeightToMass = 0.01;
 constexpr double ThrustScale = 0.01;
 constexpr std::size_t MaxLasers = 3;
-constexpr char FireKeys[] = {'F', 'D', 'S', 'A'};
-constexpr char SpareFireKey = 'G';
 
 // Top speed from the sails' summed speed: 50, plus a term that grows toward
 // 200 as sails are added (and, oddly, again for very small sums).
@@ -206,8 +204,8 @@ void CShip::AddLaser(CLaser& laser)
 {
     if (spaceLeft - laser.GetSize() <= 0 || lasers.size() >= MaxLasers)
         return;
-    char key = SpareFireKey;
-    for (char candidate : FireKeys) {
+    char key = CLaser::SpareFireKey;
+    for (char candidate : CLaser::FittedFireKeys) {
         const bool taken = std::any_of(lasers.begin(), lasers.end(),
                                        [&](const CLaser& fitted) { return fitted.GetFireKey() == candidate; });
         if (!taken) {

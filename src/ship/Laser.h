@@ -13,6 +13,10 @@ public:
         Radiating = 2,
     };
     static constexpr char NoFireKey = ' ';  // until the laser is fitted
+    // The keys lasers get as they are fitted, the first free one in turn;
+    // the spare once all are taken.
+    static constexpr char FittedFireKeys[] = {'F', 'D', 'S', 'A'};
+    static constexpr char SpareFireKey = 'G';
 
     // A laser's own values, for making one with known values.
     struct Values {

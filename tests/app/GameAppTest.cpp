@@ -1,5 +1,9 @@
+#include "app/Comforts.h"
 #include "app/GameWnd.h"
+#include "platform/Keys.h"
+#include "ship/Ship.h"
 #include "support/BitmapFiles.h"
+#include "support/Parts.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
@@ -162,3 +166,33 @@ TEST(StartUp, InitInstanceRunsItsStepsInOrderWaitsTheTitlePauseAndClosingEndsThe
 }
 
 } // namespace
+
+// A key of the player's own sends the game's key it stands for, except where
+// the game reads characters or the key is a laser's: there it is itself.
+TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
+{
+    TestApp t;
+    CComforts comforts;
+    comforts.Parse("key-up = W\nkey-escape = Tab\n");
+    t->keyBindings.Load(comforts);
+    const int w = Platform::KeyCodeNamed("W");
+    const int tab = Platform::KeyCodeNamed("Tab");
+    t->gameState = StateMenu;
+    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>(VK_UP));
+    EXPECT_EQ(t->TranslateKey(tab, 0), static_cast<UINT>(VK_ESCAPE));
+    EXPECT_EQ(t->TranslateKey(Platform::KeyCodeNamed("E"), 'E'), static_cast<UINT>('E'));
+    t->gameState = StateDesign; // fire keys are chosen by letter here
+    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>('W'));
+    EXPECT_EQ(t->TranslateKey(tab, 0), static_cast<UINT>(VK_ESCAPE));
+    t->NewGame();
+    t->gameState = StatePlaying;
+    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>(VK_UP));
+    CLaser laser = qvtest::Laser({});
+    t->world.GetPlayer()->AddComponent(&laser);
+    std::vector<CComponent*> fitted;
+    t->world.GetPlayer()->ListComponents(fitted);
+    for (CComponent* c : fitted) // the player chose W to fire it
+        if (c->GetKind() == KindLaser)
+            static_cast<CLaser*>(c)->SetFireKey('W');
+    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>('W'));
+}

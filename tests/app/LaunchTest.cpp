@@ -1,4 +1,6 @@
+#include "app/KeyBindings.h"
 #include "app/Launch.h"
+#include "platform/Keys.h"
 #include "platform/CommandLine.h"
 #include "platform/UserDirs.h"
 #include "support/BitmapFiles.h"
@@ -8,6 +10,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <optional>
 
 namespace {
@@ -82,6 +85,40 @@ TEST(Comforts, ChangesTouchOnlyTheirOwnLine)
                                "screenshots = on\n");
 }
 
+// Each key line binds all its keys or, with a word why, none; the other
+// lines stand. Letters a laser gets when fitted, and the game's own keys,
+// are never another key's.
+TEST(KeyBindings, LinesBindTheirKeysOrAreLeftOutWhole)
+{
+    struct Case {
+        const char* text;
+        std::map<std::string, UINT> bound; // key name -> the game's key it sends
+        std::vector<std::string> problems;
+    };
+    const Case cases[] = {
+        {"key-up = W, Keypad 8\nkey-left = q\nkey-escape = P", {{"W", VK_UP}, {"Keypad 8", VK_UP}, {"Q", VK_LEFT}, {"P", VK_ESCAPE}}, {}},
+        {"key-up = Up, I", {{"I", VK_UP}, {"Up", 0}}, {}}, // the key itself needs no binding
+        {"key-up = I, Nosuchkey\nkey-down = K",
+         {{"I", 0}, {"K", VK_DOWN}},
+         {"key-up: no key is called \"Nosuchkey\"; the line is left out"}},
+        {"key-left = J, A\nkey-right = L", {{"J", 0}, {"L", VK_RIGHT}}, {"key-left: A is a key a laser fires on; the line is left out"}},
+        {"key-right = G", {{"G", 0}}, {"key-right: G is a key a laser fires on; the line is left out"}},
+        {"key-up = I\nkey-down = I, K", {{"I", VK_UP}, {"K", 0}}, {"key-down: I is taken already; the line is left out"}},
+        {"key-enter = Escape", {{"Escape", 0}}, {"key-enter: Escape is taken already; the line is left out"}},
+        {"key-space = ,", {}, {"key-space: no key is called \"\"; the line is left out"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        CComforts comforts;
+        comforts.Parse(c.text);
+        CKeyBindings bindings;
+        bindings.Load(comforts);
+        for (const auto& [name, key] : c.bound)
+            EXPECT_EQ(bindings.BoundTo(Platform::KeyCodeNamed(name)), key) << name;
+        EXPECT_EQ(bindings.Problems(), c.problems);
+    }
+}
+
 // Options that name a value, as later options (a file to record to) will.
 TEST(CommandLine, ValuesFollowTheirOptionOrAnEqualsSign)
 {
@@ -147,6 +184,24 @@ TEST(UserDirs, ConfigHomeIgnoresEmptyAndRelativeVariables)
     ScopedEnv home("HOME", "ann"); // the user database's home instead
     const std::string found = Platform::ConfigHome();
     EXPECT_TRUE(found.empty() || (found.front() == '/' && found.ends_with("/.config"))) << found;
+}
+
+// The pictures folder as xdg-user-dirs writes it; the last word on it counts.
+TEST(UserDirs, PicturesFolderFromUserDirsFile)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"# written by xdg-user-dirs-update\nXDG_PICTURES_DIR=\"$HOME/Bilder\"\n", "/home/ann/Bilder"},
+        {"XDG_PICTURES_DIR=\"/srv/pics\"\nXDG_MUSIC_DIR=\"$HOME/Music\"", "/srv/pics"},
+        {"XDG_PICTURES_DIR=\"$HOME/a\"\nXDG_PICTURES_DIR=\"$HOME/b\"", "/home/ann/b"},
+        {"XDG_PICTURES_DIR=\"relative\"\nXDG_PICTURES_DIR=$HOME/unquoted\n", ""},
+    };
+    for (const auto& [text, folder] : cases)
+        EXPECT_EQ(Platform::PicturesFolderIn(text, "/home/ann"), folder) << text;
+    qvtest::ScopedWorkDir dir;
+    ScopedEnv home("HOME", "/home/ann");
+    ScopedEnv config("XDG_CONFIG_HOME", dir.Path().c_str()); // with no user-dirs.dirs in it
+    ScopedEnv pictures("XDG_PICTURES_DIR", nullptr);
+    EXPECT_EQ(Platform::PicturesFolder(), "/home/ann/Pictures");
 }
 
 } // namespace

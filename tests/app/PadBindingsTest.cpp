@@ -75,6 +75,26 @@ TEST(PadBindings, EachControlStandsForItsKeyWhereTheKeysGo)
     for (PadControl control : CPadBindings::FireControls)
         fired += Describe(bindings.Bind(control, fiveLasers)) + ",";
     EXPECT_EQ(fired, "hold F,hold D,hold S,hold A,hold G,");
+
+    // The player's own fire controls, in the lasers' order; a bad line changes nothing.
+    struct Choice {
+        const char* line;
+        const char* problem;
+        const char* fired; // by North, RightShoulder, South
+    };
+    const Choice choices[] = {
+        {"North, South", "", "hold F,,hold D,"},
+        {"North, Up", "no control a laser may fire from is called \"Up\"", "hold F,,hold D,"},
+        {"RightShoulder,South,RightShoulder", "RightShoulder is named twice", "hold F,,hold D,"},
+        {" RightShoulder ", "", ",hold F,,"},
+    };
+    for (const Choice& c : choices) {
+        EXPECT_EQ(bindings.TakeFireControls(c.line), c.problem) << c.line;
+        fired.clear();
+        for (PadControl control : {PadControl::North, PadControl::RightShoulder, PadControl::South})
+            fired += Describe(bindings.Bind(control, fiveLasers)) + ",";
+        EXPECT_EQ(fired, c.fired) << c.line;
+    }
 }
 
 // Name entry by a pad: Up and Down turn the character at the end of the name

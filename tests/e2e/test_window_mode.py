@@ -3,14 +3,16 @@ icon, and --trace writes the trace calls to stderr in their order, each with
 its time since the start. Alt+Enter's choice is remembered for the next start;
 --fullscreen and --windowed overrule it for one run. On large screens the
 picture fills the screen as --scale or F10 says, and F10's choice is
-remembered too."""
+remembered too, as are the volume keys' steps. F12 keeps the game's frame as
+a PNG, and keys of the player's own stand for the game's."""
 import os
 import re
 import shutil
 import subprocess
 import tempfile
 
-from quelvarion_e2e import SCREEN_HEIGHT, SCREEN_WIDTH, Game, expect_equal, fail, run
+from quelvarion_e2e import (SCREEN_HEIGHT, SCREEN_WIDTH, Game, expect_equal, fail, picture_file, run,
+                            settings_text)
 
 WINDOW = (1024, 768)
 NOTICE_GREY = (150, 150, 150)
@@ -112,5 +114,39 @@ def scaling():
         shutil.rmtree(config, ignore_errors=True)
 
 
+def comforts_keys():
+    config = tempfile.mkdtemp(prefix="qv-e2e-config-")
+    pictures = os.path.join(config, "pictures", "Quelvarion")
+    os.makedirs(os.path.join(config, "quelvarion"))
+    comforts = os.path.join(config, "quelvarion", "comforts")
+    with open(comforts, "w") as f:
+        f.write("key-down = K\nkey-up = A\nvolume-music = 3\n")
+    os.environ["XDG_PICTURES_DIR"] = os.path.dirname(pictures)
+    try:
+        with Game(args=["--windowed"], screen=WINDOW, config_home=config,
+                  settings=settings_text({"Background Stars": "Off"})) as game:
+            game.wait_title_pause()
+            menu = game.screenshot()
+            game.keys("K")  # Down, so the next entry is chosen
+            game.wait_for_screen(lambda shot: shot.mean_difference(menu) > 0, timeout=5)
+            game.keys("F8", "F5", "F12")
+            game.wait_for_screen(lambda shot: os.path.isdir(pictures) and os.listdir(pictures), timeout=10)
+            # The frame as the game made it; on the screen the notice lies over its foot.
+            taken = picture_file(os.path.join(pictures, os.listdir(pictures)[0]), *WINDOW)
+            top = (0, 0, WINDOW[0], 700)
+            expect_equal(taken.crop(*top).pixels == game.screenshot().crop(*top).pixels, True,
+                         "the screenshot's pixels against the screen's")
+            with open(game.log_path()) as f:
+                if "key-up: A is a key a laser fires on; the line is left out" not in f.read():
+                    fail("no word about the key line left out")
+        with open(comforts) as f:
+            expect_equal(f.read(), "key-down = K\nkey-up = A\nvolume-music = 4\nvolume-effects = 9\n",
+                         "the comforts file")
+    finally:
+        del os.environ["XDG_PICTURES_DIR"]
+        shutil.rmtree(config, ignore_errors=True)
+
+
 run(window_mode)
 run(scaling)
+run(comforts_keys)

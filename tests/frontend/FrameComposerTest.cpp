@@ -1,13 +1,22 @@
 #include "support/DisplayApp.h"
 #include "support/TextLog.h"
 
+#include "app/ComfortNotice.h"
+#include "app/Screenshots.h"
+#include "platform/Clock.h"
+#include "platform/ComfortKeys.h"
 #include "ship/Ship.h"
+#include "support/AudioFiles.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
 using namespace qvtest;
+namespace fs = std::filesystem;
 
 // A ship at a place, with its gauges set directly.
 struct GaugedShip : CShip {
@@ -80,6 +89,38 @@ TEST_F(FrameTest, ReadoutsBesideShieldedShipsTakeTheColourOfTheirFractions)
     d->menus.SetOptionOn(OptionStats, false);
     Frame();
     EXPECT_EQ(Place("(50)"), "absent");
+}
+
+// The screenshot key keeps the frame as composed, before any notice covers
+// it, as a 1024 x 768 PNG (its pixels against the screen's: the window_mode
+// flow); a second picture in the same second takes a name of its own, and a
+// folder that cannot be made is a word, not a fault.
+TEST_F(FrameTest, ScreenshotsKeepTheFrameUnderNamesOfTheirOwn)
+{
+    ScopedEnv pictures("XDG_PICTURES_DIR", (fs::current_path() / "pictures").string());
+    Frame();
+    Platform::RequestScreenshot();
+    d->DrawComfortNotice();
+    d->screenshots.Finish();
+    d->DrawComfortNotice(); // what became of it is shown as it comes
+    const fs::directory_iterator taken("pictures/Quelvarion");
+    ASSERT_NE(taken, fs::directory_iterator());
+    EXPECT_EQ(CComfortNotice::Instance().Current(Platform::TimeGetTime()),
+              "Screenshot: " + taken->path().filename().string());
+    std::ifstream in(taken->path(), std::ios::binary);
+    std::string head(24, '\0');
+    in.read(head.data(), 24);
+    EXPECT_EQ(head.substr(0, 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_EQ(head.substr(16), std::string("\0\0\x04\0\0\0\x03\0", 8)); // 1024 x 768
+
+    const CScreenshots::Frame frame{std::vector<std::uint16_t>(4 * 3, 0xFFFF), 4, 3, 0};
+    std::tm when{};
+    localtime_r(&frame.when, &when);
+    for (int number : {1, 2})
+        EXPECT_EQ(CScreenshots::Write(frame, "second"), "Screenshot: " + CScreenshots::FileName(when, number));
+    EXPECT_TRUE(CScreenshots::FileName(when, 2).ends_with("-2.png"));
+    std::ofstream("blocked"); // a file where the folder would go
+    EXPECT_EQ(CScreenshots::Write(frame, "blocked/Quelvarion").rfind("Screenshot not saved: ", 0), 0u);
 }
 
 } // namespace

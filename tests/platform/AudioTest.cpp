@@ -1,6 +1,7 @@
 #include "platform/AudioDevice.h"
 #include "platform/MessageQueue.h"
 #include "platform/Sequencer.h"
+#include "platform/Volume.h"
 #include "platform/WaveFile.h"
 #include "platform/WavePlayer.h"
 #include "platform/Window.h"
@@ -8,6 +9,7 @@
 #include "support/TestApp.h"
 
 #include <SDL.h>
+#include <SDL_mixer.h>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +17,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 
 namespace {
 
@@ -121,16 +124,38 @@ TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
 
 // SDL's disk driver writes the mixed output (16-bit stereo, 44100 Hz) to a
 // file; QV_RECORDING_DIR keeps the recording for a closer listen.
-TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
+std::vector<std::int16_t> Recorded(const std::function<void()>& play)
 {
-    WriteWave("shot.wav", 400);
-    WriteTune("tune.mid", 300);
     const char* keep = std::getenv("QV_RECORDING_DIR");
     const std::string file = std::string(keep ? keep : ".") + "/output.raw";
     {
         ScopedEnv driver("SDL_AUDIODRIVER", "disk");
         ScopedEnv output("SDL_DISKAUDIOFILE", file);
         Platform::CloseAudio();
+        play();
+        SDL_Delay(400); // what was played ahead is heard
+        Platform::CloseAudio();
+    }
+    std::ifstream in(file, std::ios::binary);
+    std::vector<std::int16_t> samples;
+    for (std::int16_t block[882]; in.read(reinterpret_cast<char*>(block), sizeof block);)
+        samples.insert(samples.end(), std::begin(block), std::end(block));
+    return samples;
+}
+
+int PeakOf(std::vector<std::int16_t>::const_iterator from, std::vector<std::int16_t>::const_iterator to)
+{
+    int peak = 0;
+    for (auto at = from; at != to; ++at)
+        peak = std::max(peak, std::abs(static_cast<int>(*at)));
+    return peak;
+}
+
+TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
+{
+    WriteWave("shot.wav", 400);
+    WriteTune("tune.mid", 300);
+    const std::vector<std::int16_t> samples = Recorded([&] {
         ASSERT_TRUE(Platform::PlaySound("shot.wav", SND_FILENAME | SND_SYNC));
         MCIDEVICEID id = 0;
         ASSERT_EQ(Open("tune.mid", id), 0u);
@@ -140,17 +165,10 @@ TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
         ASSERT_EQ(Seek(id), 0u);
         ASSERT_EQ(Play(id), 0u);
         ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
-        SDL_Delay(400); // what was played ahead is heard
-        Platform::CloseAudio();
-    }
-    std::ifstream in(file, std::ios::binary);
-    std::vector<std::int16_t> samples;
-    for (std::int16_t block[882]; in.read(reinterpret_cast<char*>(block), sizeof block);)
-        samples.insert(samples.end(), std::begin(block), std::end(block));
+    });
     std::vector<int> peaks; // of each hundredth of a second
     for (std::size_t at = 0; at + 882 <= samples.size(); at += 882)
-        peaks.push_back(std::abs(*std::max_element(samples.begin() + at, samples.begin() + at + 882,
-                                                   [](int a, int b) { return std::abs(a) < std::abs(b); })));
+        peaks.push_back(PeakOf(samples.begin() + at, samples.begin() + at + 882));
     ASSERT_GE(peaks.size(), 50u);
     EXPECT_GT(*std::max_element(peaks.begin(), peaks.begin() + 20), 5000) << "the shot";
     const auto tuneStart = std::find_if(peaks.begin() + 45, peaks.end(), [](int peak) { return peak > 300; });
@@ -158,6 +176,58 @@ TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
     // Two plays of 0.9 s each, one straight after the other.
     EXPECT_GT(*std::min_element(tuneStart, tuneStart + 170), 30) << "a pause in the music";
     EXPECT_LE(*std::max_element(peaks.begin(), peaks.end()), static_cast<int>(CLimiter::Ceiling * 32768) + 1);
+}
+
+// Each channel's step reaches the mixer on its own: the effects' voice at the
+// step's volume, and the tune heard at the step's share of full loudness;
+// the lowest step is silence.
+TEST_F(AudioTest, VolumeStepsReachTheMixer)
+{
+    WriteWave("shot.wav", 200);
+    WriteTune("tune.mid", 100);
+    struct Step {
+        int step;
+        int voiceVolume; // of SDL_mixer's 128
+        double share;    // of the loudness at the top step
+    };
+    const Step steps[] = {{10, CAudioDevice::EffectVolume, 1.0}, {5, 19, 0.25}, {0, 0, 0.0}};
+    struct Restore {
+        ~Restore()
+        {
+            Platform::SetVolume(VolumeChannel::Music, Platform::VolumeSteps);
+            Platform::SetVolume(VolumeChannel::Effects, Platform::VolumeSteps);
+        }
+    } restore;
+    int fullShot = 0;
+    int fullTune = 0;
+    for (const Step& row : steps) {
+        SCOPED_TRACE(row.step);
+        // The other channel at full: a step never spills over.
+        Platform::SetVolume(VolumeChannel::Music, Platform::VolumeSteps);
+        Platform::SetVolume(VolumeChannel::Effects, row.step);
+        const auto shot = Recorded([&] {
+            ASSERT_TRUE(Platform::PlaySound("shot.wav", SND_FILENAME | SND_SYNC));
+            EXPECT_EQ(Mix_Volume(CAudioDevice::Voice, -1), row.voiceVolume);
+        });
+        Platform::SetVolume(VolumeChannel::Effects, Platform::VolumeSteps);
+        Platform::SetVolume(VolumeChannel::Music, row.step);
+        const auto tune = Recorded([&] {
+            MCIDEVICEID id = 0;
+            ASSERT_EQ(Open("tune.mid", id), 0u);
+            ASSERT_EQ(Play(id), 0u);
+            ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
+        });
+        const int shotPeak = PeakOf(shot.begin(), shot.end());
+        const int tunePeak = PeakOf(tune.begin(), tune.end());
+        if (row.step == Platform::VolumeSteps) {
+            fullShot = shotPeak;
+            fullTune = tunePeak;
+            ASSERT_GT(fullShot, 5000);
+            ASSERT_GT(fullTune, 1000);
+        }
+        EXPECT_NEAR(shotPeak, row.share * fullShot, 0.02 * fullShot + 1) << "the shot";
+        EXPECT_NEAR(tunePeak, row.share * fullTune, 0.02 * fullTune + 1) << "the tune";
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "platform/Clock.h"
 #include "platform/Gamepads.h"
 #include "platform/MessageQueue.h"
+#include "platform/Volume.h"
 #include "platform/Window.h"
 #include "support/TestApp.h"
 #include "support/VirtualPad.h"
@@ -202,6 +203,31 @@ TEST_F(GamepadsTest, HeldDirectionsRepeat)
     EXPECT_EQ(asked, 2);
     pad.Set(SDL_CONTROLLER_BUTTON_DPAD_UP, false);
     EXPECT_EQ(Pump(), "");
+}
+
+// Back held with the D-pad steps the volumes, and the game hears no key of it.
+TEST_F(GamepadsTest, BackWithTheDpadStepsTheVolumes)
+{
+    Platform::SetVolume(VolumeChannel::Music, 5);
+    Platform::SetVolume(VolumeChannel::Effects, 5);
+    Start();
+    VirtualPad pad;
+    Pump();
+    pad.Set(SDL_CONTROLLER_BUTTON_BACK, true);
+    EXPECT_EQ(Pump(), "+Back");
+    for (auto button : {SDL_CONTROLLER_BUTTON_DPAD_UP, SDL_CONTROLLER_BUTTON_DPAD_LEFT, SDL_CONTROLLER_BUTTON_DPAD_LEFT}) {
+        pad.Set(button, true);
+        EXPECT_EQ(Pump(), "");
+        pad.Set(button, false);
+        EXPECT_EQ(Pump(), "");
+    }
+    EXPECT_EQ(Platform::GetVolume(VolumeChannel::Music), 6);
+    EXPECT_EQ(Platform::GetVolume(VolumeChannel::Effects), 3);
+    pad.Set(SDL_CONTROLLER_BUTTON_BACK, false);
+    pad.Set(SDL_CONTROLLER_BUTTON_DPAD_UP, true);
+    EXPECT_EQ(Pump(), "-Back +Up");
+    Platform::SetVolume(VolumeChannel::Music, Platform::VolumeSteps);
+    Platform::SetVolume(VolumeChannel::Effects, Platform::VolumeSteps);
 }
 
 // A mapping given in SDL_GAMECONTROLLERCONFIG makes a pad SDL does not know

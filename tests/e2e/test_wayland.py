@@ -1,0 +1,176 @@
+"""The game as a native Wayland client, on SDL's wayland video driver, under
+Debian's weston: its window carries the desktop file's application id and
+the game's title, it fills the output, keys reach the menus and Alt+Enter
+the game's window mode (remembered each time), the frame pacer keeps no more
+than 60 pictures a second, and a signal still ends the game in order.
+
+Weston runs nested in an X server of its own, as it would in a window on a
+desktop: its headless backend offers no seat (no keyboard at all), and SDL
+2.26 crashes starting its video on a compositor without one. Its kiosk shell
+gives the keyboard to the game's window at once (the desktop shell waits for
+the pointer, which a busy machine makes a matter of luck) and keeps every
+window over the whole output, so Alt+Enter changes what the game asks, not
+what the compositor shows. What the game asks of the compositor and what it
+answers is read from the Wayland protocol log (WAYLAND_DEBUG)."""
+import os
+import re
+import shutil
+import signal
+import statistics
+import subprocess
+import tempfile
+import time
+
+from quelvarion_e2e import expect_equal, fail, link_game_data, run, start_xvfb
+
+OUTPUT = (1280, 1024)
+SOCKET = "qv-wayland"
+MENU_STEP = 50  # pixels between two entries of the main menu, whose chosen entry is yellow
+# The median time between two pictures: never faster than the output's 60 Hz,
+# and drawing on. How near 60 a second it comes on a busy machine, where the
+# compositor draws in software too, is printed, not held to.
+FRAME_MS = (14.0, 100.0)
+
+
+def wait_until(condition, what, timeout=20):
+    deadline = time.monotonic() + timeout
+    while not condition():
+        if time.monotonic() > deadline:
+            fail(f"never: {what}")
+        time.sleep(0.2)
+
+
+class Wayland:
+    """Weston in an X server of its own, and the game on it."""
+
+    def __init__(self):
+        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-wayland-")
+        self.runtime = os.path.join(self.scratch, "run")
+        self.folder = os.path.join(self.scratch, "game")
+        self.config = os.path.join(self.scratch, "config")
+        self.log = os.path.join(self.scratch, "game.log")
+        self.processes = []
+        self.moves = 0
+
+    def __enter__(self):
+        os.makedirs(self.runtime, mode=0o700)
+        os.makedirs(self.folder)
+        link_game_data(self.folder)
+        xvfb, self.display = start_xvfb(OUTPUT)
+        self.processes.append(xvfb)
+        width, height = OUTPUT
+        self.processes.append(subprocess.Popen(
+            ["weston", "--backend=x11-backend.so", "--use-pixman", f"--socket={SOCKET}", f"--width={width}",
+             f"--height={height}", "--idle-time=0", "--shell=kiosk-shell.so"],
+            env=dict(os.environ, DISPLAY=self.display, XDG_RUNTIME_DIR=self.runtime),
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+        wait_until(lambda: os.path.exists(os.path.join(self.runtime, SOCKET)), "weston listens")
+        env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "SDL_VIDEODRIVER")}
+        env.update(WAYLAND_DISPLAY=SOCKET, XDG_RUNTIME_DIR=self.runtime, SDL_VIDEODRIVER="wayland",
+                   WAYLAND_DEBUG="client", SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=self.config,
+                   XDG_DATA_HOME=self.scratch)
+        with open(self.log, "wb") as log:
+            self.game = subprocess.Popen([os.environ["QV_GAME"], "--windowed"], cwd=self.folder, env=env,
+                                         stdout=subprocess.DEVNULL, stderr=log)
+        self.processes.insert(0, self.game)
+        return self
+
+    def __exit__(self, kind, value, trace):
+        if kind is not None:
+            keep = os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir())
+            subprocess.run(["import", "-window", "root", os.path.join(keep, "qv-e2e-test_wayland.png")],
+                           env=dict(os.environ, DISPLAY=self.display), check=False)
+            print(self.protocol()[-3000:])
+        for process in self.processes:
+            if process.poll() is None:
+                process.kill()
+                process.wait()
+        shutil.rmtree(self.scratch, ignore_errors=True)
+        return False
+
+    def protocol(self):
+        with open(self.log, errors="replace") as f:
+            return f.read()
+
+    def x(self, *command):
+        return subprocess.run(list(command), env=dict(os.environ, DISPLAY=self.display), capture_output=True,
+                              check=True, timeout=10).stdout
+
+    def has_keyboard(self):
+        focus = re.findall(r"wl_keyboard@\d+\.(enter|leave)\(", self.protocol())
+        return bool(focus) and focus[-1] == "enter"
+
+    def give_keyboard(self):
+        """Weston's own window takes the X keyboard, and gives it to the window under
+        the pointer, which must move to be seen. False: it is not given yet."""
+        weston = re.findall(r"(0x[0-9a-f]+) \"Weston Compositor", self.x("xwininfo", "-root", "-children").decode())
+        if weston:
+            self.x("xdotool", "windowfocus", "--sync", weston[0])
+            self.moves += 1
+            self.x("xdotool", "mousemove", str(OUTPUT[0] // 2 + self.moves % 2 * 10), str(OUTPUT[1] // 2))
+        return False
+
+    def chosen_entry(self):
+        """The height of the yellow on the screen (the menu's chosen entry), or None: the
+        compositor places the window where it likes."""
+        width, height = OUTPUT
+        band = 300  # wide, about the middle, where the entries' names are
+        raw = self.x("import", "-window", "root", "-crop", f"{band}x{height}+{(width - band) // 2}+0", "-depth", "8",
+                     "rgb:-")
+        rows = [i // 3 // band for i in range(0, len(raw) - 2, 3)
+                if raw[i] > 200 and raw[i + 1] > 200 and raw[i + 2] < 100]
+        return statistics.mean(rows) if len(rows) > 50 else None
+
+    def frame_intervals(self, seconds):
+        """The milliseconds between the game window's pictures over a while."""
+        surface = re.findall(r"get_xdg_surface\(new id xdg_surface@\d+, (wl_surface@\d+)\)", self.protocol())
+        if not surface:
+            fail("the game made no window of its own")
+        start = len(self.protocol())
+        time.sleep(seconds)
+        times = [float(t) for t in re.findall(r"\[ *(\d+\.\d+)\]  -> " + surface[0] + r"\.commit\(\)",
+                                               self.protocol()[start:])]
+        return [b - a for a, b in zip(times, times[1:])]
+
+
+def wayland():
+    if not shutil.which("weston"):
+        print("skipped: weston is not installed")
+        return
+    with Wayland() as w:
+        wait_until(lambda: 'set_app_id("quelvarion")' in w.protocol(), "the desktop file's application id")
+        if 'set_title("Quelvarion")' not in w.protocol():
+            fail("no title")
+        # The title gives way to the menu once the window has the keyboard.
+        wait_until(lambda: (w.has_keyboard() or w.give_keyboard()) and w.chosen_entry() is not None,
+                   "the main menu", timeout=40)
+        first = w.chosen_entry()
+        w.x("xdotool", "key", "Down")
+        wait_until(lambda: (w.chosen_entry() or 0) > first + MENU_STEP / 2, "Down reached the menu", timeout=5)
+
+        intervals = w.frame_intervals(3)
+        median = statistics.median(intervals) if intervals else 0
+        if not FRAME_MS[0] <= median <= FRAME_MS[1]:
+            fail(f"a picture every {median:.1f} ms")
+        print(f"{len(intervals)} pictures in 3 s; median {median:.2f} ms, longest {max(intervals):.1f} ms")
+
+        width, height = OUTPUT
+        if not re.search(rf"xdg_toplevel@\d+\.configure\({width}, {height}, ", w.protocol()):
+            fail("the window never filled the output")
+        mode_file = os.path.join(w.config, "quelvarion", "window-mode")
+        remembered = lambda: open(mode_file).read() if os.path.exists(mode_file) else ""
+        modes = []
+        for _ in range(3):  # each press the other mode from what the window is now
+            before = remembered()
+            w.x("xdotool", "key", "alt+Return")
+            wait_until(lambda: remembered() not in ("", before), "Alt+Enter reached the game", timeout=5)
+            modes.append(remembered().strip())
+        if set(modes) != {"fullscreen", "windowed"}:
+            fail(f"Alt+Enter went {modes}")
+        print(f"full screen asked of the compositor {w.protocol().count('.set_fullscreen(')} times")
+
+        w.game.send_signal(signal.SIGTERM)
+        expect_equal(w.game.wait(timeout=10), 0, "the game's exit status after SIGTERM")
+
+
+run(wayland)
