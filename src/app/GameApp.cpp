@@ -2,10 +2,12 @@
 
 #include "app/ComfortNotice.h"
 #include "app/GameWnd.h"
+#include "app/ReplayShow.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
 #include "platform/Ending.h"
+#include "platform/Keys.h"
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
 
@@ -325,6 +327,8 @@ void CGameApp::OnKeyMessage(UINT key, bool pressed)
         OnReplayLiveKey(key, pressed);
         return;
     }
+    if (Platform::IsWatchingKey(key))
+        return; // the game as played knows nothing of them
     recorder.Input(pressed ? WM_KEYDOWN : WM_KEYUP, key);
     dispatchingInput = true;
     OnKey(key, pressed);
@@ -369,6 +373,8 @@ void CGameApp::OnKey(UINT key, bool pressed)
 
 PadKeys CGameApp::BindPadControl(PadControl control)
 {
+    if (replayShow)
+        return CReplayShow::PadKeysFor(control);
     using Context = CPadBindings::Context;
     CPadBindings::Facts facts;
     const CShip* player = world.GetPlayer();

@@ -40,9 +40,41 @@ const std::vector<OptionSpec>& Options()
         {"trace", "", "write the trace, each line timed, to stderr"},
         {"record", "FILE", "play, and keep the game in FILE as a replay"},
         {"replay", "FILE", "watch the game kept in FILE (Escape stops, Space pauses)"},
+        {"from", "SECONDS", "with --replay: start watching SECONDS into the game"},
+        {"level", "N", "with --replay: start watching where level N began"},
         {"verify", "FILE", "check FILE's game without a window; exit 0 if it plays as recorded"},
     };
     return options;
+}
+
+// --from and --level: where a replay watched starts. False, with the request
+// refused, for a value that is no such place.
+bool ReadStart(const CCommandLine& line, LaunchRequest& request)
+{
+    const auto refuse = [&request](const std::string& why) {
+        request.action = LaunchAction::BadUsage;
+        request.error = why;
+        return false;
+    };
+    if ((line.Has("from") || line.Has("level")) && !line.Has("replay"))
+        return refuse("--from and --level go with --replay");
+    if (line.Has("from")) {
+        const std::string text = line.Value("from");
+        char* end = nullptr;
+        const double seconds = std::strtod(text.c_str(), &end);
+        if (text.empty() || *end != '\0' || !(seconds >= 0.0) || seconds > CReplayShow::LongestStartSeconds)
+            return refuse("--from takes a number of seconds, not \"" + text + "\"");
+        request.fromSeconds = seconds;
+    }
+    if (line.Has("level")) {
+        const std::string text = line.Value("level");
+        char* end = nullptr;
+        const long level = std::strtol(text.c_str(), &end, 10);
+        if (text.empty() || *end != '\0' || level < 1 || level > CReplayShow::HighestStartLevel)
+            return refuse("--level takes a level number from 1, not \"" + text + "\"");
+        request.fromLevel = static_cast<std::int32_t>(level);
+    }
+    return true;
 }
 
 std::string CurrentFolder()
@@ -159,6 +191,8 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
             return request;
         }
     }
+    if (!ReadStart(*line, request))
+        return request;
     if (line->Has("windowed"))
         request.windowMode = Platform::WindowMode::Windowed;
     else if (line->Has("fullscreen"))
@@ -237,6 +271,8 @@ void CLaunch::Prepare(CGameApp& app)
     }
     CGameApp::PlaysByOurRules(replay.header, request.replayFile);
     replayShow = std::make_unique<CReplayShow>(app, std::move(replay));
+    replayShow->StartAtLevel(request.fromLevel);
+    replayShow->StartAtMs(request.fromSeconds * 1000.0);
     app.SetReplayShow(replayShow.get());
 }
 

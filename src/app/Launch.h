@@ -7,6 +7,7 @@
 class CGameApp;
 class CReplayShow;
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +25,8 @@ struct LaunchRequest {
     std::optional<ScaleMode> scaleMode;             // --scale
     std::string recordFile;                          // --record: where the game is kept as well
     std::string replayFile;                          // --replay or --verify: the replay to play
+    double fromSeconds = 0.0;                        // --from: where watching starts, in recorded seconds
+    std::int32_t fromLevel = 0;                      // --level: the level watching starts at
 };
 
 // Everything settled before the application object is built: the command

@@ -104,6 +104,8 @@ void CAudioDevice::MixOutput(void* self, std::uint8_t* stream, int bytes)
             mix[i] = out[i] / FullScale;
         CSequencer::Instance().Render(mix, count);
         device.limiter->Process(mix, count);
+        if (device.silenced)
+            std::fill(mix, mix + OutputChannels * count, 0.0f);
         for (std::size_t i = 0; i < OutputChannels * count; ++i)
             out[i] = static_cast<std::int16_t>(std::lrint(mix[i] * FullScale));
         done += count;
@@ -115,6 +117,11 @@ namespace Platform {
 void DisableAudio()
 {
     CAudioDevice::Instance().Disable();
+}
+
+void SilenceAudio(bool silent)
+{
+    CAudioDevice::Instance().SetSilenced(silent);
 }
 
 void CloseAudio()

@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/Limiter.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -23,6 +24,8 @@ public:
     int SampleRate() const { return rate; }
     // From now on the output never opens, as on a machine without sound.
     void Disable() { disabled = true; }
+    // Silenced, the output plays nothing, while the tune goes on in time.
+    void SetSilenced(bool silent) { silenced = silent; }
 
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
@@ -40,6 +43,7 @@ private:
     std::unique_ptr<CLimiter> limiter;
     std::vector<float> mix; // one chunk of the output, as floats
     bool disabled = false;
+    std::atomic<bool> silenced{false};
 };
 
 namespace Platform {
@@ -48,4 +52,6 @@ namespace Platform {
 void CloseAudio();
 // For runs no one listens to: every sound and tune refuses quietly.
 void DisableAudio();
+// For a replay watched too fast to follow by ear, or while it seeks.
+void SilenceAudio(bool silent);
 } // namespace Platform

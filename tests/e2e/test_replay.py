@@ -189,10 +189,15 @@ def damaged_replay_changes_nothing(replay_file, work):
     expect_equal(open(os.path.join(folder, SETTINGS_FILE), "rb").read(), kept, "the settings after --replay")
 
 
-def watched_seconds(replay_file):
-    """How long --replay shows the recording, the hold on its last picture left out."""
-    with Game(args=["--replay", replay_file]) as game:
+def watched_seconds(replay_file, keys=(), args=()):
+    """How long --replay shows the recording, the hold on its last picture left
+    out; keys are pressed as soon as its window is up. Status 0 says every
+    frame the rules made stood as recorded."""
+    with Game(args=["--replay", replay_file, *args]) as game:
         start = time.monotonic()
+        if keys:
+            game.wait_for_window()
+            game.keys(*keys)
         expect_equal(game.wait_exit(timeout=120), 0, f"exit status of --replay {os.path.basename(replay_file)}")
         return time.monotonic() - start - END_HOLD_S
 
@@ -208,6 +213,16 @@ def recorded_pace_flow():
         # recording only has to play through and close.
         if abs(seconds - 24.0) > 24.0 * 0.05 and not os.environ.get("QV_SANITIZED"):
             fail(f"24 s recorded in 4 ms frames took {seconds:.1f} s to watch")
+        # Faster shows fewer of the same frames; slower holds them (stopped
+        # after a while); a start further on skips to it. Every frame made is
+        # checked against the recording as it is made.
+        for keys, args, most in ((("6",), (), 8.0), (("1", "period", "comma", "Left", "Next", "Prior"), (), 30.0),
+                                 ((), ("--from", "20"), 8.0), (("7",), ("--level", "9"), 30.0)):
+            if keys and keys[0] == "1":
+                keys = keys + ("space",) * 2 + ("Escape",)
+            seconds = watched_seconds(fast, keys, args)
+            if seconds > most and not os.environ.get("QV_SANITIZED"):
+                fail(f"--replay {' '.join(args)} with keys {keys} took {seconds:.1f} s")
 
         # A recording of format 1 (no checksum) with focus lost after its last frame.
         data = open(os.path.join(GOLDEN, "hand-level6.qvr"), "rb").read()
