@@ -50,6 +50,7 @@ command desktop-file-validate desktop-file-utils
 command appstreamcli    appstream
 command man             man-db
 command setpriv         util-linux
+command ffmpeg          ffmpeg
 EOF
 }
 

@@ -3,6 +3,7 @@
 #include "app/ComfortNotice.h"
 #include "app/GameApp.h"
 #include "app/GameVersion.h"
+#include "app/ReplayExport.h"
 #include "app/ReplayShow.h"
 #include "frontend/MenuSystem.h"
 #include "platform/AudioDevice.h"
@@ -42,6 +43,8 @@ const std::vector<OptionSpec>& Options()
         {"replay", "FILE", "watch the game kept in FILE (Escape stops, Space pauses)"},
         {"from", "SECONDS", "with --replay: start watching SECONDS into the game"},
         {"level", "N", "with --replay: start watching where level N began"},
+        {"export", "VIDEO", "--export VIDEO REPLAY: write REPLAY as an MP4 video with sound, and exit"},
+        {"size", "WxH", "with --export: the video's size (the game's 1024x768 by default)"},
         {"verify", "FILE", "check FILE's game without a window; exit 0 if it plays as recorded"},
     };
     return options;
@@ -77,6 +80,53 @@ bool ReadStart(const CCommandLine& line, LaunchRequest& request)
     return true;
 }
 
+// The replay named after --export's video, taken out of the arguments: the
+// one word the command line has that belongs to no option.
+std::string TakeExportedReplay(std::vector<std::string>& arguments)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& a = arguments[i];
+        const std::size_t replayAt = a == "--export" ? i + 2 : a.rfind("--export=", 0) == 0 ? i + 1 : 0;
+        if (replayAt == 0 || replayAt >= arguments.size() || arguments[replayAt].rfind("--", 0) == 0)
+            continue;
+        const std::string replay = arguments[replayAt];
+        arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(replayAt));
+        return replay;
+    }
+    return "";
+}
+
+// --export VIDEO REPLAY and --size WxH.
+bool ReadExport(const CCommandLine& line, const std::string& replay, LaunchRequest& request)
+{
+    const auto refuse = [&request](const std::string& why) {
+        request.action = LaunchAction::BadUsage;
+        request.error = why;
+        return false;
+    };
+    if (line.Has("size") && !line.Has("export"))
+        return refuse("--size goes with --export");
+    if (!line.Has("export"))
+        return true;
+    if (line.Value("export").empty() || replay.empty())
+        return refuse("--export takes the video to write and the replay to write it from: --export VIDEO REPLAY");
+    request.videoFile = line.Value("export");
+    request.replayFile = replay;
+    request.windowMode = Platform::WindowMode::Windowed; // the game's own size, on no screen
+    if (line.Has("size")) {
+        const std::string text = line.Value("size");
+        unsigned width = 0, height = 0;
+        char end = 0;
+        // Even sizes: the video's colour is kept at half resolution.
+        if (std::sscanf(text.c_str(), "%ux%u%c", &width, &height, &end) != 2 || width < 16 || height < 16 ||
+            width > CReplayExport::LargestSide || height > CReplayExport::LargestSide || width % 2 || height % 2)
+            return refuse("--size takes an even width and height such as 1920x1440, not \"" + text + "\"");
+        request.videoWidth = static_cast<std::int32_t>(width);
+        request.videoHeight = static_cast<std::int32_t>(height);
+    }
+    return true;
+}
+
 std::string CurrentFolder()
 {
     std::error_code error;
@@ -106,6 +156,12 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
         std::exit(UsageStatus);
     case LaunchAction::VerifyReplay:
         VerifyAndExit(request.replayFile);
+    case LaunchAction::ExportReplay:
+        // Made unseen and unheard: pictures and sound are pulled, not shown or played.
+        ::setenv("SDL_VIDEODRIVER", "dummy", 1);
+        ::setenv("SDL_AUDIODRIVER", "dummy", 1);
+        CAudioDevice::Instance().SetOffline();
+        break;
     case LaunchAction::Play:
     case LaunchAction::WatchReplay:
         break;
@@ -153,9 +209,11 @@ void CLaunch::TakeScaleMode()
 
 CLaunch::~CLaunch() = default;
 
-LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments)
+LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& given)
 {
     LaunchRequest request;
+    std::vector<std::string> arguments = given;
+    const std::string replayToExport = TakeExportedReplay(arguments);
     const auto line = CCommandLine::Parse(Options(), arguments, request.error);
     if (!line) {
         request.action = LaunchAction::BadUsage;
@@ -166,12 +224,14 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
         request.error = "choose one of --windowed and --fullscreen";
         return request;
     }
-    const int replayModes = line->Has("record") + line->Has("replay") + line->Has("verify");
+    const int replayModes = line->Has("record") + line->Has("replay") + line->Has("verify") + line->Has("export");
     if (replayModes > 1) {
         request.action = LaunchAction::BadUsage;
-        request.error = "choose one of --record, --replay and --verify";
+        request.error = "choose one of --record, --replay, --verify and --export";
         return request;
     }
+    if (!ReadExport(*line, replayToExport, request))
+        return request;
     if (line->Has("help"))
         request.action = LaunchAction::ShowHelp;
     else if (line->Has("version"))
@@ -180,8 +240,11 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
         request.action = LaunchAction::WatchReplay;
     else if (line->Has("verify"))
         request.action = LaunchAction::VerifyReplay;
+    else if (line->Has("export"))
+        request.action = LaunchAction::ExportReplay;
     request.recordFile = line->Value("record");
-    request.replayFile = line->Has("replay") ? line->Value("replay") : line->Value("verify");
+    if (!line->Has("export"))
+        request.replayFile = line->Has("replay") ? line->Value("replay") : line->Value("verify");
     request.trace = line->Has("trace");
     if (line->Has("scale")) {
         request.scaleMode = Platform::ScaleModeNamed(line->Value("scale"));
@@ -259,7 +322,7 @@ void CLaunch::Prepare(CGameApp& app)
     Platform::SetLastWords([&app] { app.SaveForEnding(); });
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
-    if (request.action != LaunchAction::WatchReplay)
+    if (request.action != LaunchAction::WatchReplay && request.action != LaunchAction::ExportReplay)
         return;
     // Before anything can fail: the program's end must not save over the player's files.
     app.KeepPlayersFiles();
@@ -273,6 +336,11 @@ void CLaunch::Prepare(CGameApp& app)
     replayShow = std::make_unique<CReplayShow>(app, std::move(replay));
     replayShow->StartAtLevel(request.fromLevel);
     replayShow->StartAtMs(request.fromSeconds * 1000.0);
+    if (request.action == LaunchAction::ExportReplay) {
+        replayExport = std::make_unique<CReplayExport>(
+            CReplayExport::Request{request.videoFile, request.videoWidth, request.videoHeight});
+        replayShow->ExportTo(replayExport.get());
+    }
     app.SetReplayShow(replayShow.get());
 }
 

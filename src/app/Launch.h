@@ -5,6 +5,7 @@
 #include "platform/Window.h"
 
 class CGameApp;
+class CReplayExport;
 class CReplayShow;
 
 #include <cstdint>
@@ -14,7 +15,7 @@ class CReplayShow;
 #include <vector>
 
 // What one start of the program comes to.
-enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage, WatchReplay, VerifyReplay };
+enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage, WatchReplay, VerifyReplay, ExportReplay };
 
 // The command line, read.
 struct LaunchRequest {
@@ -27,6 +28,9 @@ struct LaunchRequest {
     std::string replayFile;                          // --replay or --verify: the replay to play
     double fromSeconds = 0.0;                        // --from: where watching starts, in recorded seconds
     std::int32_t fromLevel = 0;                      // --level: the level watching starts at
+    std::string videoFile;                           // --export: the video to write
+    std::int32_t videoWidth = 0;                     // --size: the video's, 0 for the game's own
+    std::int32_t videoHeight = 0;
 };
 
 // Everything settled before the application object is built: the command
@@ -78,6 +82,7 @@ private:
     std::shared_ptr<CComforts> comforts = std::make_shared<CComforts>();
     // Made before the application and gone after it, as the show must be.
     std::unique_ptr<CReplayShow> replayShow;
+    std::unique_ptr<CReplayExport> replayExport;
 
     CFolderLock lock;
 };

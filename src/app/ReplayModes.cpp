@@ -83,7 +83,7 @@ void CGameApp::OnReplayLiveKey(UINT key, bool pressed)
 int CGameApp::ExitInstance()
 {
     const int status = CPlatformApp::ExitInstance();
-    return replayShow && replayShow->WentItsOwnWay() ? ReplayDiffersStatus : status;
+    return replayShow && replayShow->Status() != 0 ? replayShow->Status() : status;
 }
 
 bool CGameApp::PlaysByOurRules(const CReplay::Header& header, const std::string& file)

@@ -1,6 +1,7 @@
 #include "app/ReplayShow.h"
 
 #include "app/GameApp.h"
+#include "app/ReplayExport.h"
 #include "frontend/TextPen.h"
 #include "platform/AudioDevice.h"
 #include "platform/Clock.h"
@@ -49,6 +50,47 @@ void CReplayShow::Begin()
     }
     playedMs = player.MsAfter(player.GetFramesMade());
     clock.Restart(playedMs, Platform::TimeGetTime());
+    if (exporter && !exporter->Start(app.screenWidth, app.screenHeight, player.TotalMs())) {
+        exportStatus = exporter->GetStatus();
+        exporter = nullptr;
+        Game::CloseMainWindow();
+    }
+}
+
+int CReplayShow::Status() const
+{
+    if (exportStatus != 0)
+        return exportStatus;
+    return WentItsOwnWay() ? CGameApp::ReplayDiffersStatus : 0;
+}
+
+void CReplayShow::ExportPicture()
+{
+    const std::size_t due = player.FramesWithin(exporter->NextPictureMs());
+    double frameMs = 0.0;
+    while (player.GetFramesMade() < due) {
+        playedMs += player.NextFrameMs();
+        // What the frame starts is heard from its end, as when it is shown.
+        exporter->SoundUntil(playedMs);
+        frameMs = player.Step();
+        NoteDivergence();
+        if (player.GetFramesMade() < due)
+            app.DrawFrame(frameMs);
+    }
+    app.DrawFrame(frameMs);
+    CSurface* back = app.display.GetBack();
+    if (back && !exporter->TakePicture(*back))
+        EndExport();
+}
+
+void CReplayShow::EndExport()
+{
+    if (!player.HasNextFrame())
+        player.Finish();
+    exportStatus = exporter->Finish();
+    exporter = nullptr;
+    finished = true;
+    Game::CloseMainWindow();
 }
 
 PadKeys CReplayShow::PadKeysFor(PadControl control)
@@ -154,6 +196,13 @@ void CReplayShow::Shown(std::uint32_t now)
 
 bool CReplayShow::ShowFrame()
 {
+    if (exporter) {
+        if (exporter->HasNextPicture())
+            ExportPicture();
+        else
+            EndExport();
+        return exporter != nullptr;
+    }
     const std::uint32_t now = Platform::TimeGetTime();
     if (unshown) {
         unshown = false;

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 class CGameApp;
+class CReplayExport;
 class CSurface;
 
 // A recorded game shown in the window at the pace it was played: every
@@ -32,6 +33,12 @@ public:
     // Where the show starts instead of the beginning: a recorded time, or a level's start.
     void StartAtMs(double ms) { startMs = ms; }
     void StartAtLevel(std::int32_t level) { startLevel = level; }
+
+    // Written to a video instead of shown: every picture as the window would
+    // show it at the recorded pace, without the marker or the bar.
+    void ExportTo(CReplayExport* video) { exporter = video; }
+    // The exit status of the show: the replay's verdict, or the export's failure.
+    int Status() const;
 
     void Begin();
     void OnLiveKey(UINT key, bool pressed);
@@ -57,6 +64,9 @@ private:
     void SeekLevel(int direction);
     void Shown(std::uint32_t now);
     CReplayBar::State BarState() const;
+    // Makes the frames due for the next picture of a video, and writes it.
+    void ExportPicture();
+    void EndExport();
 
     CGameApp& app;
     CReplayPlayer player;
@@ -71,4 +81,6 @@ private:
     std::uint32_t endAt = 0;
     double startMs = 0.0;
     std::int32_t startLevel = 0;
+    CReplayExport* exporter = nullptr;
+    int exportStatus = 0;
 };

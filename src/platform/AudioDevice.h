@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+struct Mix_Chunk;
+
 // The program's one audio output, on SDL_mixer: a single voice for wave
 // sounds, with the MIDI sequencer's music added to the mix and the whole
 // kept under full scale by a limiter. It is opened on first use; a machine
@@ -27,6 +29,18 @@ public:
     // Silenced, the output plays nothing, while the tune goes on in time.
     void SetSilenced(bool silent) { silenced = silent; }
 
+    // Offline, no device pulls the sound: whoever writes it pulls it, as fast
+    // as it likes, through the same mix, sequencer and limiter. Set before
+    // the first Open.
+    void SetOffline() { offline = true; }
+    bool IsOffline() const { return offline; }
+    // Fills frames of 16-bit stereo with what the output would play next.
+    void Pull(std::int16_t* stereo, std::size_t frames);
+    // The wave voice.
+    bool StartVoice(Mix_Chunk* chunk);
+    void StopVoice();
+    bool VoicePlaying() const;
+
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
     // Of SDL_mixer's 128: the game's effects, which peak at 0.89 of full
@@ -36,6 +50,8 @@ public:
 
 private:
     static void MixOutput(void* self, std::uint8_t* stream, int bytes);
+    // Adds the music to the voice's mix and keeps the sum under full scale.
+    void Mix(std::int16_t* samples, std::size_t frames);
 
     bool open = false;
     bool failed = false;
@@ -44,6 +60,10 @@ private:
     std::vector<float> mix; // one chunk of the output, as floats
     bool disabled = false;
     std::atomic<bool> silenced{false};
+    bool offline = false;
+    // The voice while offline: the sound and how far into it the output is.
+    Mix_Chunk* voice = nullptr;
+    std::size_t voiceAt = 0;
 };
 
 namespace Platform {
