@@ -98,8 +98,8 @@ PadKeys CReplayShow::PadKeysFor(PadControl control)
     switch (control) {
     case PadControl::LeftShoulder: return {{VK_OEM_MINUS}, 0};
     case PadControl::RightShoulder: return {{VK_OEM_PLUS}, 0};
-    case PadControl::South:
-    case PadControl::Start: return {{VK_SPACE}, 0};
+    case PadControl::South: return {{VK_SPACE}, 0};
+    case PadControl::Start:
     case PadControl::Back: return {{VK_ESCAPE}, 0};
     case PadControl::Left: return {{VK_LEFT}, 0};
     case PadControl::Right: return {{VK_RIGHT}, 0};

@@ -21,7 +21,7 @@ constexpr const char* LogFile = "ffmpeg.log";
 // Quality well above what the eye tells from the game's own pictures; the
 // preset keeps the encoding faster than the game's real time on two cores.
 constexpr const char* Quality = "14";
-constexpr const char* Preset = "veryfast";
+constexpr const char* Preset = "superfast";
 constexpr const char* SoundBitRate = "192k";
 
 } // namespace
@@ -95,13 +95,15 @@ bool CVideoEncoder::Start(const Settings& wanted)
         return Fail(Failure::Refused, "no scratch folder for the export");
     scratch = name;
     const std::string size = std::to_string(settings.width) + "x" + std::to_string(settings.height);
-    const std::string scale =
-        "scale=" + std::to_string(settings.outWidth) + ":" + std::to_string(settings.outHeight) + ":flags=lanczos";
-    return Spawn({Program, "-hide_banner", "-nostdin", "-loglevel", "error", "-f", "rawvideo", "-pixel_format",
-                  "rgb24", "-video_size", size, "-framerate", std::to_string(settings.framesPerSecond), "-i", "-",
-                  "-vf", scale, "-c:v", "libx264", "-preset", Preset, "-crf", Quality, "-pix_fmt", "yuv420p", "-y",
-                  scratch + "/" + VideoOnlyFile},
-                 &pipe);
+    std::vector<std::string> arguments{Program, "-hide_banner", "-nostdin", "-loglevel", "error", "-f", "rawvideo",
+                                       "-pixel_format", "rgb24", "-video_size", size, "-framerate",
+                                       std::to_string(settings.framesPerSecond), "-i", "-"};
+    if (settings.outWidth != settings.width || settings.outHeight != settings.height)
+        arguments.insert(arguments.end(), {"-vf", "scale=" + std::to_string(settings.outWidth) + ":" +
+                                                      std::to_string(settings.outHeight) + ":flags=lanczos"});
+    arguments.insert(arguments.end(), {"-c:v", "libx264", "-preset", Preset, "-crf", Quality, "-pix_fmt", "yuv420p",
+                                       "-y", scratch + "/" + VideoOnlyFile});
+    return Spawn(arguments, &pipe);
 }
 
 bool CVideoEncoder::WritePicture(const std::vector<std::uint8_t>& rgb)
