@@ -2,7 +2,6 @@
 
 #include "app/ComfortNotice.h"
 #include "app/GameWnd.h"
-#include "app/ReplayShow.h"
 #include "display/SpriteInstance.h"
 #include "platform/Clock.h"
 #include "platform/Console.h"
@@ -374,7 +373,7 @@ void CGameApp::OnKey(UINT key, bool pressed)
 PadKeys CGameApp::BindPadControl(PadControl control)
 {
     if (replayShow)
-        return CReplayShow::PadKeysFor(control);
+        return ReplayPadKeys(control);
     using Context = CPadBindings::Context;
     CPadBindings::Facts facts;
     const CShip* player = world.GetPlayer();

@@ -80,6 +80,11 @@ void CGameApp::OnReplayLiveKey(UINT key, bool pressed)
     replayShow->OnLiveKey(key, pressed);
 }
 
+PadKeys CGameApp::ReplayPadKeys(PadControl control)
+{
+    return CReplayShow::PadKeysFor(control);
+}
+
 int CGameApp::ExitInstance()
 {
     const int status = CPlatformApp::ExitInstance();
