@@ -3,6 +3,7 @@ a copy with one key changed is checked again (it goes its own way from the
 frame that key came before), and --replay shows the same pictures: the frames
 kept from the game and from its replay are the same pixel for pixel, but for
 the REPLAY marker in the bottom left corner."""
+import array
 import math
 import os
 import shutil
@@ -298,6 +299,10 @@ def export_flow():
             fail(f"the video lasts {seconds} s, not the recording's 24 s")
         if probe(video, "stream=codec_type") != ["video", "audio"]:
             fail(f"the video's streams are {probe(video, 'stream=codec_type')}")
+        sound = array.array("h", subprocess.run(["ffmpeg", "-v", "error", "-i", video, "-f", "s16le", "-ac", "1", "-"],
+                                                capture_output=True, check=True).stdout)
+        if max(sound, default=0) < 1000:
+            fail("the video's sound is silent")
         decoded = subprocess.run(["ffmpeg", "-v", "error", "-i", video, "-vf", f"select=eq(n\\,{PICTURE_AT})",
                                   "-vsync", "0", "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
                                  capture_output=True, check=True).stdout
