@@ -54,6 +54,8 @@ CReplayExport::~CReplayExport()
 {
     if (wave)
         std::fclose(wave);
+    if (started && !finished)
+        Platform::PrintError("the export of " + request.videoPath + " was stopped before its end: no video written");
 }
 
 int CReplayExport::Failed()
@@ -85,6 +87,7 @@ bool CReplayExport::Start(std::int32_t gameWidth, std::int32_t gameHeight, doubl
         Failed();
         return false;
     }
+    started = true;
     rgb.resize(static_cast<std::size_t>(gameWidth) * gameHeight * 3);
     pictureCount = static_cast<std::size_t>(std::ceil(totalMs / PictureMs));
     wavePath = encoder.ScratchFolder() + "/sound.wav";
@@ -147,6 +150,7 @@ void CReplayExport::Progress(bool last)
 
 int CReplayExport::Finish()
 {
+    finished = true;
     Progress(true);
     SoundUntil(static_cast<double>(pictures) * PictureMs);
     if (wave) {

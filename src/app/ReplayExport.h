@@ -59,5 +59,7 @@ private:
     std::vector<std::uint8_t> rgb;
     std::vector<std::int16_t> sound;
     int status = 0;
+    bool started = false;
+    bool finished = false;
     int shownPercent = -1;
 };

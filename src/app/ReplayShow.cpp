@@ -59,6 +59,8 @@ void CReplayShow::Begin()
 
 int CReplayShow::Status() const
 {
+    if (exporter)
+        return CReplayExport::EncoderFailedStatus; // stopped before its end
     if (exportStatus != 0)
         return exportStatus;
     return WentItsOwnWay() ? CGameApp::ReplayDiffersStatus : 0;
