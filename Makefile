@@ -55,6 +55,7 @@ bench:
 	@if command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v cc >/dev/null; then \
 		python3 bench/desktop/desktop-bench.py $(BUILD)/quelvarion $(BUILD)/game; \
 	else echo "desktop measurements left out: they need Xvfb, xdotool and cc"; fi
+	@python3 bench/export-bench.py $(BUILD)/quelvarion $(BUILD)/game
 
 # The whole suite, soak test included, under AddressSanitizer and UndefinedBehaviorSanitizer.
 test-asan:

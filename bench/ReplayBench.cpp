@@ -1,6 +1,7 @@
 // Checking a replay: a five-minute game, recorded as the game records the
 // player's, played again through the rules without a window or sound, as
-// --verify does.
+// --verify does. Seeking in a replay watched: a jump back near the end of a
+// thirty-minute game, which re-makes the game from its start.
 #include "app/GameApp.h"
 #include "app/ReplayPlayer.h"
 #include "world/GameDriver.h"
@@ -16,6 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr double FrameMs = 1000.0 / 60.0;
 constexpr int FiveMinutes = 5 * 60 * 60;
+constexpr int ThirtyMinutes = 30 * 60 * 60;
 constexpr std::uint32_t Seed = 4; // a game whose ship lives through the five minutes
 constexpr UINT FlightKeys[] = {VK_LEFT, VK_RIGHT, 'F', 'D'};
 
@@ -36,15 +38,15 @@ struct ScratchFolder {
     }
 };
 
-// Five minutes of the first levels, turned and fired by random keys, refitted between levels.
-CReplay RecordFiveMinutes()
+// Minutes of the first levels, turned and fired by random keys, refitted between levels.
+CReplay Record(int frames)
 {
     CGameApp app;
     CGameDriver driver(app);
     std::minstd_rand script(Seed);
     driver.Seed(Seed);
     driver.StartGame(1);
-    for (int frame = 0; frame < FiveMinutes && driver.GetGameState() != StateMenu;) {
+    for (int frame = 0; frame < frames && driver.GetGameState() != StateMenu;) {
         if (driver.GetGameState() == StateDesign) {
             driver.Refit();
             driver.StartLevel();
@@ -62,7 +64,7 @@ CReplay RecordFiveMinutes()
 void BM_VerifyFiveMinuteGame(benchmark::State& state)
 {
     ScratchFolder scratch;
-    const CReplay replay = RecordFiveMinutes();
+    const CReplay replay = Record(FiveMinutes);
     if (replay.frames.size() != FiveMinutes)
         state.SkipWithError("the recorded ship did not live five minutes");
     CGameApp app;
@@ -81,5 +83,30 @@ void BM_VerifyFiveMinuteGame(benchmark::State& state)
     state.counters["level"] = replay.summary.level;
 }
 BENCHMARK(BM_VerifyFiveMinuteGame)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// Ten seconds back from the end of the game, as the Left key asks: the game
+// is re-made from its start to there, unseen.
+void BM_SeekBackAtEndOfThirtyMinuteGame(benchmark::State& state)
+{
+    ScratchFolder scratch;
+    const CReplay replay = Record(ThirtyMinutes);
+    CGameApp app;
+    app.KeepPlayersFiles();
+    CReplayPlayer player(app, replay);
+    player.Begin();
+    player.SeekTo(player.FrameCount());
+    const std::size_t target = player.FramesWithin(player.TotalMs() - 10000.0);
+    for (auto _ : state) {
+        player.SeekTo(target);
+        state.PauseTiming();
+        player.SeekTo(player.FrameCount());
+        state.ResumeTiming();
+    }
+    if (player.GetFirstDivergence() != CReplayPlayer::NoDivergence)
+        state.SkipWithError("the replay did not play as recorded");
+    state.counters["minutes"] = player.TotalMs() / 60000.0;
+    state.counters["level"] = replay.summary.level;
+}
+BENCHMARK(BM_SeekBackAtEndOfThirtyMinuteGame)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 } // namespace

@@ -54,6 +54,7 @@ command appstreamcli    appstream
 command man             man-db
 command setpriv         util-linux
 command weston          weston
+command ffmpeg          ffmpeg
 EOF
 }
 

@@ -7,6 +7,7 @@
 #include "platform/ComfortKeys.h"
 #include "platform/Console.h"
 #include "platform/Ending.h"
+#include "platform/Keys.h"
 #include "platform/MessageBox.h"
 #include "ship/Ship.h"
 
@@ -326,6 +327,8 @@ void CGameApp::OnKeyMessage(UINT key, bool pressed)
         OnReplayLiveKey(key, pressed);
         return;
     }
+    if (Platform::IsWatchingKey(key))
+        return; // the game as played knows nothing of them
     recorder.Input(pressed ? WM_KEYDOWN : WM_KEYUP, key);
     dispatchingInput = true;
     OnKey(key, pressed);
@@ -380,6 +383,8 @@ CPadBindings::Context CGameApp::InputContext() const
 
 PadKeys CGameApp::BindPadControl(PadControl control)
 {
+    if (replayShow)
+        return ReplayPadKeys(control);
     CPadBindings::Facts facts;
     facts.context = InputContext();
     if (facts.context == CPadBindings::Context::NameEntry) {

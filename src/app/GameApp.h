@@ -205,6 +205,7 @@ private:
     void BeginReplayShow();
     bool ShowReplayFrame();
     void OnReplayLiveKey(UINT key, bool pressed);
+    static PadKeys ReplayPadKeys(PadControl control);
 
     CReplayShow* replayShow = nullptr;
     bool dispatchingInput = false;

@@ -3,6 +3,7 @@
 #include "app/ComfortNotice.h"
 #include "app/GameApp.h"
 #include "app/GameVersion.h"
+#include "app/ReplayExport.h"
 #include "app/ReplayShow.h"
 #include "frontend/MenuSystem.h"
 #include "platform/AudioDevice.h"
@@ -42,9 +43,90 @@ const std::vector<OptionSpec>& Options()
         {"trace", "", "write the trace, each line timed, to stderr"},
         {"record", "FILE", "play, and keep the game in FILE as a replay"},
         {"replay", "FILE", "watch the game kept in FILE (Escape stops, Space pauses)"},
+        {"from", "SECONDS", "with --replay: start watching SECONDS into the game"},
+        {"level", "N", "with --replay: start watching where level N began"},
+        {"export", "VIDEO", "--export VIDEO REPLAY: write REPLAY as an MP4 video with sound, and exit"},
+        {"size", "WxH", "with --export: the video's size (the game's 1024x768 by default)"},
         {"verify", "FILE", "check FILE's game without a window; exit 0 if it plays as recorded"},
     };
     return options;
+}
+
+// --from and --level: where a replay watched starts. False, with the request
+// refused, for a value that is no such place.
+bool ReadStart(const CCommandLine& line, LaunchRequest& request)
+{
+    const auto refuse = [&request](const std::string& why) {
+        request.action = LaunchAction::BadUsage;
+        request.error = why;
+        return false;
+    };
+    if ((line.Has("from") || line.Has("level")) && !line.Has("replay"))
+        return refuse("--from and --level go with --replay");
+    if (line.Has("from")) {
+        const std::string text = line.Value("from");
+        char* end = nullptr;
+        const double seconds = std::strtod(text.c_str(), &end);
+        if (text.empty() || *end != '\0' || !(seconds >= 0.0) || seconds > CReplayShow::LongestStartSeconds)
+            return refuse("--from takes a number of seconds, not \"" + text + "\"");
+        request.fromSeconds = seconds;
+    }
+    if (line.Has("level")) {
+        const std::string text = line.Value("level");
+        char* end = nullptr;
+        const long level = std::strtol(text.c_str(), &end, 10);
+        if (text.empty() || *end != '\0' || level < 1 || level > CReplayShow::HighestStartLevel)
+            return refuse("--level takes a level number from 1, not \"" + text + "\"");
+        request.fromLevel = static_cast<std::int32_t>(level);
+    }
+    return true;
+}
+
+// The replay named after --export's video, taken out of the arguments: the
+// one word the command line has that belongs to no option.
+std::string TakeExportedReplay(std::vector<std::string>& arguments)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& a = arguments[i];
+        const std::size_t replayAt = a == "--export" ? i + 2 : a.rfind("--export=", 0) == 0 ? i + 1 : 0;
+        if (replayAt == 0 || replayAt >= arguments.size() || arguments[replayAt].rfind("--", 0) == 0)
+            continue;
+        const std::string replay = arguments[replayAt];
+        arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(replayAt));
+        return replay;
+    }
+    return "";
+}
+
+// --export VIDEO REPLAY and --size WxH.
+bool ReadExport(const CCommandLine& line, const std::string& replay, LaunchRequest& request)
+{
+    const auto refuse = [&request](const std::string& why) {
+        request.action = LaunchAction::BadUsage;
+        request.error = why;
+        return false;
+    };
+    if (line.Has("size") && !line.Has("export"))
+        return refuse("--size goes with --export");
+    if (!line.Has("export"))
+        return true;
+    if (line.Value("export").empty() || replay.empty())
+        return refuse("--export takes the video to write and the replay to write it from: --export VIDEO REPLAY");
+    request.videoFile = line.Value("export");
+    request.replayFile = replay;
+    request.windowMode = Platform::WindowMode::Windowed; // the game's own size, on no screen
+    if (line.Has("size")) {
+        const std::string text = line.Value("size");
+        unsigned width = 0, height = 0;
+        char end = 0;
+        // Even sizes: the video's colour is kept at half resolution.
+        if (std::sscanf(text.c_str(), "%ux%u%c", &width, &height, &end) != 2 || width < 16 || height < 16 ||
+            width > CReplayExport::LargestSide || height > CReplayExport::LargestSide || width % 2 || height % 2)
+            return refuse("--size takes an even width and height such as 1920x1440, not \"" + text + "\"");
+        request.videoWidth = static_cast<std::int32_t>(width);
+        request.videoHeight = static_cast<std::int32_t>(height);
+    }
+    return true;
 }
 
 std::string CurrentFolder()
@@ -78,6 +160,12 @@ CLaunch::CLaunch(const std::vector<std::string>& arguments)
         std::exit(UsageStatus);
     case LaunchAction::VerifyReplay:
         VerifyAndExit(request.replayFile);
+    case LaunchAction::ExportReplay:
+        // Made unseen and unheard: pictures and sound are pulled, not shown or played.
+        ::setenv("SDL_VIDEODRIVER", "dummy", 1);
+        ::setenv("SDL_AUDIODRIVER", "dummy", 1);
+        CAudioDevice::Instance().SetOffline();
+        break;
     case LaunchAction::Play:
     case LaunchAction::WatchReplay:
         break;
@@ -162,9 +250,11 @@ void CLaunch::TakeVolumes()
 
 CLaunch::~CLaunch() = default;
 
-LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments)
+LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& given)
 {
     LaunchRequest request;
+    std::vector<std::string> arguments = given;
+    const std::string replayToExport = TakeExportedReplay(arguments);
     const auto line = CCommandLine::Parse(Options(), arguments, request.error);
     if (!line) {
         request.action = LaunchAction::BadUsage;
@@ -175,12 +265,14 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
         request.error = "choose one of --windowed and --fullscreen";
         return request;
     }
-    const int replayModes = line->Has("record") + line->Has("replay") + line->Has("verify");
+    const int replayModes = line->Has("record") + line->Has("replay") + line->Has("verify") + line->Has("export");
     if (replayModes > 1) {
         request.action = LaunchAction::BadUsage;
-        request.error = "choose one of --record, --replay and --verify";
+        request.error = "choose one of --record, --replay, --verify and --export";
         return request;
     }
+    if (!ReadExport(*line, replayToExport, request))
+        return request;
     if (line->Has("help"))
         request.action = LaunchAction::ShowHelp;
     else if (line->Has("version"))
@@ -189,8 +281,11 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
         request.action = LaunchAction::WatchReplay;
     else if (line->Has("verify"))
         request.action = LaunchAction::VerifyReplay;
+    else if (line->Has("export"))
+        request.action = LaunchAction::ExportReplay;
     request.recordFile = line->Value("record");
-    request.replayFile = line->Has("replay") ? line->Value("replay") : line->Value("verify");
+    if (!line->Has("export"))
+        request.replayFile = line->Has("replay") ? line->Value("replay") : line->Value("verify");
     request.trace = line->Has("trace");
     if (line->Has("scale")) {
         request.scaleMode = Platform::ScaleModeNamed(line->Value("scale"));
@@ -200,6 +295,8 @@ LaunchRequest CLaunch::ReadCommandLine(const std::vector<std::string>& arguments
             return request;
         }
     }
+    if (!ReadStart(*line, request))
+        return request;
     if (line->Has("windowed"))
         request.windowMode = Platform::WindowMode::Windowed;
     else if (line->Has("fullscreen"))
@@ -274,7 +371,7 @@ void CLaunch::Prepare(CGameApp& app)
                                  "; the line is left out");
     if (!request.recordFile.empty())
         app.recorder.SetRecordFile(request.recordFile);
-    if (request.action != LaunchAction::WatchReplay)
+    if (request.action != LaunchAction::WatchReplay && request.action != LaunchAction::ExportReplay)
         return;
     // Before anything can fail: the program's end must not save over the player's files.
     app.KeepPlayersFiles();
@@ -286,6 +383,13 @@ void CLaunch::Prepare(CGameApp& app)
     }
     CGameApp::PlaysByOurRules(replay.header, request.replayFile);
     replayShow = std::make_unique<CReplayShow>(app, std::move(replay));
+    replayShow->StartAtLevel(request.fromLevel);
+    replayShow->StartAtMs(request.fromSeconds * 1000.0);
+    if (request.action == LaunchAction::ExportReplay) {
+        replayExport = std::make_unique<CReplayExport>(
+            CReplayExport::Request{request.videoFile, request.videoWidth, request.videoHeight});
+        replayShow->ExportTo(replayExport.get());
+    }
     app.SetReplayShow(replayShow.get());
 }
 

@@ -6,15 +6,17 @@
 #include "platform/Window.h"
 
 class CGameApp;
+class CReplayExport;
 class CReplayShow;
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 // What one start of the program comes to.
-enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage, WatchReplay, VerifyReplay };
+enum class LaunchAction { Play, ShowHelp, ShowVersion, BadUsage, WatchReplay, VerifyReplay, ExportReplay };
 
 // The command line, read.
 struct LaunchRequest {
@@ -25,6 +27,11 @@ struct LaunchRequest {
     std::optional<ScaleMode> scaleMode;             // --scale
     std::string recordFile;                          // --record: where the game is kept as well
     std::string replayFile;                          // --replay or --verify: the replay to play
+    double fromSeconds = 0.0;                        // --from: where watching starts, in recorded seconds
+    std::int32_t fromLevel = 0;                      // --level: the level watching starts at
+    std::string videoFile;                           // --export: the video to write
+    std::int32_t videoWidth = 0;                     // --size: the video's, 0 for the game's own
+    std::int32_t videoHeight = 0;
 };
 
 // Everything settled before the application object is built: the command
@@ -84,6 +91,7 @@ private:
     std::shared_ptr<CComforts> comforts = std::make_shared<CComforts>();
     // Made before the application and gone after it, as the show must be.
     std::unique_ptr<CReplayShow> replayShow;
+    std::unique_ptr<CReplayExport> replayExport;
 
     CFolderLock lock;
 };

@@ -81,10 +81,15 @@ void CGameApp::OnReplayLiveKey(UINT key, bool pressed)
     replayShow->OnLiveKey(key, pressed);
 }
 
+PadKeys CGameApp::ReplayPadKeys(PadControl control)
+{
+    return CReplayShow::PadKeysFor(control);
+}
+
 int CGameApp::ExitInstance()
 {
     const int status = CPlatformApp::ExitInstance();
-    return replayShow && replayShow->WentItsOwnWay() ? ReplayDiffersStatus : status;
+    return replayShow && replayShow->Status() != 0 ? replayShow->Status() : status;
 }
 
 bool CGameApp::PlaysByOurRules(const CReplay::Header& header, const std::string& file)

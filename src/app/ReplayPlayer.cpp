@@ -2,8 +2,22 @@
 
 #include "app/GameApp.h"
 
+#include <algorithm>
+
 CReplayPlayer::CReplayPlayer(CGameApp& application, CReplay recorded) : app(application), replay(std::move(recorded))
 {
+    entryFrame.reserve(replay.frames.size() + 1);
+    entryMs.reserve(replay.frames.size() + 1);
+    std::size_t frames = 0;
+    double ms = 0.0;
+    for (const CReplay::Frame& frame : replay.frames) {
+        entryFrame.push_back(frames);
+        entryMs.push_back(ms);
+        frames += frame.count;
+        ms += frame.elapsedMs;
+    }
+    entryFrame.push_back(frames);
+    entryMs.push_back(ms);
 }
 
 void CReplayPlayer::ApplyHeader()
@@ -34,6 +48,65 @@ void CReplayPlayer::Begin()
     // As the menu's "New Game" does.
     app.ApplyMusicOption();
     app.StartGameAt(replay.header.startLevel);
+    entry = 0;
+    inRun = 0;
+    made = 0;
+    level = app.world.GetLevel();
+    if (levelStarts.empty())
+        levelStarts.push_back(0);
+}
+
+void CReplayPlayer::NoteLevel()
+{
+    const std::int32_t now = app.world.GetLevel();
+    if (now == level)
+        return;
+    level = now;
+    if (made > levelStarts.back())
+        levelStarts.push_back(made);
+}
+
+void CReplayPlayer::SeekTo(std::size_t frames)
+{
+    if (frames < made)
+        Begin();
+    while (made < frames && HasNextFrame())
+        Step();
+}
+
+bool CReplayPlayer::SeekNextLevel()
+{
+    const auto known = std::upper_bound(levelStarts.begin(), levelStarts.end(), made);
+    if (known != levelStarts.end()) {
+        SeekTo(*known);
+        return true;
+    }
+    const std::size_t count = levelStarts.size();
+    while (HasNextFrame() && levelStarts.size() == count)
+        Step();
+    return levelStarts.size() != count;
+}
+
+double CReplayPlayer::MsAfter(std::size_t frames) const
+{
+    frames = std::min(frames, FrameCount());
+    const std::size_t e =
+        static_cast<std::size_t>(std::upper_bound(entryFrame.begin(), entryFrame.end(), frames) - entryFrame.begin()) - 1;
+    if (e >= replay.frames.size())
+        return TotalMs();
+    return entryMs[e] + static_cast<double>(frames - entryFrame[e]) * replay.frames[e].FrameMs();
+}
+
+std::size_t CReplayPlayer::FramesWithin(double ms) const
+{
+    if (ms >= TotalMs())
+        return FrameCount();
+    const std::size_t e =
+        static_cast<std::size_t>(std::upper_bound(entryMs.begin(), entryMs.end(), ms) - entryMs.begin()) - 1;
+    const CReplay::Frame& frame = replay.frames[e];
+    const double frameMs = frame.FrameMs();
+    const std::size_t within = frameMs > 0.0 ? static_cast<std::size_t>((ms - entryMs[e]) / frameMs) : frame.count;
+    return entryFrame[e] + std::min<std::size_t>(within, frame.count);
 }
 
 void CReplayPlayer::Deliver(std::size_t first, std::size_t end)
@@ -54,9 +127,14 @@ double CReplayPlayer::Step()
         Deliver(replay.FirstInputBefore(entry), replay.EndInputBefore(entry));
     const double ms = frame.FrameMs();
     app.AdvanceFrame(ms);
-    if (firstDivergence == NoDivergence && app.FrameHash(replay.DigestCoversRandom()) != frame.stateHash)
+    // A frame made again by a seek was checked the first time: the rules are
+    // the same, so only frames never made before cost a digest.
+    if (made >= checkedFrames && firstDivergence == NoDivergence &&
+        app.FrameHash(replay.DigestCoversRandom()) != frame.stateHash)
         firstDivergence = static_cast<std::int64_t>(made);
     ++made;
+    checkedFrames = std::max(checkedFrames, made);
+    NoteLevel();
     if (++inRun == frame.count) {
         inRun = 0;
         ++entry;

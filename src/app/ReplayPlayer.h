@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 class CGameApp;
 
@@ -16,6 +17,7 @@ public:
 
     CReplayPlayer(CGameApp& application, CReplay recorded);
 
+    // Starts the game as recorded; again, it starts it afresh.
     void Begin();
     bool HasNextFrame() const { return entry < replay.frames.size(); }
     // The length of the next frame.
@@ -27,6 +29,22 @@ public:
     void Finish();
 
     std::size_t GetFramesMade() const { return made; }
+
+    // Seeking: the game re-made to stand as it stood after a number of frames,
+    // stepping on from here or, for one behind, from the start, unseen.
+    void SeekTo(std::size_t frames);
+    // Every frame of the recording, each frame of a run counted.
+    std::size_t FrameCount() const { return entryFrame.back(); }
+    double TotalMs() const { return entryMs.back(); }
+    // The recorded time after a number of frames, and the most frames that
+    // fit in a recorded time.
+    double MsAfter(std::size_t frames) const;
+    std::size_t FramesWithin(double ms) const;
+    // Where each level began, as a number of frames made: a seek there shows
+    // its first frame. Known up to the furthest frame made so far.
+    const std::vector<std::size_t>& GetLevelStarts() const { return levelStarts; }
+    // Steps on to the next level's start (or the end); true if one was found.
+    bool SeekNextLevel();
     // The first frame (from 0) after which the game stood otherwise than
     // recorded, or NoDivergence.
     std::int64_t GetFirstDivergence() const { return firstDivergence; }
@@ -37,6 +55,7 @@ public:
 private:
     void ApplyHeader();
     void Deliver(std::size_t first, std::size_t end);
+    void NoteLevel();
 
     CGameApp& app;
     CReplay replay;
@@ -45,4 +64,12 @@ private:
     std::uint32_t inRun = 0;
     std::size_t made = 0;
     std::int64_t firstDivergence = NoDivergence;
+    // Frames checked against the recording so far.
+    std::size_t checkedFrames = 0;
+    // For each entry of the recording (and its end), its first frame and
+    // the recorded time before it.
+    std::vector<std::size_t> entryFrame;
+    std::vector<double> entryMs;
+    std::vector<std::size_t> levelStarts;
+    std::int32_t level = 0;
 };

@@ -76,7 +76,8 @@ bool CAudioDevice::Open()
     Mix_AllocateChannels(Voice + 1);
     open = true;
     ApplyEffectVolume();
-    Mix_SetPostMix(&CAudioDevice::MixOutput, this);
+    if (!offline)
+        Mix_SetPostMix(&CAudioDevice::MixOutput, this);
     return true;
 }
 
@@ -106,18 +107,22 @@ void CAudioDevice::Close()
 // music and keeps the sum under full scale.
 void CAudioDevice::MixOutput(void* self, std::uint8_t* stream, int bytes)
 {
-    CAudioDevice& device = *static_cast<CAudioDevice*>(self);
-    auto* samples = reinterpret_cast<std::int16_t*>(stream);
     const std::size_t frames = static_cast<std::size_t>(bytes) / (sizeof(std::int16_t) * OutputChannels);
-    const std::size_t pieceFrames = device.mix.size() / OutputChannels;
+    static_cast<CAudioDevice*>(self)->Mix(reinterpret_cast<std::int16_t*>(stream), frames);
+}
+
+void CAudioDevice::Mix(std::int16_t* samples, std::size_t frames)
+{
+    const std::size_t pieceFrames = mix.size() / OutputChannels;
     for (std::size_t done = 0; done < frames;) {
         const std::size_t count = std::min(pieceFrames, frames - done);
         std::int16_t* out = samples + OutputChannels * done;
-        float* mix = device.mix.data();
         for (std::size_t i = 0; i < OutputChannels * count; ++i)
             mix[i] = out[i] / FullScale;
-        device.AddMusic(count);
-        device.limiter->Process(mix, count);
+        AddMusic(count);
+        limiter->Process(mix.data(), count);
+        if (silenced)
+            std::fill(mix.begin(), mix.begin() + static_cast<std::ptrdiff_t>(OutputChannels * count), 0.0f);
         for (std::size_t i = 0; i < OutputChannels * count; ++i)
             out[i] = static_cast<std::int16_t>(std::lrint(mix[i] * FullScale));
         done += count;
@@ -142,11 +147,58 @@ void CAudioDevice::AddMusic(std::size_t frames)
     musicGain = target;
 }
 
+void CAudioDevice::Pull(std::int16_t* stereo, std::size_t frames)
+{
+    const std::size_t bytes = frames * OutputChannels * sizeof(std::int16_t);
+    std::fill(stereo, stereo + frames * OutputChannels, std::int16_t{0});
+    if (!open)
+        return;
+    // As SDL_mixer mixes its channel: the sound at the voice's volume, over silence.
+    if (VoicePlaying()) {
+        const std::size_t count = std::min<std::size_t>(bytes, voice->alen - voiceAt);
+        SDL_MixAudioFormat(reinterpret_cast<Uint8*>(stereo), voice->abuf + voiceAt, AUDIO_S16SYS,
+                           static_cast<Uint32>(count), EffectVolumeAt(Platform::GetVolume(VolumeChannel::Effects)));
+        voiceAt += count;
+    }
+    Mix(stereo, frames);
+}
+
+bool CAudioDevice::StartVoice(Mix_Chunk* chunk)
+{
+    if (!offline) {
+        Mix_HaltChannel(Voice);
+        return chunk->alen == 0 || Mix_PlayChannel(Voice, chunk, 0) >= 0;
+    }
+    voice = chunk;
+    voiceAt = 0;
+    return true;
+}
+
+void CAudioDevice::StopVoice()
+{
+    if (offline)
+        voice = nullptr;
+    else if (open)
+        Mix_HaltChannel(Voice);
+}
+
+bool CAudioDevice::VoicePlaying() const
+{
+    if (offline)
+        return voice && voiceAt < voice->alen;
+    return open && Mix_Playing(Voice) != 0;
+}
+
 namespace Platform {
 
 void DisableAudio()
 {
     CAudioDevice::Instance().Disable();
+}
+
+void SilenceAudio(bool silent)
+{
+    CAudioDevice::Instance().SetSilenced(silent);
 }
 
 void CloseAudio()

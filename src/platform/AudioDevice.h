@@ -1,9 +1,12 @@
 #pragma once
 #include "platform/Limiter.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
+
+struct Mix_Chunk;
 
 // The program's one audio output, on SDL_mixer: a single voice for wave
 // sounds, with the MIDI sequencer's music added to the mix and the whole
@@ -25,6 +28,20 @@ public:
     void Disable() { disabled = true; }
     // Gives the wave voice the effects' volume step, once open.
     void ApplyEffectVolume();
+    // Silenced, the output plays nothing, while the tune goes on in time.
+    void SetSilenced(bool silent) { silenced = silent; }
+
+    // Offline, no device pulls the sound: whoever writes it pulls it, as fast
+    // as it likes, through the same mix, sequencer and limiter. Set before
+    // the first Open.
+    void SetOffline() { offline = true; }
+    bool IsOffline() const { return offline; }
+    // Fills frames of 16-bit stereo with what the output would play next.
+    void Pull(std::int16_t* stereo, std::size_t frames);
+    // The wave voice.
+    bool StartVoice(Mix_Chunk* chunk);
+    void StopVoice();
+    bool VoicePlaying() const;
 
     // The mixer channel that carries every wave sound.
     static constexpr int Voice = 0;
@@ -37,6 +54,8 @@ public:
 
 private:
     static void MixOutput(void* self, std::uint8_t* stream, int bytes);
+    // Adds the music to the voice's mix and keeps the sum under full scale.
+    void Mix(std::int16_t* samples, std::size_t frames);
     void AddMusic(std::size_t frames);
 
     bool open = false;
@@ -47,6 +66,11 @@ private:
     std::vector<float> music; // the tune's part of it, before its volume
     float musicGain = 1.0f;   // where the last chunk's music volume ended
     bool disabled = false;
+    std::atomic<bool> silenced{false};
+    bool offline = false;
+    // The voice while offline: the sound and how far into it the output is.
+    Mix_Chunk* voice = nullptr;
+    std::size_t voiceAt = 0;
 };
 
 namespace Platform {
@@ -55,4 +79,6 @@ namespace Platform {
 void CloseAudio();
 // For runs no one listens to: every sound and tune refuses quietly.
 void DisableAudio();
+// For a replay watched too fast to follow by ear, or while it seeks.
+void SilenceAudio(bool silent);
 } // namespace Platform

@@ -23,6 +23,18 @@ UINT VirtualKeyFor(SDL_Keycode key)
     case SDLK_UP: return VK_UP;
     case SDLK_RIGHT: return VK_RIGHT;
     case SDLK_DOWN: return VK_DOWN;
+    case SDLK_PAGEUP: return VK_PRIOR;
+    case SDLK_PAGEDOWN: return VK_NEXT;
+    case SDLK_PLUS:
+    case SDLK_EQUALS: // the plus key's own, unshifted
+    case SDLK_KP_PLUS: return VK_OEM_PLUS;
+    case SDLK_MINUS:
+    case SDLK_KP_MINUS: return VK_OEM_MINUS;
+    case SDLK_COMMA: return VK_OEM_COMMA;
+    case SDLK_PERIOD:
+    case SDLK_KP_PERIOD: return VK_OEM_PERIOD;
+    case SDLK_LEFTBRACKET: return VK_OEM_4;
+    case SDLK_RIGHTBRACKET: return VK_OEM_6;
     default: return 0;
     }
 }
@@ -31,6 +43,21 @@ SDL_Keycode KeyCodeNamed(const std::string& name)
 {
     const SDL_Keycode key = name.empty() ? SDLK_UNKNOWN : SDL_GetKeyFromName(name.c_str());
     return key == SDLK_UNKNOWN ? 0 : key;
+}
+
+bool IsWatchingKey(UINT key)
+{
+    switch (key) {
+    case VK_PRIOR:
+    case VK_NEXT:
+    case VK_OEM_PLUS:
+    case VK_OEM_COMMA:
+    case VK_OEM_MINUS:
+    case VK_OEM_PERIOD:
+    case VK_OEM_4:
+    case VK_OEM_6: return true;
+    default: return false;
+    }
 }
 
 } // namespace Platform

@@ -41,6 +41,15 @@ constexpr UINT VK_LEFT = 37;
 constexpr UINT VK_UP = 38;
 constexpr UINT VK_RIGHT = 39;
 constexpr UINT VK_DOWN = 40;
+// Keys only someone watching a replay uses: the rules never hear them.
+constexpr UINT VK_PRIOR = 0x21; // Page Up
+constexpr UINT VK_NEXT = 0x22;  // Page Down
+constexpr UINT VK_OEM_PLUS = 0xBB;
+constexpr UINT VK_OEM_COMMA = 0xBC;
+constexpr UINT VK_OEM_MINUS = 0xBD;
+constexpr UINT VK_OEM_PERIOD = 0xBE;
+constexpr UINT VK_OEM_4 = 0xDB; // [
+constexpr UINT VK_OEM_6 = 0xDD; // ]
 
 // Result codes.
 constexpr Result S_OK = 0;

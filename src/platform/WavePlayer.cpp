@@ -120,9 +120,8 @@ bool CWavePlayer::Play(const std::string& file, UINT flags)
             return false;
         chunk = DefaultSound();
     }
-    Mix_HaltChannel(CAudioDevice::Voice);
     // A wave with no samples is a sound that is over as soon as it starts.
-    if (!chunk || (chunk->alen > 0 && Mix_PlayChannel(CAudioDevice::Voice, chunk, 0) < 0))
+    if (!chunk || !CAudioDevice::Instance().StartVoice(chunk))
         return false;
     playingFile = file;
     playingDefault = useDefault;
@@ -133,13 +132,12 @@ bool CWavePlayer::Play(const std::string& file, UINT flags)
 
 void CWavePlayer::Stop()
 {
-    if (CAudioDevice::Instance().IsOpen())
-        Mix_HaltChannel(CAudioDevice::Voice);
+    CAudioDevice::Instance().StopVoice();
 }
 
 bool CWavePlayer::IsPlaying() const
 {
-    return CAudioDevice::Instance().IsOpen() && Mix_Playing(CAudioDevice::Voice) != 0;
+    return CAudioDevice::Instance().VoicePlaying();
 }
 
 std::string CWavePlayer::PlayingFile() const

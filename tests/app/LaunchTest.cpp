@@ -55,6 +55,12 @@ TEST(LaunchCommandLine, EachOptionAndEachMistake)
         {{"quelvarion.ini"}, LaunchAction::BadUsage, false, std::nullopt},
         {{"--scale=sharp", "--windowed"}, LaunchAction::Play, false, WindowMode::Windowed},
         {{"--scale=huge"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--replay", "a.qvr", "--from", "12.5", "--level", "3"}, LaunchAction::WatchReplay, false, std::nullopt},
+        {{"--from", "12"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--replay", "a.qvr", "--from", "-1"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--replay", "a.qvr", "--from", "nan"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--replay", "a.qvr", "--level", "0"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--replay", "a.qvr", "--level", "2x"}, LaunchAction::BadUsage, false, std::nullopt},
     };
     for (const Case& c : cases) {
         const LaunchRequest request = CLaunch::ReadCommandLine(c.args);
@@ -67,6 +73,9 @@ TEST(LaunchCommandLine, EachOptionAndEachMistake)
     }
     EXPECT_EQ(CLaunch::ReadCommandLine({"--bogus"}).error, "unknown option '--bogus'");
     EXPECT_EQ(CLaunch::ReadCommandLine({"--scale", "integer"}).scaleMode, ScaleMode::Integer);
+    const LaunchRequest later = CLaunch::ReadCommandLine({"--replay", "a.qvr", "--from=90", "--level=4"});
+    EXPECT_EQ(later.fromSeconds, 90.0);
+    EXPECT_EQ(later.fromLevel, 4);
 }
 
 // A comfort changed rewrites its own line and nothing else: what the player

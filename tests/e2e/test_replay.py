@@ -3,8 +3,11 @@ a copy with one key changed is checked again (it goes its own way from the
 frame that key came before), and --replay shows the same pictures: the frames
 kept from the game and from its replay are the same pixel for pixel, but for
 the REPLAY marker in the bottom left corner."""
+import array
+import math
 import os
 import shutil
+import subprocess
 import tempfile
 import time
 import zlib
@@ -189,10 +192,15 @@ def damaged_replay_changes_nothing(replay_file, work):
     expect_equal(open(os.path.join(folder, SETTINGS_FILE), "rb").read(), kept, "the settings after --replay")
 
 
-def watched_seconds(replay_file):
-    """How long --replay shows the recording, the hold on its last picture left out."""
-    with Game(args=["--replay", replay_file]) as game:
+def watched_seconds(replay_file, keys=(), args=()):
+    """How long --replay shows the recording, the hold on its last picture left
+    out; keys are pressed as soon as its window is up. Status 0 says every
+    frame the rules made stood as recorded."""
+    with Game(args=["--replay", replay_file, *args]) as game:
         start = time.monotonic()
+        if keys:
+            game.wait_for_window()
+            game.keys(*keys)
         expect_equal(game.wait_exit(timeout=120), 0, f"exit status of --replay {os.path.basename(replay_file)}")
         return time.monotonic() - start - END_HOLD_S
 
@@ -208,6 +216,16 @@ def recorded_pace_flow():
         # recording only has to play through and close.
         if abs(seconds - 24.0) > 24.0 * 0.05 and not os.environ.get("QV_SANITIZED"):
             fail(f"24 s recorded in 4 ms frames took {seconds:.1f} s to watch")
+        # Faster shows fewer of the same frames; slower holds them (stopped
+        # after a while); a start further on skips to it. Every frame made is
+        # checked against the recording as it is made.
+        for keys, args, most in ((("6",), (), 8.0), (("1", "period", "comma", "Left", "Next", "Prior"), (), 30.0),
+                                 ((), ("--from", "20"), 8.0), (("7",), ("--level", "9"), 30.0)):
+            if keys and keys[0] == "1":
+                keys = keys + ("space",) * 2 + ("Escape",)
+            seconds = watched_seconds(fast, keys, args)
+            if seconds > most and not os.environ.get("QV_SANITIZED"):
+                fail(f"--replay {' '.join(args)} with keys {keys} took {seconds:.1f} s")
 
         # A recording of format 1 (no checksum) with focus lost after its last frame.
         data = open(os.path.join(GOLDEN, "hand-level6.qvr"), "rb").read()
@@ -219,5 +237,92 @@ def recorded_pace_flow():
         shutil.rmtree(work, ignore_errors=True)
 
 
+# Stands in for ffmpeg on the PATH: hands everything on to the real one and
+# keeps, of the raw pictures the game sends, the one numbered in QV_KEEP_PICTURE.
+PICTURE_KEEPER = """#!/usr/bin/env python3
+import os, shutil, subprocess, sys
+real = os.environ["QV_REAL_FFMPEG"]
+if "rawvideo" not in sys.argv:
+    os.execv(real, [real] + sys.argv[1:])
+size = 1024 * 768 * 3
+keep = int(os.environ["QV_KEEP_PICTURE"]) * size
+encoder = subprocess.Popen([real] + sys.argv[1:], stdin=subprocess.PIPE)
+taken = 0
+with open(os.environ["QV_KEPT_PICTURE"], "wb") as kept:
+    while chunk := sys.stdin.buffer.read(1 << 20):
+        lo, hi = max(keep - taken, 0), min(keep + size - taken, len(chunk))
+        if lo < hi:
+            kept.write(chunk[lo:hi])
+        taken += len(chunk)
+        encoder.stdin.write(chunk)
+encoder.stdin.close()
+sys.exit(encoder.wait())
+"""
+PICTURE_AT = 700
+WIDTH, HEIGHT = 1024, 768
+
+
+def probe(video, entries):
+    out = subprocess.run(["ffprobe", "-v", "error", "-show_entries", entries, "-of", "csv=p=0", video],
+                         capture_output=True, text=True, check=True).stdout
+    return [line for line in out.splitlines() if line]
+
+
+def psnr(a, b):
+    if len(a) != len(b) or not a:
+        fail(f"pictures of {len(a)} and {len(b)} bytes")
+    mse = sum((x - y) ** 2 for x, y in zip(a, b)) / len(a)
+    return float("inf") if mse == 0 else 10 * math.log10(255 * 255 / mse)
+
+
+def export_flow():
+    """--export writes the recording as a video of its length, with a sound
+    stream, whose pictures are the game's own; without ffmpeg, or with no
+    folder for the video, it says so with its own status."""
+    work = tempfile.mkdtemp(prefix="qv-export-")
+    path = os.environ["PATH"]
+    try:
+        link_game_data(work)
+        tools, kept = os.path.join(work, "tools"), os.path.join(work, "kept.rgb")
+        os.makedirs(tools)
+        keeper = os.path.join(tools, "ffmpeg")
+        open(keeper, "w").write(PICTURE_KEEPER)
+        os.chmod(keeper, 0o755)
+        os.environ.update(PATH=tools + os.pathsep + path, QV_REAL_FFMPEG=shutil.which("ffmpeg"),
+                          QV_KEEP_PICTURE=str(PICTURE_AT), QV_KEPT_PICTURE=kept)
+        video = os.path.join(work, "game.mp4")
+        status, _, err = run_program(["--export", video, os.path.join(GOLDEN, "scripted-level9.qvr")], work, timeout=300)
+        os.environ["PATH"] = path
+        expect_equal(status, 0, f"exit status of --export ({err.strip()[-300:]})")
+        seconds = float(probe(video, "format=duration")[0])
+        if abs(seconds - 24.0) > 1 / 60:  # 6000 frames of 4 ms
+            fail(f"the video lasts {seconds} s, not the recording's 24 s")
+        if probe(video, "stream=codec_type") != ["video", "audio"]:
+            fail(f"the video's streams are {probe(video, 'stream=codec_type')}")
+        sound = array.array("h", subprocess.run(["ffmpeg", "-v", "error", "-i", video, "-f", "s16le", "-ac", "1", "-"],
+                                                capture_output=True, check=True).stdout)
+        if max(sound, default=0) < 1000:
+            fail("the video's sound is silent")
+        decoded = subprocess.run(["ffmpeg", "-v", "error", "-i", video, "-vf", f"select=eq(n\\,{PICTURE_AT})",
+                                  "-vsync", "0", "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
+                                 capture_output=True, check=True).stdout
+        quality = psnr(decoded, open(kept, "rb").read())
+        print(f"picture {PICTURE_AT}: {quality:.1f} dB PSNR against the game's own")
+        if quality <= 40:
+            fail(f"picture {PICTURE_AT} of the video is {quality:.1f} dB from the game's own")
+
+        for tools_on_path, target, expected, said in ((os.path.join(work, "none"), video, 5, "install"),
+                                                      (path, os.path.join(work, "missing", "x.mp4"), 6, "folder")):
+            os.environ["PATH"] = tools_on_path
+            status, _, err = run_program(["--export", target, os.path.join(GOLDEN, "hand-level1.qvr")], work)
+            expect_equal(status, expected, f"--export to {target} with PATH {tools_on_path}")
+            if said not in err:
+                fail(f"--export should say why: {err!r}")
+    finally:
+        os.environ["PATH"] = path
+        shutil.rmtree(work, ignore_errors=True)
+
+
 run(replay_flow)
 run(recorded_pace_flow)
+run(export_flow)

@@ -2,6 +2,7 @@
 // again in a fresh game from their replays, which must end exactly as they
 // were recorded; a replay changed by one key must go its own way from the
 // frame that key came before.
+#include "app/ReplayClock.h"
 #include "app/ReplayPlayer.h"
 #include "replay/Replay.h"
 #include "support/TestApp.h"
@@ -10,9 +11,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <random>
 
 namespace {
@@ -189,6 +192,84 @@ TEST(Replays, ReplaysWrittenToAFileAreCheckedFromIt)
     EXPECT_EQ(v->VerifyReplayFile(broken), CGameApp::ReplayUnreadableStatus);
     EXPECT_EQ(v->VerifyReplayFile((folder / "missing.qvr").string()), CGameApp::ReplayUnreadableStatus);
     std::filesystem::remove_all(folder);
+}
+
+// How the game stands after each number of frames, played straight through:
+// the world's full state, so that a seek is checked against all of it.
+std::vector<std::uint64_t> StatesPlayedStraight(const CReplay& replay)
+{
+    qvtest::TestApp t(1);
+    CReplayPlayer player(*t, replay);
+    player.Begin();
+    std::vector<std::uint64_t> states{t->ReplaySummary(0).worldHash};
+    while (player.HasNextFrame()) {
+        player.Step();
+        states.push_back(t->ReplaySummary(0).worldHash);
+    }
+    return states;
+}
+
+TEST(Replays, SeekingLandsWherePlayingStraightThereDoes)
+{
+    const CReplay replay = RecordScripted(1003, 3, 6000);
+    const std::vector<std::uint64_t> straight = StatesPlayedStraight(replay);
+    const std::size_t end = straight.size() - 1;
+    qvtest::TestApp t(1);
+    CReplayPlayer player(*t, replay);
+    player.Begin();
+    ASSERT_EQ(player.FrameCount(), end);
+    ASSERT_TRUE(player.SeekNextLevel()) << "the script reaches a second level";
+    const std::size_t secondLevel = player.GetFramesMade();
+    EXPECT_EQ(t->world.GetLevel(), 3);
+    // Ahead, back, to the start, one frame at a time, past the end.
+    for (const std::size_t target : {end / 2, std::size_t{1}, end - 1, secondLevel, std::size_t{0}, end / 3,
+                                     end / 3 + 1, end / 3 - 1, end + 10}) {
+        player.SeekTo(target);
+        const std::size_t landed = std::min(target, end);
+        EXPECT_EQ(player.GetFramesMade(), landed) << target;
+        EXPECT_EQ(t->ReplaySummary(0).worldHash, straight[landed]) << target;
+        EXPECT_EQ(player.GetFirstDivergence(), CReplayPlayer::NoDivergence) << target;
+    }
+    // Every level's start was seen on the way, each a frame after which the level is new.
+    const std::vector<std::size_t> starts = player.GetLevelStarts();
+    ASSERT_GE(starts.size(), 2u);
+    EXPECT_EQ(starts[1], secondLevel);
+    EXPECT_TRUE(std::is_sorted(starts.begin(), starts.end()));
+    // Recorded time and frames agree both ways.
+    for (const std::size_t frames : {std::size_t{0}, std::size_t{1}, secondLevel, end}) {
+        EXPECT_EQ(player.FramesWithin(player.MsAfter(frames)), frames);
+        EXPECT_EQ(player.FramesWithin(player.MsAfter(frames) + 1.0), frames) << "a frame is longer than 1 ms";
+    }
+    EXPECT_DOUBLE_EQ(player.MsAfter(end), player.TotalMs());
+}
+
+TEST(ReplayPace, RecordedTimeDueAtEachSpeed)
+{
+    constexpr double Everything = std::numeric_limits<double>::infinity();
+    const struct {
+        std::size_t speed;
+        double fromMs, wallMs, dueMs;
+    } rows[] = {
+        {0, 0, 1000, 250},   {1, 0, 1000, 500},    {2, 0, 1000, 1000},     {3, 0, 1000, 2000},
+        {4, 0, 1000, 4000},  {5, 0, 1000, 8000},   {5, 500, 16, 628},      {0, 500, 16, 504},
+        {6, 0, 0, Everything}, {2, 7, 0, 7},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(CReplayClock::DueMs(row.fromMs, row.wallMs, row.speed), row.dueMs) << row.speed << " " << row.wallMs;
+
+    // A change of pace goes on from the picture on show, and a pause holds it.
+    CReplayClock clock;
+    clock.Restart(1000, 50);
+    EXPECT_EQ(clock.DueMs(150u), 1100);
+    clock.SetSpeed(5, 1100, 150);
+    EXPECT_EQ(clock.DueMs(160u), 1180);
+    clock.SetPaused(true, 1180, 160);
+    EXPECT_EQ(clock.DueMs(5000u), 1180);
+    clock.SetPaused(false, 1180, 5000);
+    EXPECT_EQ(clock.DueMs(5001u), 1188);
+    EXPECT_EQ(CReplayClock::SpeedName(0), "1/4x");
+    EXPECT_TRUE(CReplayClock::Heard(3));
+    EXPECT_FALSE(CReplayClock::Heard(4));
 }
 
 } // namespace
