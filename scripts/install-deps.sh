@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Makes sure what a group of make targets needs is on this machine:
 #
-#   scripts/install-deps.sh play [test] [fuzz]
+#   scripts/install-deps.sh play [test] [fuzz] [coverage]
 #
 #   play  building the game and its data, and playing it (make run, build, install)
 #   test  the unit, end-to-end and layering tests and the benchmarks (make test, bench)
 #   fuzz  the libFuzzer targets and their crash reports (make fuzz)
+#   coverage  the unit tests' line and branch coverage report (make coverage)
 #
 # Each need is checked the way the build will look for it (a pkg-config
 # module, a command, a font), not in a package database, so the check holds
@@ -61,7 +62,13 @@ command llvm-symbolizer llvm
 EOF
 }
 
-groups=(play test fuzz)
+coverage_needs() {
+  cat <<'EOF'
+command gcovr           gcovr
+EOF
+}
+
+groups=(play test fuzz coverage)
 
 say() { echo "install-deps: $*" >&2; }
 
