@@ -3,7 +3,7 @@
 // --verify does.
 #include "app/GameApp.h"
 #include "app/ReplayPlayer.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 
 #include <benchmark/benchmark.h>
 

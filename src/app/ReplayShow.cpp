@@ -82,7 +82,7 @@ bool CReplayShow::ShowFrame()
         const double frameMs = player.Step();
         NoteDivergence();
         const std::size_t made = player.GetFramesMade() - 1;
-        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > sinceOrigin || app.snapshots.IsWanted(made) ||
+        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > sinceOrigin || app.IsFrameWanted(made) ||
             Platform::TimeGetTime() - now >= LongestCatchUpMs) {
             Compose(frameMs, made);
             return true;
@@ -96,7 +96,7 @@ void CReplayShow::Compose(double frameMs, std::size_t frame)
     app.DrawFrame(frameMs);
     if (CSurface* back = app.display.GetBack()) {
         DrawMarker(*back);
-        app.snapshots.Take(frame, *back);
+        app.LookAtFrame(frame, *back);
     }
     app.DrawComfortNotice();
     if (app.display.Flip() == DDERR_SURFACELOST)

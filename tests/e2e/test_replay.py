@@ -22,6 +22,9 @@ END_HOLD_S = 3
 FORMAT_1_END_BYTES = 19
 GOLDEN = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "replay", "golden")
 VK_UP, VK_DOWN = 0x26, 0x28
+# The game built to keep the pictures of the frames QV_SNAPSHOT_FRAMES names in
+# QV_SNAPSHOT_DIR; it plays as the shipped game does.
+os.environ["QV_GAME"] = os.environ.get("QV_SNAPSHOT_GAME", os.environ["QV_GAME"])
 
 
 def varint(data, at):

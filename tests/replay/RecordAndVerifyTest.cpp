@@ -5,7 +5,7 @@
 #include "app/ReplayPlayer.h"
 #include "replay/Replay.h"
 #include "support/TestApp.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 #include "world/World.h"
 
 #include <gtest/gtest.h>
