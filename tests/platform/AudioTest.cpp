@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 namespace {
@@ -21,6 +22,7 @@ namespace {
 using namespace qvtest;
 
 using NoticeList = std::vector<std::pair<WPARAM, LPARAM>>; // code and device of each notice
+constexpr std::uintmax_t OutputBytesPerSecond = 44100 * 2 * 2; // 16-bit stereo
 
 class AudioTest : public ::testing::Test {
 protected:
@@ -99,9 +101,9 @@ TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUPERSEDED, id}, {MCI_NOTIFY_ABORTED, id}, {MCI_NOTIFY_ABORTED, id}}));
     EXPECT_EQ(Close(other), 0u);
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_ABORTED, other}}));
-    SDL_Delay(600); // long past the end the stopped plays would have reached
-    EXPECT_TRUE(Notices().empty());
 
+    // Played to its end, after the ends the stopped plays would have reached:
+    // their notices, had they any left, would come first.
     ASSERT_EQ(Play(id), 0u);
     ASSERT_TRUE(WaitUntil([&] { return !IsPlaying(id); }));
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUCCESSFUL, id}}));
@@ -140,7 +142,9 @@ TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
         ASSERT_EQ(Seek(id), 0u);
         ASSERT_EQ(Play(id), 0u);
         ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
-        SDL_Delay(400); // what was played ahead is heard
+        // What was played ahead is heard: the output goes on for 0.4 s more.
+        const auto heard = std::filesystem::file_size(file) + OutputBytesPerSecond * 2 / 5;
+        ASSERT_TRUE(WaitUntil([&] { return std::filesystem::file_size(file) >= heard; }));
         Platform::CloseAudio();
     }
     std::ifstream in(file, std::ios::binary);
