@@ -246,6 +246,51 @@ def showing_title(screen):
     return screen.game_picture().brightest() > 100
 
 
+TITLE_COLOUR = (180, 90, 225)
+TEXT_COLOUR = (60, 120, 120)
+HIGHLIGHT_COLOUR = (250, 250, 100)
+
+
+def showing_main_menu(screen):
+    # "Main Menu" in the title font at y 100 and one entry highlighted below it.
+    return (screen.at_game(300, 95, 424, 60).pixels_near(TITLE_COLOUR) > 50
+            and screen.at_game(300, 175, 424, 290).pixels_near(HIGHLIGHT_COLOUR) > 20)
+
+
+def showing_box_screen_title(screen):
+    # The title of a box screen (help, about, high scores) at y 120.
+    return screen.at_game(200, 115, 624, 60).pixels_near(TITLE_COLOUR) > 50
+
+
+# A frame that comes more than a second late pauses the level, as the loss of
+# the window's focus does: on a starved machine the game may pause itself. The
+# tests wait on what the game shows, not on the time gone by.
+
+def pause(game, tries=3):
+    """Brings up the menu over the level, whoever paused it: Escape, or a late frame."""
+    for _ in range(tries):
+        if showing_main_menu(game.screenshot()):
+            return
+        game.keys("Escape")
+        try:
+            game.wait_for_screen(showing_main_menu, timeout=5)
+            return
+        except AssertionError:
+            pass
+    fail("the level would not pause")
+
+
+def play_on(game, timeout=30):
+    """Waits until things move in the level; a level a late frame paused is resumed."""
+    deadline = time.monotonic() + timeout
+    while time.monotonic() < deadline:
+        if showing_main_menu(game.screenshot()):
+            game.keys("Escape")
+        elif newly_lit_cells(game) >= 3:
+            return
+    fail("nothing moves during play")
+
+
 class Game:
     """The game running on an X server of its own. Use it in a `with` block:
     leaving it ends the game, the server and the scratch folder."""
