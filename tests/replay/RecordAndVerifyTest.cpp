@@ -173,8 +173,9 @@ TEST(Replays, AGameAbandonedForANewOneEndsBeforeTheKeyThatStartedIt)
 
 TEST(Replays, ReplaysWrittenToAFileAreCheckedFromIt)
 {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "qv-replay-file-test";
-    std::filesystem::create_directories(folder);
+    // A folder of this run's own: runs side by side must not share one.
+    const qvtest::ScopedWorkDir dir;
+    const std::filesystem::path& folder = dir.Path();
     const std::string mine = (folder / "mine.qvr").string();
     const std::string broken = (folder / "broken.qvr").string();
     {
@@ -188,7 +189,6 @@ TEST(Replays, ReplaysWrittenToAFileAreCheckedFromIt)
     EXPECT_EQ(v->VerifyReplayFile(mine), 0);
     EXPECT_EQ(v->VerifyReplayFile(broken), CGameApp::ReplayUnreadableStatus);
     EXPECT_EQ(v->VerifyReplayFile((folder / "missing.qvr").string()), CGameApp::ReplayUnreadableStatus);
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace
