@@ -257,6 +257,15 @@ def showing_main_menu(screen):
             and screen.at_game(300, 175, 424, 290).pixels_near(HIGHLIGHT_COLOUR) > 20)
 
 
+BOX_FRAME_COLOUR = (50, 50, 50)
+
+
+def showing_design_screen(screen):
+    # "Your Ship" over the left panel, and the panels' frames.
+    return (screen.at_game(60, 100, 280, 40).pixels_near(TITLE_COLOUR) > 30
+            and screen.at_game(40, 90, 944, 600).pixels_near(BOX_FRAME_COLOUR, tolerance=12) > 300)
+
+
 def showing_box_screen_title(screen):
     # The title of a box screen (help, about, high scores) at y 120.
     return screen.at_game(200, 115, 624, 60).pixels_near(TITLE_COLOUR) > 50
@@ -447,7 +456,7 @@ class Game:
     def start_new_game(self):
         """From the main menu: "New Game", then the short empty level until the design screen."""
         self.choose("New Game")
-        time.sleep(1.5)
+        self.wait_for_screen(showing_design_screen, timeout=30)
 
     def choose(self, entry):
         """Picks a main-menu entry from the top of the menu."""

@@ -1,10 +1,8 @@
 """The menus as a player meets them: the main menu after the title, then the
 help, about and high-score screens, each opened from the menu and closed with
 Escape, and the heads-up texts over a level in play."""
-from quelvarion_e2e import (MAIN_MENU, TEXT_COLOUR, Game, fail, run, settings_text, showing_box_screen_title,
-                            showing_main_menu)
-
-BOX_FRAME_COLOUR = (50, 50, 50)
+from quelvarion_e2e import (BOX_FRAME_COLOUR, MAIN_MENU, TEXT_COLOUR, Game, fail, run, settings_text,
+                            showing_box_screen_title, showing_main_menu)
 
 
 def expect_colour(region, colour, what, least=20):
