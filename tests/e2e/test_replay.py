@@ -5,6 +5,7 @@ kept from the game and from its replay are the same pixel for pixel, but for
 the REPLAY marker in the bottom left corner."""
 import os
 import shutil
+import sys
 import tempfile
 import time
 import zlib
@@ -167,8 +168,15 @@ def replay_flow():
                 fail("the replay saved the settings")
             if os.path.exists(os.path.join(game.folder, "last-game.qvr")):
                 fail("the replay was kept as the last game")
-        for f in frames:
-            compare_pictures(os.path.join(recorded, f"frame-{f}.bmp"), os.path.join(replayed, f"frame-{f}.bmp"), f)
+        try:
+            for f in frames:
+                compare_pictures(os.path.join(recorded, f"frame-{f}.bmp"), os.path.join(replayed, f"frame-{f}.bmp"), f)
+        except AssertionError:
+            keep = os.path.join(os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir()), "qv-e2e-replay-frames")
+            shutil.rmtree(keep, ignore_errors=True)
+            shutil.copytree(work, keep)
+            print(f"the recorded and replayed frames: {keep}", file=sys.stderr)
+            raise
     finally:
         shutil.rmtree(work, ignore_errors=True)
 
