@@ -251,10 +251,18 @@ TEXT_COLOUR = (60, 120, 120)
 HIGHLIGHT_COLOUR = (250, 250, 100)
 
 
+def menu_entry(screen):
+    """The highlighted entry of the main menu (its index in MAIN_MENU), or None."""
+    for entry in range(len(MAIN_MENU)):
+        # The entries' text starts at y 185, one every 50 pixels.
+        if screen.at_game(300, 175 + 50 * entry, 424, 35).pixels_near(HIGHLIGHT_COLOUR) > 10:
+            return entry
+    return None
+
+
 def showing_main_menu(screen):
     # "Main Menu" in the title font at y 100 and one entry highlighted below it.
-    return (screen.at_game(300, 95, 424, 60).pixels_near(TITLE_COLOUR) > 50
-            and screen.at_game(300, 175, 424, 290).pixels_near(HIGHLIGHT_COLOUR) > 20)
+    return screen.at_game(300, 95, 424, 60).pixels_near(TITLE_COLOUR) > 50 and menu_entry(screen) is not None
 
 
 BOX_FRAME_COLOUR = (50, 50, 50)
@@ -276,14 +284,16 @@ def showing_box_screen_title(screen):
 # tests wait on what the game shows, not on the time gone by.
 
 def pause(game, tries=3):
-    """Brings up the menu over the level, whoever paused it: Escape, or a late frame."""
+    """Brings up the menu over the level, whoever paused it: Escape, or a late
+    frame (keys meant for the ship may then have moved the highlight). Returns
+    the highlighted entry."""
     for _ in range(tries):
-        if showing_main_menu(game.screenshot()):
-            return
+        entry = menu_entry(game.screenshot())
+        if entry is not None:
+            return entry
         game.keys("Escape")
         try:
-            game.wait_for_screen(showing_main_menu, timeout=5)
-            return
+            return menu_entry(game.wait_for_screen(showing_main_menu, timeout=5))
         except AssertionError:
             pass
     fail("the level would not pause")

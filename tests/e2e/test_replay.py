@@ -10,7 +10,7 @@ import tempfile
 import time
 import zlib
 
-from quelvarion_e2e import (GAME_HEIGHT, SETTINGS_FILE, Game, expect_equal, fail, link_game_data, pause, run,
+from quelvarion_e2e import (GAME_HEIGHT, MAIN_MENU, SETTINGS_FILE, Game, expect_equal, fail, link_game_data, pause, run,
                             run_program, settings_text)
 
 SNAPSHOT_FRAMES = [20, 150, 400, 900]
@@ -89,8 +89,7 @@ def record(replay_file, snapshots):
         while time.monotonic() < deadline:
             for key, seconds in (("Up", 0.8), ("Left", 0.5), ("Up", 0.4), ("Right", 0.7), ("Down", 0.3)):
                 hold(game, key, seconds)
-        pause(game)
-        game.keys("Down", "Down", "Down", "Down", "Down", "Return")  # Exit Game
+        game.keys(*["Down"] * (MAIN_MENU.index("Exit Game") - pause(game)), "Return")
         expect_equal(game.wait_exit(), 0, "exit status of the recorded game")
 
 
