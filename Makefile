@@ -7,6 +7,7 @@ PREFIX ?= /usr/local
 ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
 FUZZ_SECONDS ?= 60
+COVERAGE_BUILD ?= build-coverage
 CMAKE_FLAGS ?=
 ifdef CI
 CMAKE_FLAGS += -DQV_WERROR=ON
@@ -17,7 +18,7 @@ CONFIGURE = cmake -S . -B
 # What playing and installing need: the program, its data and its icons.
 GAME_TARGETS = --target quelvarion quelvarion_game_data quelvarion_icon
 
-.PHONY: all deps configure build game run test test-asan test-portable fuzz bench install clean
+.PHONY: all deps configure build game run test test-asan test-portable fuzz bench coverage install clean
 
 all: build
 
@@ -63,6 +64,19 @@ test-asan:
 	@$(CONFIGURE) $(ASAN_BUILD) -DQV_SANITIZE=ON -DQV_TESTS=ON -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS) > /dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# How much of the game's code the unit tests run, line by line and branch by
+# branch: a build of its own, instrumented, and gcovr's summary of src/ (the
+# whole report in $(COVERAGE_BUILD)/coverage.txt).
+coverage:
+	@$(DEPS) play test coverage
+	@$(CONFIGURE) $(COVERAGE_BUILD) -DQV_TESTS=ON -DCMAKE_BUILD_TYPE=Debug \
+		-DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage $(CMAKE_FLAGS) > /dev/null
+	@cmake --build $(COVERAGE_BUILD) -j $(JOBS) --target quelvarion_tests quelvarion_game_data
+	@find $(COVERAGE_BUILD) -name '*.gcda' -delete
+	@cd $(COVERAGE_BUILD) && SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=dummy ./quelvarion_tests --gtest_brief=1
+	@gcovr --root . --filter src/ --exclude-unreachable-branches --exclude-throw-branches \
+		--txt $(COVERAGE_BUILD)/coverage.txt --print-summary $(COVERAGE_BUILD) | tail -3
 
 # The game built with clang, with gcc for x86-64-v3 and for arm64 (run under
 # QEMU) must play every kept replay exactly as recorded.

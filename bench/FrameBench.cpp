@@ -6,7 +6,7 @@
 #include "app/GameApp.h"
 #include "platform/Clock.h"
 #include "ship/Ship.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 #include "world/GameObject.h"
 
 #include <benchmark/benchmark.h>

@@ -4,7 +4,7 @@
 // thirty-minute game, which re-makes the game from its start.
 #include "app/GameApp.h"
 #include "app/ReplayPlayer.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Makes sure what a group of make targets needs is on this machine:
 #
-#   scripts/install-deps.sh play [test] [fuzz] [portable]
+#   scripts/install-deps.sh play [test] [fuzz] [portable] [coverage]
 #
 #   play      building the game and its data, and playing it (make run, build, install)
 #   test      the unit, end-to-end and layering tests and the benchmarks (make test, bench)
 #   fuzz      the libFuzzer targets and their crash reports (make fuzz)
 #   portable  the clang and arm64 builds that check the kept replays (make test-portable)
+#   coverage  the unit tests' line and branch coverage report (make coverage)
 #
 # Each need is checked the way the build will look for it (a pkg-config
 # module, a command, a font), not in a package database, so the check holds
@@ -82,7 +83,13 @@ arm64   zlib            zlib1g-dev:arm64
 EOF
 }
 
-groups=(play test fuzz portable)
+coverage_needs() {
+  cat <<'EOF'
+command gcovr           gcovr
+EOF
+}
+
+groups=(play test fuzz portable coverage)
 
 say() { echo "install-deps: $*" >&2; }
 

@@ -231,7 +231,7 @@ bool CGameApp::OnIdle(long count)
     AdvanceFrame(elapsedMs);
     DrawFrame(elapsedMs);
     if (recordedFrame >= 0 && display.GetBack())
-        snapshots.Take(static_cast<std::size_t>(recordedFrame), *display.GetBack());
+        LookAtFrame(static_cast<std::size_t>(recordedFrame), *display.GetBack());
     DrawComfortNotice();
     if (display.Flip() == DDERR_SURFACELOST)
         display.Restore();

@@ -1,5 +1,5 @@
 #pragma once
-#include "app/FrameSnapshots.h"
+#include "app/FrameObserver.h"
 #include "app/GameControl.h"
 #include "app/Recorder.h"
 #include "app/KeyBindings.h"
@@ -189,7 +189,15 @@ public:
     std::uint32_t musicDevice = NoMusicDevice;
     CRandom random;
     CRecorder recorder;
-    CFrameSnapshots snapshots;
+    // Shown the recorded frames' pictures, where something outside the game
+    // asks for them.
+    CFrameObserver* frameObserver = nullptr;
+    bool IsFrameWanted(std::size_t frame) const { return frameObserver && frameObserver->IsWanted(frame); }
+    void LookAtFrame(std::size_t frame, CSurface& picture)
+    {
+        if (IsFrameWanted(frame))
+            frameObserver->Look(frame, picture);
+    }
     CPadBindings padBindings;
     CKeyBindings keyBindings;
     CScreenshots screenshots;

@@ -250,7 +250,7 @@ bool CReplayShow::ShowFrame()
         const double frameMs = player.Step();
         NoteDivergence();
         const std::size_t made = player.GetFramesMade() - 1;
-        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > due || app.snapshots.IsWanted(made) ||
+        if (!player.HasNextFrame() || playedMs + player.NextFrameMs() > due || app.IsFrameWanted(made) ||
             Platform::TimeGetTime() - now >= budget) {
             Compose(frameMs, made);
             return true;
@@ -277,7 +277,7 @@ void CReplayShow::Compose(double frameMs, std::size_t frame)
     app.DrawFrame(frameMs);
     if (CSurface* back = app.display.GetBack()) {
         DrawMarker(*back);
-        app.snapshots.Take(frame, *back);
+        app.LookAtFrame(frame, *back);
         bar.Draw(*back, app.smallFont, app.screenWidth, app.screenHeight, BarState(), Platform::TimeGetTime());
     }
     app.DrawComfortNotice();

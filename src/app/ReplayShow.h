@@ -52,7 +52,7 @@ public:
 private:
     static constexpr std::size_t NoFrame = static_cast<std::size_t>(-1);
     // Draws a frame, the marker and the bar over it, and flips; frame is the
-    // recorded frame it shows, for the snapshots.
+    // recorded frame it shows, for the frame observer.
     void Compose(double frameMs, std::size_t frame);
     void DrawMarker(CSurface& back);
     void NoteDivergence();

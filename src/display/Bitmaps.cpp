@@ -1,5 +1,6 @@
 #include "display/Bitmaps.h"
 
+#include "core/ByteStream.h"
 #include "platform/Bitmap.h"
 #include "platform/DC.h"
 #include "platform/FileBytes.h"
@@ -21,14 +22,6 @@ constexpr std::size_t InfoHeaderBytes = 40;
 constexpr std::uint32_t ExpectedInfoHeaderSize = 40;
 constexpr int MaxPalettedBits = 8;
 
-std::uint32_t ReadLittle(const std::uint8_t* bytes, int count)
-{
-    std::uint32_t value = 0;
-    for (int i = count - 1; i >= 0; --i)
-        value = (value << 8) | bytes[i];
-    return value;
-}
-
 // Entry i of the default palette: three bits of red, three of green, two of blue.
 CPalette::Entries ColourCube()
 {
@@ -45,9 +38,9 @@ CPalette::Entries ColourCube()
 // How many entries of the bitmap's colour table are colours.
 int ColourTableSize(const std::array<std::uint8_t, InfoHeaderBytes>& info)
 {
-    const std::uint32_t headerSize = ReadLittle(&info[0], 4);
-    const std::uint32_t bitsPerPixel = ReadLittle(&info[14], 2);
-    const std::uint32_t coloursUsed = ReadLittle(&info[32], 4);
+    const std::uint32_t headerSize = static_cast<std::uint32_t>(LittleAt(&info[0], 4));
+    const std::uint32_t bitsPerPixel = static_cast<std::uint32_t>(LittleAt(&info[14], 2));
+    const std::uint32_t coloursUsed = static_cast<std::uint32_t>(LittleAt(&info[32], 4));
     if (headerSize != ExpectedInfoHeaderSize || bitsPerPixel > MaxPalettedBits)
         return 0;
     const std::uint32_t n = coloursUsed != 0 ? coloursUsed : (1u << bitsPerPixel);

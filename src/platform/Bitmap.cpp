@@ -1,5 +1,6 @@
 #include "platform/Bitmap.h"
 
+#include "core/ByteStream.h"
 #include "platform/FileBytes.h"
 
 #include <SDL.h>
@@ -37,14 +38,6 @@ constexpr std::uint32_t CoreHeaderBytes = 12; // the oldest header: 16-bit sizes
 constexpr std::uint32_t UncompressedRgb = 0;
 constexpr std::uint32_t UncompressedBitFields = 3;
 
-std::int64_t ReadLittle(const std::uint8_t* bytes, int count)
-{
-    std::int64_t value = 0;
-    for (int i = count - 1; i >= 0; --i)
-        value = (value << 8) | bytes[i];
-    return value;
-}
-
 // Whether the size a bitmap file's header states is one the file can hold:
 // a picture of at most MaxPicturePixels, and an uncompressed one whose rows
 // fit in the file. A header that cannot be read is left to the decoder.
@@ -56,11 +49,14 @@ bool PlausibleSize(const std::filesystem::path& file)
     if (in.gcount() < static_cast<std::streamsize>(FileHeaderBytes + CoreHeaderBytes))
         return true;
     const std::uint8_t* info = head.data() + FileHeaderBytes;
-    const bool core = ReadLittle(info, 4) == CoreHeaderBytes;
-    const std::int64_t width = core ? ReadLittle(info + 4, 2) : static_cast<std::int32_t>(ReadLittle(info + 4, 4));
-    const std::int64_t height = core ? ReadLittle(info + 6, 2) : static_cast<std::int32_t>(ReadLittle(info + 8, 4));
-    const std::int64_t bits = ReadLittle(info + (core ? 10 : 14), 2);
-    const std::int64_t compression = core ? UncompressedRgb : ReadLittle(info + 16, 4);
+    // Sizes are signed in the newer headers: a negative height is a top-down picture.
+    const auto signedAt = [&](int at) -> std::int64_t { return static_cast<std::int32_t>(LittleAt(info + at, 4)); };
+    const auto unsignedAt = [&](int at, int bytes) { return static_cast<std::int64_t>(LittleAt(info + at, bytes)); };
+    const bool core = LittleAt(info, 4) == CoreHeaderBytes;
+    const std::int64_t width = core ? unsignedAt(4, 2) : signedAt(4);
+    const std::int64_t height = core ? unsignedAt(6, 2) : signedAt(8);
+    const std::int64_t bits = unsignedAt(core ? 10 : 14, 2);
+    const std::int64_t compression = core ? UncompressedRgb : unsignedAt(16, 4);
     const std::int64_t rows = std::llabs(height);
     if (width <= 0 || rows == 0)
         return true; // the decoder refuses these itself

@@ -1,7 +1,8 @@
 #include "platform/MidiTune.h"
 
+#include "core/ByteStream.h"
+
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -16,69 +17,6 @@ constexpr std::uint8_t SysExContinued = 0xF7;
 constexpr std::uint8_t ProgramChange = 0xC0;
 constexpr std::uint8_t ChannelPressure = 0xD0;
 
-// Reads big-endian numbers and variable-length quantities, refusing to step
-// past the end of its bytes.
-class CByteReader {
-public:
-    CByteReader(const std::uint8_t* from, std::size_t size) : at(from), end(from + size) {}
-
-    std::size_t Left() const { return static_cast<std::size_t>(end - at); }
-    bool Byte(std::uint8_t& out)
-    {
-        if (at == end)
-            return false;
-        out = *at++;
-        return true;
-    }
-    bool Skip(std::size_t count)
-    {
-        if (count > Left())
-            return false;
-        at += count;
-        return true;
-    }
-    bool BigEndian(int bytes, std::uint32_t& out)
-    {
-        out = 0;
-        for (std::uint8_t byte = 0; bytes-- > 0; out = (out << 8) | byte)
-            if (!Byte(byte))
-                return false;
-        return true;
-    }
-    bool Tag(const char (&expected)[5])
-    {
-        if (Left() < 4 || std::memcmp(at, expected, 4) != 0)
-            return false;
-        at += 4;
-        return true;
-    }
-    // Seven bits a byte, most significant first, at most four bytes.
-    bool VariableLength(std::uint32_t& out)
-    {
-        out = 0;
-        for (int i = 0; i < 4; ++i) {
-            std::uint8_t byte = 0;
-            if (!Byte(byte))
-                return false;
-            out = (out << 7) | (byte & 0x7F);
-            if (!(byte & 0x80))
-                return true;
-        }
-        return false;
-    }
-    CByteReader Take(std::size_t count)
-    {
-        CByteReader part(at, count);
-        at += count;
-        return part;
-    }
-
-private:
-    const std::uint8_t* at;
-    const std::uint8_t* end;
-};
-
-// An event of one track at its tick, before the tempo map gives it a time.
 struct TrackEvent {
     enum class Kind { Channel, Tempo, Other };
     std::uint64_t tick = 0;
@@ -89,7 +27,8 @@ struct TrackEvent {
 
 bool DataByte(CByteReader& in, std::uint8_t& out)
 {
-    return in.Byte(out) && out < 0x80;
+    out = in.U8();
+    return !in.Failed() && out < 0x80;
 }
 
 std::size_t DataBytes(std::uint8_t status)
@@ -102,14 +41,15 @@ std::size_t DataBytes(std::uint8_t status)
 // every other kind only marks a time.
 bool ReadMeta(CByteReader& in, TrackEvent& event, bool& trackEnds)
 {
-    std::uint8_t type = 0;
-    std::uint32_t length = 0;
-    if (!in.Byte(type) || !in.VariableLength(length))
+    const std::uint8_t type = in.U8();
+    const std::uint32_t length = in.VariableLength();
+    if (in.Failed())
         return false;
     trackEnds = type == MetaEndOfTrack;
     if (type == MetaTempo && length == 3) {
         event.kind = TrackEvent::Kind::Tempo;
-        return in.BigEndian(3, event.microsPerQuarter);
+        event.microsPerQuarter = static_cast<std::uint32_t>(in.Big(3));
+        return !in.Failed();
     }
     return in.Skip(length);
 }
@@ -122,9 +62,9 @@ bool ReadTrack(CByteReader in, std::vector<TrackEvent>& out)
     std::uint64_t tick = 0;
     std::uint8_t running = 0;
     while (in.Left() > 0) {
-        std::uint32_t delta = 0;
-        std::uint8_t first = 0;
-        if (!in.VariableLength(delta) || !in.Byte(first))
+        const std::uint32_t delta = in.VariableLength();
+        const std::uint8_t first = in.U8();
+        if (in.Failed())
             return false;
         tick += delta;
         if (tick > MaxTicks)
@@ -142,8 +82,7 @@ bool ReadTrack(CByteReader in, std::vector<TrackEvent>& out)
             continue;
         }
         if (first == SysEx || first == SysExContinued) {
-            std::uint32_t length = 0;
-            if (!in.VariableLength(length) || !in.Skip(length))
+            if (!in.Skip(in.VariableLength()))
                 return false;
             out.push_back(event);
             running = 0;
@@ -224,9 +163,13 @@ std::optional<CMidiTune> CMidiTune::Parse(const std::uint8_t* bytes, std::size_t
     if (!bytes || size > MaxFileBytes)
         return std::nullopt;
     CByteReader in(bytes, size);
-    std::uint32_t headerLength = 0, format = 0, trackCount = 0, division = 0;
-    if (!in.Tag("MThd") || !in.BigEndian(4, headerLength) || headerLength < 6 || !in.BigEndian(2, format) ||
-        !in.BigEndian(2, trackCount) || !in.BigEndian(2, division) || !in.Skip(headerLength - 6))
+    if (!in.Tag("MThd"))
+        return std::nullopt;
+    const std::uint64_t headerLength = in.Big(4);
+    const std::uint64_t format = in.Big(2);
+    const std::uint64_t trackCount = in.Big(2);
+    const std::uint64_t division = in.Big(2);
+    if (headerLength < 6 || !in.Skip(headerLength - 6))
         return std::nullopt;
     CTempoMap tempoMap(static_cast<std::uint16_t>(division));
     if (format > 1 || trackCount == 0 || !tempoMap.IsValid())
@@ -239,8 +182,8 @@ std::optional<CMidiTune> CMidiTune::Parse(const std::uint8_t* bytes, std::size_t
         const bool isTrack = in.Tag("MTrk");
         if (!isTrack && !in.Skip(4))
             return std::nullopt;
-        std::uint32_t length = 0;
-        if (!in.BigEndian(4, length) || length > in.Left())
+        const std::uint64_t length = in.Big(4);
+        if (in.Failed() || length > in.Left())
             return std::nullopt;
         CByteReader chunk = in.Take(length);
         if (!isTrack)

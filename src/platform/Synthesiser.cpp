@@ -100,17 +100,16 @@ bool CSynthesiser::LoadFonts()
     const char* playerList = std::getenv("SDL_SOUNDFONTS");
     const std::vector<std::string> candidates = FontCandidates(playerList);
     const std::size_t playerFonts = candidates.size() - std::size(DefaultFonts);
-    bool loaded = false;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
-        if (i == playerFonts && loaded)
+        if (i == playerFonts && !loadedFonts.empty())
             break;
         if (IsFile(candidates[i]) && fluid_synth_sfload(synth, candidates[i].c_str(), 1) != FLUID_FAILED) {
-            loaded = true;
+            loadedFonts.push_back(candidates[i]);
             if (i >= playerFonts)
                 break;
         }
     }
-    return loaded;
+    return !loadedFonts.empty();
 }
 
 void CSynthesiser::Send(const MidiMessage& message)

@@ -29,6 +29,9 @@ public:
 
     // The fonts to try, in order: the player's list, then the defaults.
     static std::vector<std::string> FontCandidates(const char* playerList);
+    // The fonts it plays with, as named: what the player hears told apart
+    // from what was asked for.
+    const std::vector<std::string>& LoadedFonts() const { return loadedFonts; }
 
     void Send(const MidiMessage& message);
     // Renders the next frames into out, as interleaved stereo.
@@ -48,4 +51,5 @@ private:
 
     _fluid_hashtable_t* settings = nullptr;
     _fluid_synth_t* synth = nullptr;
+    std::vector<std::string> loadedFonts;
 };

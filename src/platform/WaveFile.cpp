@@ -1,5 +1,7 @@
 #include "platform/WaveFile.h"
 
+#include "core/ByteStream.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -14,18 +16,6 @@ constexpr double ToneAmplitude = 9000.0;
 // How fast a tone dies away: its loudness falls by e^6 over its length.
 constexpr double ToneDecay = 6.0;
 
-void Put(std::vector<std::uint8_t>& out, const char* tag)
-{
-    for (int i = 0; i < 4; ++i)
-        out.push_back(static_cast<std::uint8_t>(tag[i]));
-}
-
-void PutLittleEndian(std::vector<std::uint8_t>& out, std::uint32_t value, int bytes)
-{
-    for (int i = 0; i < bytes; ++i)
-        out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
-
 } // namespace
 
 namespace Platform {
@@ -34,24 +24,23 @@ std::vector<std::uint8_t> EncodeWave(const std::vector<std::int16_t>& samples, i
 {
     const auto dataBytes = static_cast<std::uint32_t>(samples.size() * sizeof(std::int16_t));
     const std::uint16_t blockAlign = MonoChannels * BitsPerSample / 8;
-    std::vector<std::uint8_t> out;
-    out.reserve(HeaderBytesAfterSize + 8 + dataBytes);
-    Put(out, "RIFF");
-    PutLittleEndian(out, HeaderBytesAfterSize + dataBytes, 4);
-    Put(out, "WAVE");
-    Put(out, "fmt ");
-    PutLittleEndian(out, FormatChunkSize, 4);
-    PutLittleEndian(out, PcmFormat, 2);
-    PutLittleEndian(out, MonoChannels, 2);
-    PutLittleEndian(out, static_cast<std::uint32_t>(sampleRate), 4);
-    PutLittleEndian(out, static_cast<std::uint32_t>(sampleRate) * blockAlign, 4);
-    PutLittleEndian(out, blockAlign, 2);
-    PutLittleEndian(out, BitsPerSample, 2);
-    Put(out, "data");
-    PutLittleEndian(out, dataBytes, 4);
+    CByteWriter out;
+    out.Bytes("RIFF", 4);
+    out.U32(HeaderBytesAfterSize + dataBytes);
+    out.Bytes("WAVEfmt ", 8);
+    out.U32(FormatChunkSize);
+    out.U16(PcmFormat);
+    out.U16(MonoChannels);
+    out.U32(static_cast<std::uint32_t>(sampleRate));
+    out.U32(static_cast<std::uint32_t>(sampleRate) * blockAlign);
+    out.U16(blockAlign);
+    out.U16(BitsPerSample);
+    out.Bytes("data", 4);
+    out.U32(dataBytes);
     for (std::int16_t sample : samples)
-        PutLittleEndian(out, static_cast<std::uint16_t>(sample), 2);
-    return out;
+        out.U16(static_cast<std::uint16_t>(sample));
+    const std::string& bytes = out.Data();
+    return {bytes.begin(), bytes.end()};
 }
 
 std::vector<std::int16_t> MakeTone(double frequencyHz, std::uint32_t lengthMs, int sampleRate)

@@ -1,5 +1,6 @@
 #include "platform/WavePlayer.h"
 
+#include "core/ByteStream.h"
 #include "platform/AudioDevice.h"
 #include "platform/FileBytes.h"
 #include "platform/WaveFile.h"
@@ -28,13 +29,7 @@ constexpr double MaxWaveSeconds = 30.0;
 
 std::uint32_t LittleEndian32(const std::vector<std::uint8_t>& bytes, std::size_t at)
 {
-    return bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 | static_cast<std::uint32_t>(bytes[at + 3]) << 24;
-}
-
-void PutLittleEndian32(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_t value)
-{
-    for (int i = 0; i < 4; ++i)
-        bytes[at + i] = static_cast<std::uint8_t>(value >> (8 * i));
+    return static_cast<std::uint32_t>(LittleAt(&bytes[at], 4));
 }
 
 // SDL takes a wave's chunk sizes at their word and sets aside the memory they
@@ -48,11 +43,11 @@ void FitChunksToFile(std::vector<std::uint8_t>& bytes)
     if (bytes.size() < RiffHeader)
         return;
     const auto left = [&](std::size_t at) { return static_cast<std::uint32_t>(bytes.size() - at - ChunkHeader); };
-    PutLittleEndian32(bytes, 4, std::min(LittleEndian32(bytes, 4), left(0)));
+    PutLittleAt(&bytes[4], std::min(LittleEndian32(bytes, 4), left(0)), 4);
     for (std::size_t at = RiffHeader; at + ChunkHeader <= bytes.size();) {
         const std::uint32_t length = LittleEndian32(bytes, at + 4);
         if (length > left(at)) {
-            PutLittleEndian32(bytes, at + 4, left(at));
+            PutLittleAt(&bytes[at + 4], left(at), 4);
             return;
         }
         at += ChunkHeader + length + (length & 1); // chunks keep to even sizes

@@ -1,5 +1,6 @@
 #include "replay/Replay.h"
 
+#include "core/ByteStream.h"
 #include "platform/FileBytes.h"
 #include "platform/FileStore.h"
 #include "platform/Types.h"
@@ -56,10 +57,7 @@ std::uint32_t Crc32(const char* data, std::size_t size)
 
 std::uint32_t LittleU32At(const std::string& bytes, std::size_t at)
 {
-    std::uint32_t v = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        v |= static_cast<std::uint32_t>(static_cast<std::uint8_t>(bytes[at + i])) << (8 * i);
-    return v;
+    return static_cast<std::uint32_t>(LittleAt(reinterpret_cast<const std::uint8_t*>(bytes.data()) + at, 4));
 }
 
 // The messages a replay carries: keys and activation, nothing else.
@@ -74,119 +72,20 @@ bool IsWholeClockTime(double ms)
     return ms >= 0.0 && ms < 4294967296.0 && std::trunc(ms) == ms;
 }
 
-class CByteWriter {
-public:
-    void Bytes(const void* data, std::size_t size) { out.append(static_cast<const char*>(data), size); }
-    void U8(std::uint8_t v) { out.push_back(static_cast<char>(v)); }
-    void U16(std::uint16_t v) { Little(v, 2); }
-    void U32(std::uint32_t v) { Little(v, 4); }
-    void U64(std::uint64_t v) { Little(v, 8); }
-    void Varint(std::uint32_t v)
-    {
-        while (v >= 0x80) {
-            U8(static_cast<std::uint8_t>(v | 0x80));
-            v >>= 7;
-        }
-        U8(static_cast<std::uint8_t>(v));
-    }
-    void Text(const std::string& text)
-    {
-        const std::size_t size = std::min(text.size(), CReplay::MaxTextBytes);
-        U8(static_cast<std::uint8_t>(size));
-        Bytes(text.data(), size);
-    }
-    std::string Take() { return std::move(out); }
+// Texts are short: a byte of length, then the bytes.
+void WriteText(CByteWriter& w, const std::string& text)
+{
+    const std::size_t size = std::min(text.size(), CReplay::MaxTextBytes);
+    w.U8(static_cast<std::uint8_t>(size));
+    w.Bytes(text.data(), size);
+}
 
-private:
-    void Little(std::uint64_t v, int bytes)
-    {
-        for (int i = 0; i < bytes; ++i)
-            U8(static_cast<std::uint8_t>(v >> (8 * i)));
-    }
-    std::string out;
-};
-
-// Reads the file front to back; the first thing amiss stops it with a reason
-// naming the byte where it was found.
-class CByteReader {
-public:
-    // Reads bytes[0, end): what follows is the checksum, read apart.
-    CByteReader(const std::string& bytes, std::size_t end) : in(bytes), size(end) {}
-
-    bool Failed() const { return !error.empty(); }
-    const std::string& Error() const { return error; }
-    bool AtEnd() const { return at == size; }
-    std::size_t Offset() const { return at; }
-
-    void Fail(const std::string& reason)
-    {
-        if (error.empty())
-            error = reason + " at byte " + std::to_string(at);
-    }
-
-    bool Bytes(void* data, std::size_t size)
-    {
-        if (Failed())
-            return false;
-        if (this->size - at < size) {
-            Fail("the file ends early");
-            return false;
-        }
-        std::memcpy(data, in.data() + at, size);
-        at += size;
-        return true;
-    }
-    std::uint8_t U8() { return static_cast<std::uint8_t>(Little(1)); }
-    std::uint16_t U16() { return static_cast<std::uint16_t>(Little(2)); }
-    std::uint32_t U32() { return static_cast<std::uint32_t>(Little(4)); }
-    std::uint64_t U64() { return Little(8); }
-    std::uint32_t Varint()
-    {
-        std::uint64_t value = 0;
-        for (int shift = 0; shift < 35; shift += 7) {
-            const std::uint8_t byte = U8();
-            if (Failed())
-                return 0;
-            value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
-            if ((byte & 0x80) == 0) {
-                if (value > 0xFFFFFFFFu)
-                    break;
-                // One way to write each number: a longer form is not the game's.
-                if (byte == 0 && shift > 0) {
-                    Fail("a number written longer than it needs");
-                    return 0;
-                }
-                return static_cast<std::uint32_t>(value);
-            }
-        }
-        Fail("a number does not fit in 32 bits");
-        return 0;
-    }
-    std::string Text()
-    {
-        const std::size_t size = U8();
-        std::string text(size, '\0');
-        Bytes(text.data(), size);
-        return text;
-    }
-
-private:
-    std::uint64_t Little(int bytes)
-    {
-        std::uint8_t raw[8] = {};
-        if (!Bytes(raw, static_cast<std::size_t>(bytes)))
-            return 0;
-        std::uint64_t v = 0;
-        for (int i = 0; i < bytes; ++i)
-            v |= static_cast<std::uint64_t>(raw[i]) << (8 * i);
-        return v;
-    }
-
-    const std::string& in;
-    std::size_t size;
-    std::size_t at = 0;
-    std::string error;
-};
+std::string ReadText(CByteReader& r)
+{
+    std::string text(r.U8(), '\0');
+    r.Bytes(text.data(), text.size());
+    return text;
+}
 
 std::uint8_t OptionFlags(const CReplay::Header& h)
 {
@@ -198,7 +97,7 @@ void WriteHeader(CByteWriter& w, const CReplay::Header& h)
 {
     w.Bytes(Magic, sizeof Magic);
     w.U16(CReplay::FormatVersion);
-    w.Text(h.gameVersion);
+    WriteText(w, h.gameVersion);
     w.U16(h.rulesVersion);
     w.U32(h.randomState);
     w.U32(static_cast<std::uint32_t>(h.componentSerial));
@@ -208,7 +107,7 @@ void WriteHeader(CByteWriter& w, const CReplay::Header& h)
     w.U16(static_cast<std::uint16_t>(h.optionsCursor));
     for (std::size_t i = 0; i < CReplay::ScoreEntries; ++i) {
         const CReplay::HighScore entry = i < h.highScores.size() ? h.highScores[i] : CReplay::HighScore{};
-        w.Text(entry.name);
+        WriteText(w, entry.name);
         w.U32(static_cast<std::uint32_t>(entry.score));
     }
     w.Varint(static_cast<std::uint32_t>(std::min(h.stars.size(), CReplay::MaxStars)));
@@ -235,7 +134,7 @@ bool ReadHeader(CByteReader& r, CReplay::Header& h)
                std::to_string(CReplay::FirstFormatVersion) + " to " + std::to_string(CReplay::FormatVersion) + ")");
         return false;
     }
-    h.gameVersion = r.Text();
+    h.gameVersion = ReadText(r);
     // Format 1 knew one set of rules only.
     h.rulesVersion = h.format >= 2 ? r.U16() : 1;
     h.randomState = r.U32();
@@ -256,7 +155,7 @@ bool ReadHeader(CByteReader& r, CReplay::Header& h)
         r.Fail("no such option");
     h.highScores.assign(CReplay::ScoreEntries, {});
     for (CReplay::HighScore& entry : h.highScores) {
-        entry.name = r.Text();
+        entry.name = ReadText(r);
         entry.score = static_cast<std::int32_t>(r.U32());
     }
     const std::uint32_t stars = r.Varint();
@@ -433,7 +332,7 @@ bool CReplay::Decode(const std::string& bytes, CReplay& replay, std::string& err
                          LittleU32At(bytes, VersionAt) % 0x10000 >= 2;
     const std::size_t end = checked ? bytes.size() - ChecksumBytes : bytes.size();
     const bool intact = !checked || Crc32(bytes.data(), end) == LittleU32At(bytes, end);
-    CByteReader r(bytes, end);
+    CByteReader r(bytes.data(), end); // the checksum that follows is read apart
     bool ended = false;
     if (ReadHeader(r, replay.header)) {
         while (!r.Failed() && !ended) {

@@ -32,44 +32,13 @@ std::string Describe(const PadKeys& keys)
     return text;
 }
 
-TEST(PadBindings, EachControlStandsForItsKeyWhereTheKeysGo)
+// The lasers in the order they were fitted, one control each; a control with
+// no laser left, or one a thumb slips onto in flight, sends nothing.
+TEST(PadBindings, FireControlsFollowTheFittedLasers)
 {
     CPadBindings bindings;
-    const Facts flight{Context::Flight, "", {'F', 'Q', '7'}};
-    const Facts menus{Context::Menus, "", {'F'}};
-    const Facts designer{Context::Designer, "", {'F'}};
-    struct Case {
-        const Facts& facts;
-        PadControl control;
-        const char* keys;
-    };
-    const Case cases[] = {
-        {flight, PadControl::Up, "hold Up"},
-        {flight, PadControl::Left, "hold Left"},
-        {flight, PadControl::Start, "hold Esc"},
-        {flight, PadControl::RightShoulder, "hold F"}, // the fitted lasers, in the order they were fitted
-        {flight, PadControl::LeftShoulder, "hold Q"},
-        {flight, PadControl::RightTrigger, "hold 7"},
-        {flight, PadControl::LeftTrigger, ""}, // no fourth laser
-        {flight, PadControl::West, ""},
-        {flight, PadControl::South, ""},
-        {flight, PadControl::East, ""}, // never a pause by a slip of the thumb
-        {flight, PadControl::Back, ""},
-        {menus, PadControl::Up, "hold Up"},
-        {menus, PadControl::Right, "hold Right"},
-        {menus, PadControl::South, "hold Enter"},
-        {menus, PadControl::East, "hold Esc"},
-        {menus, PadControl::Start, "hold Esc"},
-        {menus, PadControl::RightShoulder, ""}, // lasers fire in flight only
-        {designer, PadControl::Down, "hold Down"},
-        {designer, PadControl::South, "hold Enter"},
-        {designer, PadControl::East, "hold Esc"},
-        {designer, PadControl::Start, "hold Esc"},
-        {designer, PadControl::RightShoulder, ""},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(Describe(bindings.Bind(c.control, c.facts)), c.keys) << &c - cases;
-
+    EXPECT_EQ(Describe(bindings.Bind(PadControl::LeftTrigger, {Context::Flight, "", {'F', 'Q', '7'}})), "");
+    EXPECT_EQ(Describe(bindings.Bind(PadControl::East, {Context::Flight, "", {'F'}})), "");
     const Facts fiveLasers{Context::Flight, "", {'F', 'D', 'S', 'A', 'G'}};
     std::string fired;
     for (PadControl control : CPadBindings::FireControls)

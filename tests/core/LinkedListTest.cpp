@@ -136,12 +136,4 @@ TEST_F(ListTest, SwapOfNonAdjacentNodesExchangesThemCompletely)
     ExpectConsistent();
 }
 
-TEST_F(ListTest, DumpListsVectorsWithPositionMarks)
-{
-    EXPECT_EQ(list.Dump(), "\r\nNumber: 0\r\nMid Offset: 0\r\n");
-    Add(7);
-    EXPECT_EQ(list.Dump(), "\r\nVector -- xPos:7 yPos:0 xSpeed:0 ySpeed:0 -- Head -- Middle -- Tail\r\n"
-                           "Number: 1\r\nMid Offset: 0\r\n");
-}
-
 } // namespace

@@ -246,6 +246,70 @@ def showing_title(screen):
     return screen.game_picture().brightest() > 100
 
 
+TITLE_COLOUR = (180, 90, 225)
+TEXT_COLOUR = (60, 120, 120)
+HIGHLIGHT_COLOUR = (250, 250, 100)
+
+
+def menu_entry(screen):
+    """The highlighted entry of the main menu (its index in MAIN_MENU), or None."""
+    for entry in range(len(MAIN_MENU)):
+        # The entries' text starts at y 185, one every 50 pixels.
+        if screen.at_game(300, 175 + 50 * entry, 424, 35).pixels_near(HIGHLIGHT_COLOUR) > 10:
+            return entry
+    return None
+
+
+def showing_main_menu(screen):
+    # "Main Menu" in the title font at y 100 and one entry highlighted below it.
+    return screen.at_game(300, 95, 424, 60).pixels_near(TITLE_COLOUR) > 50 and menu_entry(screen) is not None
+
+
+BOX_FRAME_COLOUR = (50, 50, 50)
+
+
+def showing_design_screen(screen):
+    # "Your Ship" over the left panel, and the panels' frames.
+    return (screen.at_game(60, 100, 280, 40).pixels_near(TITLE_COLOUR) > 30
+            and screen.at_game(40, 90, 944, 600).pixels_near(BOX_FRAME_COLOUR, tolerance=12) > 300)
+
+
+def showing_box_screen_title(screen):
+    # The title of a box screen (help, about, high scores) at y 120.
+    return screen.at_game(200, 115, 624, 60).pixels_near(TITLE_COLOUR) > 50
+
+
+# A frame that comes more than a second late pauses the level, as the loss of
+# the window's focus does: on a starved machine the game may pause itself. The
+# tests wait on what the game shows, not on the time gone by.
+
+def pause(game, tries=3):
+    """Brings up the menu over the level, whoever paused it: Escape, or a late
+    frame (keys meant for the ship may then have moved the highlight). Returns
+    the highlighted entry."""
+    for _ in range(tries):
+        entry = menu_entry(game.screenshot())
+        if entry is not None:
+            return entry
+        game.keys("Escape")
+        try:
+            return menu_entry(game.wait_for_screen(showing_main_menu, timeout=5))
+        except AssertionError:
+            pass
+    fail("the level would not pause")
+
+
+def play_on(game, timeout=30):
+    """Waits until things move in the level; a level a late frame paused is resumed."""
+    deadline = time.monotonic() + timeout
+    while time.monotonic() < deadline:
+        if showing_main_menu(game.screenshot()):
+            game.keys("Escape")
+        elif newly_lit_cells(game) >= 3:
+            return
+    fail("nothing moves during play")
+
+
 class Game:
     """The game running on an X server of its own. Use it in a `with` block:
     leaving it ends the game, the server and the scratch folder."""
@@ -402,7 +466,7 @@ class Game:
     def start_new_game(self):
         """From the main menu: "New Game", then the short empty level until the design screen."""
         self.choose("New Game")
-        time.sleep(1.5)
+        self.wait_for_screen(showing_design_screen, timeout=30)
 
     def choose(self, entry):
         """Picks a main-menu entry from the top of the menu."""

@@ -14,7 +14,7 @@ import tempfile
 import time
 
 from quelvarion_e2e import (SETTINGS_FILE, Game, XServer, expect_equal, fail, find_error_box, link_game_data,
-                            newly_lit_cells, replace_art, run, settings_text)
+                            newly_lit_cells, replace_art, run, settings_text, showing_box_screen_title)
 
 SETTINGS = settings_text({"Background Stars": "Off"}, [("ZOE", 990)])
 DISPLAY_LOST = 4
@@ -88,18 +88,13 @@ def signal_in_level(number):
 LOSING_OPTIONS = {"Start Level": "99", "Background Stars": "Off"}
 OLD_SCORES = [("OLD", -100 - place) for place in range(10)]
 LOSING = settings_text(LOSING_OPTIONS, OLD_SCORES)
-TITLE_COLOUR = (180, 90, 225)
-
-
-def showing_scores(screen):
-    return screen.at_game(200, 115, 624, 60).pixels_near(TITLE_COLOUR) > 50
 
 
 def half_named(end):
     def act(game):
         game.start_new_game()
         game.keys("Escape")  # fly, and lose
-        game.wait_for_screen(showing_scores, timeout=60)
+        game.wait_for_screen(showing_box_screen_title, timeout=60)
         game.keys("a", "d")
         end(game)
     return act

@@ -1,12 +1,8 @@
 """The menus as a player meets them: the main menu after the title, then the
 help, about and high-score screens, each opened from the menu and closed with
 Escape, and the heads-up texts over a level in play."""
-from quelvarion_e2e import MAIN_MENU, Game, fail, run, settings_text
-
-TITLE_COLOUR = (180, 90, 225)
-TEXT_COLOUR = (60, 120, 120)
-HIGHLIGHT_COLOUR = (250, 250, 100)
-BOX_FRAME_COLOUR = (50, 50, 50)
+from quelvarion_e2e import (BOX_FRAME_COLOUR, MAIN_MENU, TEXT_COLOUR, Game, fail, run, settings_text,
+                            showing_box_screen_title, showing_main_menu)
 
 
 def expect_colour(region, colour, what, least=20):
@@ -14,15 +10,9 @@ def expect_colour(region, colour, what, least=20):
         fail(f"{what}: no {colour} drawn there")
 
 
-def showing_main_menu(screen):
-    # "Main Menu" in the title font at y 100 and one entry highlighted below it.
-    return (screen.at_game(300, 95, 424, 60).pixels_near(TITLE_COLOUR) > 50
-            and screen.at_game(300, 175, 424, 290).pixels_near(HIGHLIGHT_COLOUR) > 20)
-
-
 def showing_box_screen(screen):
-    # A box screen's title at y 120 and its one-pixel frame.
-    return (screen.at_game(200, 115, 624, 60).pixels_near(TITLE_COLOUR) > 50
+    # A box screen's title and its one-pixel frame.
+    return (showing_box_screen_title(screen)
             and screen.at_game(40, 90, 944, 600).pixels_near(BOX_FRAME_COLOUR, tolerance=12) > 300)
 
 

@@ -11,8 +11,8 @@ import shutil
 import subprocess
 import tempfile
 
-from quelvarion_e2e import (SCREEN_HEIGHT, SCREEN_WIDTH, Game, expect_equal, fail, picture_file, run,
-                            settings_text)
+from quelvarion_e2e import (SCREEN_HEIGHT, SCREEN_WIDTH, TITLE_PAUSE_S, Game, expect_equal, fail, picture_file,
+                            run, settings_text)
 
 WINDOW = (1024, 768)
 NOTICE_GREY = (150, 150, 150)
@@ -98,9 +98,12 @@ def scaling():
         with Game(args=["--scale=integer"], screen=(1920, 1080), config_home=config) as game:
             expect_picture_in(game, (448, 156, 1024, 768), "integer at 1920x1080: once, centred")
             game.keys("F10")
-            expect_picture_in(game, (240, 0, 1440, 1080), "smooth at 1920x1080: fitted")
+            # "Scaling: smooth" shows for two seconds from when the key is taken
+            # (after the title pause): looked for first, before the slower look at
+            # the whole picture.
             notice = lambda shot: shot.at_game(860, 740, 164, 28).pixels_near(NOTICE_GREY, 30)
-            game.wait_for_screen(lambda shot: notice(shot) > 40, timeout=3, every=0.1)  # "Scaling: smooth"
+            game.wait_for_screen(lambda shot: notice(shot) > 40, timeout=TITLE_PAUSE_S + 20, every=0.1)
+            expect_picture_in(game, (240, 0, 1440, 1080), "smooth at 1920x1080: fitted")
             game.wait_for_screen(lambda shot: notice(shot) < 10, timeout=5)  # for a moment only
             game.keys("F10")
             expect_picture_in(game, (240, 0, 1440, 1080), "sharp at 1920x1080: fitted")

@@ -230,31 +230,6 @@ TEST_F(GamepadsTest, BackWithTheDpadStepsTheVolumes)
     Platform::SetVolume(VolumeChannel::Effects, Platform::VolumeSteps);
 }
 
-// A mapping given in SDL_GAMECONTROLLERCONFIG makes a pad SDL does not know
-// into a controller, laid out as the mapping says.
-TEST_F(GamepadsTest, MappingsFromTheEnvironmentAreHonoured)
-{
-    ASSERT_EQ(SDL_WasInit(SDL_INIT_JOYSTICK), 0u) << "the mappings are read when the joysticks start";
-    const PadLayout odd{.standard = false, .axes = 2, .buttons = 4, .hats = 1, .vendor = 0x1209, .product = 0x0003,
-                        .name = "Odd Pad"};
-    SDL_InitSubSystem(SDL_INIT_JOYSTICK);
-    const std::string guid = VirtualPad::GuidOf(odd);
-    SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
-    ASSERT_FALSE(guid.empty());
-    const std::string mapping = guid + ",Odd Pad,a:b3,b:b2,start:b0,dpup:h0.1,dpleft:h0.8,leftx:a1,lefty:a0,";
-    setenv("SDL_GAMECONTROLLERCONFIG", mapping.c_str(), 1);
-    Start();
-    unsetenv("SDL_GAMECONTROLLERCONFIG");
-    VirtualPad pad(odd);
-    Pump();
-    ASSERT_EQ(pads->Count(), 1u);
-    pad.SetButton(3, true);
-    pad.SetButton(0, true);
-    pad.SetHat(0, SDL_HAT_LEFTUP);
-    pad.SetAxis(0, 32767);
-    EXPECT_EQ(PumpSorted(), "+Down +Left +South +Start +Up");
-}
-
 // The real message loop: the pads start once the application has started,
 // and what they press reaches the window procedure as key messages.
 TEST(GamepadsInTheLoop, RunStartsThePadsAndTheirKeysReachTheWindowProcedure)

@@ -181,16 +181,6 @@ TEST(RenderChoice, SoftwareWhereOpenGlWouldBeASoftwareRasteriser)
     }
 }
 
-TEST(RenderChoice, RecognisesSoftwareRasterisersByTheirNames)
-{
-    EXPECT_TRUE(Platform::IsSoftwareRasteriser("llvmpipe (LLVM 15.0.6, 256 bits)"));
-    EXPECT_TRUE(Platform::IsSoftwareRasteriser("Software Rasterizer"));
-    EXPECT_TRUE(Platform::IsSoftwareRasteriser("softpipe"));
-    EXPECT_FALSE(Platform::IsSoftwareRasteriser("Mesa Intel(R) UHD Graphics 620 (KBL GT2)"));
-    EXPECT_FALSE(Platform::IsSoftwareRasteriser("NVIDIA GeForce RTX 3060/PCIe/SSE2"));
-    EXPECT_FALSE(Platform::IsSoftwareRasteriser(""));
-}
-
 struct FitCase {
     const char* what;
     ScaleMode mode;

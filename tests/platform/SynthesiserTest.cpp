@@ -22,9 +22,22 @@ TEST(Synthesiser, ThePlayersFontsComeFirstAndAFontThatWillNotLoadFallsBackToTheG
 
     ScopedWorkDir dir;
     std::filesystem::copy_file(QV_GAME_DIR "/background.sf2", "background.sf2");
+    std::filesystem::copy_file("background.sf2", "mine.sf2");
     WriteBytes("broken.sf2", "RIFF, but no sound font");
-    ScopedEnv fonts("SDL_SOUNDFONTS", "missing.sf2:broken.sf2");
-    EXPECT_TRUE(CSynthesiser::Create(44100));
+    const struct {
+        const char* playerList;
+        std::vector<std::string> loaded;
+    } cases[] = {
+        {"missing.sf2:broken.sf2", {"background.sf2"}},
+        {"broken.sf2:mine.sf2", {"mine.sf2"}},
+        {"mine.sf2;background.sf2", {"mine.sf2", "background.sf2"}},
+    };
+    for (const auto& c : cases) {
+        ScopedEnv fonts("SDL_SOUNDFONTS", c.playerList);
+        const auto synthesiser = CSynthesiser::Create(44100);
+        ASSERT_TRUE(synthesiser) << c.playerList;
+        EXPECT_EQ(synthesiser->LoadedFonts(), c.loaded) << c.playerList;
+    }
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 #include "app/ReplayPlayer.h"
 #include "replay/Replay.h"
 #include "support/TestApp.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 #include "world/World.h"
 
 #include <gtest/gtest.h>
@@ -176,8 +176,9 @@ TEST(Replays, AGameAbandonedForANewOneEndsBeforeTheKeyThatStartedIt)
 
 TEST(Replays, ReplaysWrittenToAFileAreCheckedFromIt)
 {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "qv-replay-file-test";
-    std::filesystem::create_directories(folder);
+    // A folder of this run's own: runs side by side must not share one.
+    const qvtest::ScopedWorkDir dir;
+    const std::filesystem::path& folder = dir.Path();
     const std::string mine = (folder / "mine.qvr").string();
     const std::string broken = (folder / "broken.qvr").string();
     {
@@ -191,7 +192,6 @@ TEST(Replays, ReplaysWrittenToAFileAreCheckedFromIt)
     EXPECT_EQ(v->VerifyReplayFile(mine), 0);
     EXPECT_EQ(v->VerifyReplayFile(broken), CGameApp::ReplayUnreadableStatus);
     EXPECT_EQ(v->VerifyReplayFile((folder / "missing.qvr").string()), CGameApp::ReplayUnreadableStatus);
-    std::filesystem::remove_all(folder);
 }
 
 // How the game stands after each number of frames, played straight through:

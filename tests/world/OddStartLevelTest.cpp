@@ -2,7 +2,7 @@
 // level read from the file is kept whatever it is. Games started at levels the
 // options screen never offers must still play without a fault.
 #include "support/TestApp.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 #include "world/World.h"
 
 #include <gtest/gtest.h>

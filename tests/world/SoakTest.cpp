@@ -4,7 +4,7 @@
 #include "replay/Replay.h"
 #include "ship/Ship.h"
 #include "support/TestApp.h"
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 
 #include <gtest/gtest.h>
 

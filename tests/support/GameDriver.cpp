@@ -1,4 +1,4 @@
-#include "world/GameDriver.h"
+#include "support/GameDriver.h"
 
 #include "app/GameApp.h"
 #include "ship/Ship.h"
