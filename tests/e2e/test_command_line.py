@@ -23,7 +23,7 @@ def documented_options():
     table = readme[readme.index("## Command line"):].split("\n\n")[1].splitlines()
     manual = open(os.path.join(SOURCE, "packaging", "quelvarion.6")).read().replace("\\-", "-")
     items = manual[manual.index(".SH OPTIONS"):].split(".SH")[1].split(".TP\n")[1:]
-    return (options_in(table, r"\| `(--[a-z-]+)[ =]?([A-Z]*)`"),
+    return (options_in(table, r"\| `(--[a-z-]+)[ =]?([A-Z]*)"),
             options_in(items, r"\.BI? (--[a-z-]+)=? ?\"? ?([a-zA-Z]*)"))
 
 
