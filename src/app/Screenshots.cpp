@@ -1,6 +1,7 @@
 #include "app/Screenshots.h"
 
 #include "platform/Console.h"
+#include "platform/FileStore.h"
 #include "platform/PngFile.h"
 #include "platform/Surface.h"
 #include "platform/UserDirs.h"
@@ -50,17 +51,8 @@ std::string WriteScratch(const std::string& folder, const std::string& bytes, st
         problem = std::strerror(errno);
         return "";
     }
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t wrote = ::write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (wrote < 0 && errno == EINTR)
-            continue;
-        if (wrote <= 0) {
-            problem = std::strerror(wrote < 0 ? errno : ENOSPC);
-            break;
-        }
-        done += static_cast<std::size_t>(wrote);
-    }
+    if (!Platform::WriteAll(descriptor, bytes))
+        problem = std::strerror(errno);
     if (::close(descriptor) != 0 && problem.empty())
         problem = std::strerror(errno);
     if (!problem.empty()) {

@@ -87,22 +87,6 @@ private:
     int fd;
 };
 
-bool WriteAll(int fd, std::string_view contents)
-{
-    while (!contents.empty()) {
-        const long written = WriteSome(fd, contents.data(), contents.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            if (written == 0)
-                errno = ENOSPC;
-            return false;
-        }
-        contents.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
 Result ReadAll(int fd, std::string& text, std::size_t cap = SIZE_MAX)
 {
     char chunk[ReadChunk];
@@ -329,6 +313,22 @@ void SetSaveStepHook(SaveStepHook hook)
 void SetFileWriteHandler(FileWriteHandler handler)
 {
     writeHandler() = std::move(handler);
+}
+
+bool WriteAll(int fd, std::string_view contents)
+{
+    while (!contents.empty()) {
+        const long written = WriteSome(fd, contents.data(), contents.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            if (written == 0)
+                errno = ENOSPC;
+            return false;
+        }
+        contents.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
 }
 
 } // namespace Platform

@@ -24,6 +24,11 @@ Result ReadFileCreating(const std::string& path, std::string& text);
 // is it overwritten in place.
 Result SaveFile(const std::string& path, std::string_view contents);
 
+// Writes all of contents to an open file or pipe, going on after a write a
+// signal interrupted. False, with errno set, when it cannot: ENOSPC where
+// the file took nothing more.
+bool WriteAll(int fd, std::string_view contents);
+
 // Removes the temporary files that saves of path cut short by a crash or a
 // kill left beside it. Returns how many it removed.
 int RemoveInterruptedSaves(const std::string& path);

@@ -1,5 +1,7 @@
 #include "platform/VideoEncoder.h"
 
+#include "platform/FileStore.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -110,20 +112,12 @@ bool CVideoEncoder::WritePicture(const std::vector<std::uint8_t>& rgb)
 {
     if (pipe < 0)
         return false;
-    std::size_t done = 0;
-    while (done < rgb.size()) {
-        const ssize_t n = ::write(pipe, rgb.data() + done, rgb.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0) {
-            ::close(pipe);
-            pipe = -1;
-            Wait("encoding the pictures");
-            return Fail(Failure::Refused, std::string(Program) + " stopped taking pictures");
-        }
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
+    if (Platform::WriteAll(pipe, {reinterpret_cast<const char*>(rgb.data()), rgb.size()}))
+        return true;
+    ::close(pipe);
+    pipe = -1;
+    Wait("encoding the pictures");
+    return Fail(Failure::Refused, std::string(Program) + " stopped taking pictures");
 }
 
 std::string CVideoEncoder::LogTail() const
