@@ -155,7 +155,10 @@ if [[ " ${missing_packages[*]} " == *":arm64 "* ]] && ! dpkg --print-foreign-arc
   say "dpkg now knows the arm64 architecture (dpkg --remove-architecture arm64 undoes it)"
 fi
 say "installing missing packages: ${missing_packages[*]}"
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq ||
+# A machine just started often has its daily package update holding dpkg's
+# lock, and a second make target may be installing too: wait for it.
+apt=(env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600)
+"${as_root[@]}" "${apt[@]}" update -qq ||
   cannot_install "apt-get update failed"
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing_packages[@]}" ||
+"${as_root[@]}" "${apt[@]}" install -y -qq --no-install-recommends "${missing_packages[@]}" ||
   cannot_install "apt-get install failed"
