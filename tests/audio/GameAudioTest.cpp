@@ -1,4 +1,5 @@
 #include "app/GameWnd.h"
+#include "platform/AudioChecks.h"
 #include "platform/AudioDevice.h"
 #include "platform/Sequencer.h"
 #include "platform/WavePlayer.h"
@@ -22,12 +23,7 @@ protected:
     }
     static std::string Playing() { return CWavePlayer::Instance().PlayingFile(); }
     static std::size_t OpenDevices() { return CSequencer::Instance().OpenDeviceCount(); }
-    bool TunePlays()
-    {
-        MCI_STATUS_PARMS status{.dwItem = MCI_STATUS_MODE};
-        return Platform::MciSendCommand(t->musicDevice, MCI_STATUS, MCI_STATUS_ITEM, status) == 0 &&
-               status.dwReturn == MCI_MODE_PLAY;
-    }
+    bool TunePlays() { return qvtest::TunePlays(t->musicDevice); }
     // A started game, whose window receives the tune's notices.
     void StartUp()
     {

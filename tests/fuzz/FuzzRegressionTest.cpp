@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,58 +16,39 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using qvtest::AudioScope;
 using Target = int (*)(const std::uint8_t*, std::size_t);
 
 // Every input kept from fuzzing (crashes found and fixed, and seeds) is fed
 // again on every test run, so an old fault cannot come back unnoticed. The
-// targets abort on a broken rule, which fails the test.
-void RunRegressions(const std::string& folder, Target target)
+// targets abort on a broken rule, which fails the test. A folder of inputs
+// with no target here fails too, rather than being passed over.
+TEST(FuzzRegressions, EveryKeptInputOfEveryTarget)
 {
-    const fs::path dir = fs::path(QV_SOURCE_DIR) / "fuzz" / "regressions" / folder;
-    ASSERT_TRUE(fs::is_directory(dir)) << dir;
-    const fs::path here = fs::current_path();
-    int inputs = 0;
-    for (const auto& entry : fs::directory_iterator(dir)) {
-        std::ifstream in(entry.path(), std::ios::binary);
-        const std::vector<char> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-        SCOPED_TRACE(entry.path().string());
-        target(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-        ++inputs;
-    }
-    fs::current_path(here);
-    EXPECT_GT(inputs, 0);
-}
-
-TEST(FuzzRegressions, SettingsFiles)
-{
-    RunRegressions("settings", qvfuzz::FuzzSettings);
-}
-
-TEST(FuzzRegressions, PaletteAndFrameBitmaps)
-{
-    RunRegressions("palette", qvfuzz::FuzzPalette);
-    RunRegressions("bitmap", qvfuzz::FuzzBitmap);
-}
-
-TEST(FuzzRegressions, WaveFilesAndTunes)
-{
-    AudioScope audio;
-    RunRegressions("wave", qvfuzz::FuzzWave);
-    RunRegressions("tune", qvfuzz::FuzzTune);
-}
-
-TEST(FuzzRegressions, Replays)
-{
-    RunRegressions("replay", qvfuzz::FuzzReplay);
-}
-
-TEST(FuzzRegressions, SpriteCatalogues)
-{
-    qvtest::DisplayApp game;
+    qvtest::AudioScope audio;
+    qvtest::DisplayApp game; // the sprite catalogues are loaded into a started game
     qvfuzz::WriteSpriteArt();
     ASSERT_TRUE(game.Start());
-    RunRegressions("sprites", qvfuzz::FuzzSpriteCatalogue);
+    const std::map<std::string, Target> targets{
+        {"settings", qvfuzz::FuzzSettings}, {"palette", qvfuzz::FuzzPalette}, {"bitmap", qvfuzz::FuzzBitmap},
+        {"wave", qvfuzz::FuzzWave},         {"tune", qvfuzz::FuzzTune},       {"replay", qvfuzz::FuzzReplay},
+        {"sprites", qvfuzz::FuzzSpriteCatalogue},
+    };
+    const fs::path here = fs::current_path();
+    std::map<std::string, int> inputs;
+    for (const auto& folder : fs::directory_iterator(fs::path(QV_SOURCE_DIR) / "fuzz" / "regressions")) {
+        const std::string name = folder.path().filename().string();
+        ASSERT_TRUE(targets.count(name)) << "no target for " << folder.path();
+        for (const auto& entry : fs::directory_iterator(folder.path())) {
+            std::ifstream in(entry.path(), std::ios::binary);
+            const std::vector<char> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+            SCOPED_TRACE(entry.path().string());
+            targets.at(name)(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+            fs::current_path(here);
+            ++inputs[name];
+        }
+    }
+    for (const auto& [name, target] : targets)
+        EXPECT_GT(inputs[name], 0) << name;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "platform/WaveFile.h"
 #include "platform/WavePlayer.h"
 #include "platform/Window.h"
+#include "platform/AudioChecks.h"
 #include "support/AudioFiles.h"
 #include "support/TestApp.h"
 
@@ -30,6 +31,11 @@ constexpr std::uintmax_t OutputBytesPerSecond = 44100 * 2 * 2; // 16-bit stereo
 class AudioTest : public ::testing::Test {
 protected:
     AudioTest() { CMessageQueue::Instance().Clear(); }
+    ~AudioTest() override // the volumes a test stepped go back to full
+    {
+        Platform::SetVolume(VolumeChannel::Music, Platform::VolumeSteps);
+        Platform::SetVolume(VolumeChannel::Effects, Platform::VolumeSteps);
+    }
 
     MCIERROR Open(const std::string& file, MCIDEVICEID& id, const std::string& type = "sequencer")
     {
@@ -41,11 +47,6 @@ protected:
     MCIERROR Play(MCIDEVICEID id) { return Platform::MciSendCommand(id, MCI_PLAY, MCI_NOTIFY, MCI_PLAY_PARMS{&window}); }
     MCIERROR Seek(MCIDEVICEID id) { return Platform::MciSendCommand(id, MCI_SEEK, MCI_SEEK_TO_START, MCI_SEEK_PARMS{}); }
     MCIERROR Close(MCIDEVICEID id) { return Platform::MciSendCommand(id, MCI_CLOSE, 0, MCI_GENERIC_PARMS{}); }
-    bool IsPlaying(MCIDEVICEID id)
-    {
-        MCI_STATUS_PARMS status{.dwItem = MCI_STATUS_MODE};
-        return Platform::MciSendCommand(id, MCI_STATUS, MCI_STATUS_ITEM, status) == 0 && status.dwReturn == MCI_MODE_PLAY;
-    }
     NoticeList Notices()
     {
         NoticeList notices;
@@ -100,7 +101,7 @@ TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
     ASSERT_EQ(Seek(id), 0u);
     ASSERT_EQ(Play(id), 0u);
     ASSERT_EQ(Play(other), 0u); // one tune at a time
-    EXPECT_FALSE(IsPlaying(id));
+    EXPECT_FALSE(TunePlays(id));
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUPERSEDED, id}, {MCI_NOTIFY_ABORTED, id}, {MCI_NOTIFY_ABORTED, id}}));
     EXPECT_EQ(Close(other), 0u);
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_ABORTED, other}}));
@@ -108,11 +109,11 @@ TEST_F(AudioTest, OnlyATuneThatPlaysToItsEndIsReportedSuccessful)
     // Played to its end, after the ends the stopped plays would have reached:
     // their notices, had they any left, would come first.
     ASSERT_EQ(Play(id), 0u);
-    ASSERT_TRUE(WaitUntil([&] { return !IsPlaying(id); }));
+    ASSERT_TRUE(WaitUntil([&] { return !TunePlays(id); }));
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUCCESSFUL, id}}));
     // At its end nothing is left to play until it is sought back to its start.
     ASSERT_EQ(Play(id), 0u);
-    EXPECT_FALSE(IsPlaying(id));
+    EXPECT_FALSE(TunePlays(id));
     EXPECT_EQ(Notices(), (NoticeList{{MCI_NOTIFY_SUCCESSFUL, id}}));
 
     // A window that has gone away hears nothing more.
@@ -147,14 +148,6 @@ std::vector<std::int16_t> Recorded(const std::function<void()>& play)
     return samples;
 }
 
-int PeakOf(std::vector<std::int16_t>::const_iterator from, std::vector<std::int16_t>::const_iterator to)
-{
-    int peak = 0;
-    for (auto at = from; at != to; ++at)
-        peak = std::max(peak, std::abs(static_cast<int>(*at)));
-    return peak;
-}
-
 TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
 {
     WriteWave("shot.wav", 400);
@@ -172,7 +165,7 @@ TEST_F(AudioTest, AWaveAndATuneLoopedReachTheOutputWithNoSeamAndNoClipping)
     });
     std::vector<int> peaks; // of each hundredth of a second
     for (std::size_t at = 0; at + 882 <= samples.size(); at += 882)
-        peaks.push_back(PeakOf(samples.begin() + at, samples.begin() + at + 882));
+        peaks.push_back(static_cast<int>(Peak(samples.begin() + at, samples.begin() + at + 882)));
     ASSERT_GE(peaks.size(), 50u);
     EXPECT_GT(*std::max_element(peaks.begin(), peaks.begin() + 20), 5000) << "the shot";
     const auto tuneStart = std::find_if(peaks.begin() + 45, peaks.end(), [](int peak) { return peak > 300; });
@@ -195,15 +188,7 @@ TEST_F(AudioTest, VolumeStepsReachTheMixer)
         double share;    // of the loudness at the top step
     };
     const Step steps[] = {{10, CAudioDevice::EffectVolume, 1.0}, {5, 19, 0.25}, {0, 0, 0.0}};
-    struct Restore {
-        ~Restore()
-        {
-            Platform::SetVolume(VolumeChannel::Music, Platform::VolumeSteps);
-            Platform::SetVolume(VolumeChannel::Effects, Platform::VolumeSteps);
-        }
-    } restore;
-    int fullShot = 0;
-    int fullTune = 0;
+    double fullShot = 0.0, fullTune = 0.0;
     for (const Step& row : steps) {
         SCOPED_TRACE(row.step);
         // The other channel at full: a step never spills over.
@@ -221,8 +206,8 @@ TEST_F(AudioTest, VolumeStepsReachTheMixer)
             ASSERT_EQ(Play(id), 0u);
             ASSERT_TRUE(WaitUntil([&] { return !Notices().empty(); }));
         });
-        const int shotPeak = PeakOf(shot.begin(), shot.end());
-        const int tunePeak = PeakOf(tune.begin(), tune.end());
+        const double shotPeak = Peak(shot.begin(), shot.end());
+        const double tunePeak = Peak(tune.begin(), tune.end());
         if (row.step == Platform::VolumeSteps) {
             fullShot = shotPeak;
             fullTune = tunePeak;

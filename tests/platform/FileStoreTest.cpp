@@ -112,7 +112,9 @@ TEST_F(SaveFileTest, ASaveKilledAtAnyStepLeavesTheOldOrTheNewFileAndNoLeftoverAf
     }
 }
 
-TEST_F(SaveFileTest, ALinkStaysALinkAndItsTargetGetsTheContentsWithItsPermissions)
+// A link stays a link, and a hard-linked file keeps every name: the contents
+// go to the file they lead to, with its permissions.
+TEST_F(SaveFileTest, LinksStayAndTheFileTheyLeadToGetsTheContentsWithItsPermissions)
 {
     fs::create_directories("kept/deeper");
     qvtest::WriteFile("kept/deeper/real.ini", OldText);
@@ -137,6 +139,12 @@ TEST_F(SaveFileTest, ALinkStaysALinkAndItsTargetGetsTheContentsWithItsPermission
     qvtest::WriteFile("kept/deeper/real.ini.backup.tmp", OldText);
     EXPECT_EQ(Platform::RemoveInterruptedSaves("quelvarion.ini"), 1);
     EXPECT_EQ(Names("kept/deeper").size(), 3u);
+
+    qvtest::WriteFile("hard.ini", OldText);
+    fs::create_hard_link("hard.ini", "backup.ini");
+    EXPECT_EQ(Platform::SaveFile("hard.ini", NewText), S_OK);
+    EXPECT_EQ(Read("backup.ini"), NewText);
+    EXPECT_EQ(Names("."), (std::vector<std::string>{"backup.ini", "hard.ini", "kept", "other.ini", "quelvarion.ini"}));
 }
 
 TEST_F(SaveFileTest, AReadOnlyFileIsLeftAloneAndAFolderWithoutRoomForATemporaryFileIsWrittenInPlace)
@@ -170,15 +178,6 @@ TEST_F(SaveFileTest, AReadOnlyFileIsLeftAloneAndAFolderWithoutRoomForATemporaryF
     });
     EXPECT_EQ(Platform::SaveFile("quelvarion.ini", NewText), ERROR_DISK_FULL);
     EXPECT_EQ(Read("quelvarion.ini"), twice);
-}
-
-TEST_F(SaveFileTest, EveryNameOfAHardLinkedFileGetsTheContents)
-{
-    qvtest::WriteFile("quelvarion.ini", OldText);
-    fs::create_hard_link("quelvarion.ini", "backup.ini");
-    EXPECT_EQ(Platform::SaveFile("quelvarion.ini", NewText), S_OK);
-    EXPECT_EQ(Read("backup.ini"), NewText);
-    EXPECT_EQ(Names("."), (std::vector<std::string>{"backup.ini", "quelvarion.ini"}));
 }
 
 // Whatever stands where a file should be is refused for what it is, without

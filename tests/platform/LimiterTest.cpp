@@ -1,6 +1,7 @@
 // The limiter on the mixed output: nothing leaves above its ceiling, and
 // what is under it passes untouched.
 #include "platform/Limiter.h"
+#include "platform/AudioChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -31,12 +32,9 @@ std::vector<float> Then(std::vector<float> first, const std::vector<float>& seco
     return first;
 }
 
-float Loudest(const std::vector<float>& stereo, std::size_t fromFrame, std::size_t toFrame)
+double Loudest(const std::vector<float>& stereo, std::size_t fromFrame, std::size_t toFrame)
 {
-    float loudest = 0.0f;
-    for (std::size_t i = 2 * fromFrame; i < 2 * toFrame; ++i)
-        loudest = std::max(loudest, std::fabs(stereo[i]));
-    return loudest;
+    return qvtest::Peak(stereo.begin() + 2 * fromFrame, stereo.begin() + 2 * toFrame);
 }
 
 TEST(Limiter, ABlastOverTheMusicIsTurnedDownSmoothlyToTheCeiling)

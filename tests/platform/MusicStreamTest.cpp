@@ -1,6 +1,7 @@
 // The music stream as the output's mixer drives it: when a tune's end is
 // reported, how a tune started again joins its end, and how a stop cuts.
 #include "platform/MusicStream.h"
+#include "platform/AudioChecks.h"
 #include "support/MidiBytes.h"
 
 #include <gtest/gtest.h>
@@ -74,13 +75,7 @@ protected:
         }
         return onsets;
     }
-    float Loudest(std::size_t from) const
-    {
-        float loudest = 0.0f;
-        for (std::size_t i = 2 * from; i < output.size(); ++i)
-            loudest = std::max(loudest, std::fabs(output[i]));
-        return loudest;
-    }
+    double Loudest(std::size_t from) const { return qvtest::Peak(output.begin() + 2 * from, output.end()); }
 
     std::unique_ptr<CMusicStream> stream;
     std::vector<float> output; // everything taken, interleaved stereo
