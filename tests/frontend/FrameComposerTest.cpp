@@ -91,6 +91,22 @@ TEST_F(FrameTest, ReadoutsBesideShieldedShipsTakeTheColourOfTheirFractions)
     EXPECT_EQ(Place("(50)"), "absent");
 }
 
+// The design screen's statistics, and its hint under the help line up to level four.
+TEST_F(FrameTest, TheDesignScreenShowsStatisticsAndTheHintsUpToLevelFour)
+{
+    d->gameState = StateDesign;
+    d->world.NewGame(5); // level 4, the last with a hint
+    auto hintLines = [&] { return log.At(768 - 85).size() + log.At(768 - 70).size() + log.At(768 - 40).size(); };
+    Frame();
+    const WrittenText* loss = log.Find("Shield Energy Loss: 150%");
+    ASSERT_NE(loss, nullptr);
+    EXPECT_EQ(loss->y, 140 + 9 * 15);
+    EXPECT_EQ(hintLines(), 3u);
+    d->world.BeginNextLevel();
+    Frame();
+    EXPECT_EQ(hintLines(), 1u); // the help line alone
+}
+
 // The screenshot key keeps the frame as composed, before any notice covers
 // it, as a 1024 x 768 PNG (its pixels against the screen's: the window_mode
 // flow); a second picture in the same second takes a name of its own, and a
