@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 
@@ -177,6 +178,7 @@ TEST(UserDirs, PicturesFolderFromUserDirsFile)
         EXPECT_EQ(Platform::PicturesFolderIn(text, "/home/ann"), folder) << text;
     qvtest::ScopedWorkDir dir;
     ScopedEnv home("HOME", "/home/ann"), pictures("XDG_PICTURES_DIR", "");
+    ::unsetenv("XDG_PICTURES_DIR"); // not even empty; put back as it was at the end
     ScopedEnv config("XDG_CONFIG_HOME", dir.Path().string()); // with no user-dirs.dirs in it
     EXPECT_EQ(Platform::PicturesFolder(), "/home/ann/Pictures");
 }
