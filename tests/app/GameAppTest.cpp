@@ -184,7 +184,8 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
 
 // Regaining the focus restores and reloads what was lost and pauses a game in
 // play; a flip that finds its surfaces lost restores them once within the
-// frame.
+// frame. The window hides the pointer and hands on its activation, and its
+// destruction ends the loop.
 TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
 {
     DisplayApp t;
@@ -221,12 +222,7 @@ TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
         EXPECT_EQ(names(), before + 1);
     }
     EXPECT_EQ(t->display.GetPrimary()->IsLost(), DD_OK);
-}
 
-TEST(GameWindow, HidesThePointerAndHandsOnActivationAndDestruction)
-{
-    DisplayApp t;
-    ASSERT_TRUE(t.Start());
     CGameWnd& window = *t->mainWnd;
     EXPECT_EQ(window.WindowProc(WM_SETCURSOR, 0, 0), 1);
     window.WindowProc(WM_ACTIVATEAPP, 0, 0);
