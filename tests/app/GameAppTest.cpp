@@ -2,55 +2,28 @@
 #include "app/GameWnd.h"
 #include "platform/Keys.h"
 #include "ship/Ship.h"
-#include "support/BitmapFiles.h"
+#include "support/DisplayApp.h"
 #include "support/Parts.h"
-#include "support/TestApp.h"
 
+#include <SDL.h>
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace {
 
+using qvtest::DisplayApp;
 using qvtest::TestApp;
 using qvtest::TraceRecorder;
 
-TEST(RandomGenerator, FollowsTheLinearCongruentialSequenceInFifteenBits)
-{
-    CRandom r;
-    r.Seed(0);
-    // s = 2531011 -> 38; s = 2531011 * 214013 + 2531011 (mod 2^32) -> 7719
-    EXPECT_EQ(r.Rand(), 38);
-    EXPECT_EQ(r.Rand(), 7719);
-    EXPECT_EQ(r.Rand(), 21238);
-    r.Seed(9);
-    const double drawn = r.Draw(32767.0); // a draw over the whole range is the raw value itself
-    r.Seed(9);
-    EXPECT_DOUBLE_EQ(drawn, r.Rand());
-}
-
-TEST(GameAppConstruction, TraceLinesInOrder)
-{
-    qvtest::ScopedWorkDir dir;
-    TraceRecorder trace;
-    CGameApp app;
-    EXPECT_EQ(trace.Texts(), (std::vector<std::string>{" ", "******************************************",
-                                                       "            Initialisation",
-                                                       "******************************************", " ",
-                                                       "Application Constructor"}));
-}
-
 TEST(GameAppDisplayErrors, TextsByCodeAndATraceOnlyForFailures)
 {
-    EXPECT_EQ(CGameApp::DisplayErrorText(0x88760122), "No rotation hardware\n");
-    EXPECT_EQ(CGameApp::DisplayErrorText(0x80004001), "Unsupported\n");
-    EXPECT_EQ(CGameApp::DisplayErrorText(2), "Direct Draw Init Failed (00000002)\n");
-    EXPECT_EQ(CGameApp::DisplayFailureLine(13).find("cannot start the display: Direct Draw Init Failed (0000000d): "
-                                                    "art/blank.bmp is missing or unreadable; "),
-              0u);
-    EXPECT_EQ(CGameApp::DisplayFailureLine(0x88760122).find("cannot start the display: No rotation hardware: the "
-                                                            "graphics system refused ("),
-              0u);
+    const std::pair<Result, const char*> lines[] = {
+        {0x88760122, "cannot start the display: No rotation hardware: the graphics system refused ("},
+        {0x80004001, "cannot start the display: Unsupported: the graphics system refused ("},
+        {13, "cannot start the display: Direct Draw Init Failed (0000000d): art/blank.bmp is missing or unreadable; "},
+    };
+    for (const auto& [code, start] : lines)
+        EXPECT_EQ(CGameApp::DisplayFailureLine(code).rfind(start, 0), 0u) << CGameApp::DisplayFailureLine(code);
+    EXPECT_EQ(CGameApp::DisplayErrorText(2), "Direct Draw Init Failed (00000002)\n"); // the box's text
     TestApp t;
     Platform::SetMessageBoxHandler([](HWND, const std::string&, const std::string&, UINT) { return IDOK; });
     TraceRecorder trace;
@@ -70,6 +43,8 @@ bool CallIdle(CGameApp& app)
     };
     return static_cast<Access&>(app).OnIdle(0);
 }
+
+bool Pump(CGameApp& app) { return static_cast<CPlatformApp&>(app).PumpMessages(); }
 
 TEST(FrameLoop, NoFrameBeforeReadyOrWhileInactiveAndElapsedTimeAcrossTheClockWrap)
 {
@@ -142,30 +117,40 @@ TEST(GameStates, PauseOnlyBetweenPlayingAndPausedAndOnlyLeavingPlayResetsTheDesi
     EXPECT_EQ(t->designer.GetOfferSelection(), 0);
 }
 
-TEST(StartUp, InitInstanceRunsItsStepsInOrderWaitsTheTitlePauseAndClosingEndsTheLoop)
+// Start-up waits out the title's pause and shows the window, which activates
+// the game; closing the window ends the message loop.
+TEST(StartUp, InitInstanceWaitsTheTitlePauseAndClosingEndsTheLoop)
 {
-    TestApp t;
-    qvtest::WriteBlankArt();
-    Platform::StartSdl();
-    TraceRecorder trace;
-    ASSERT_TRUE(t->InitInstance());
-    const std::vector<std::string> expected{
-        "Beginning Initialisation", "Registering window class QVclientWinType", "Creating Window \"Quelvarion\" ",
-        "Creating game fonts", "Displaying main window"};
-    auto texts = trace.Texts();
-    ASSERT_GE(texts.size(), expected.size());
-    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), texts.begin()));
-    EXPECT_EQ(texts[texts.size() - 2], "********* Initialisation Complete ********");
+    DisplayApp t;
+    ASSERT_TRUE(t.Start());
     EXPECT_EQ(t.clock.SleptMs(), 6000u);
-    EXPECT_EQ(t->active, 1); // showing the window activated it
+    EXPECT_EQ(t->active, 1);
     ASSERT_NE(t->GetMainWindowHandle(), nullptr);
-
     t->mainWnd->PostMessage(WM_CLOSE, 0, 0);
-    EXPECT_FALSE(static_cast<CPlatformApp&>(*t).PumpMessages());
+    EXPECT_FALSE(Pump(*t));
     EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
 }
 
-} // namespace
+TEST(KeyRouting, EachStateSendsKeysToItsReceiver)
+{
+    struct Case {
+        std::int32_t state;
+        UINT key;
+        bool pressed;
+        bool hasPlayer;
+        KeyRoute route;
+    };
+    const Case cases[] = {
+        {StatePaused, VK_ESCAPE, false, true, KeyRoute::Menus}, // the release of the Escape that paused
+        {StateDesign, VK_ESCAPE, true, true, KeyRoute::Designer},
+        {StatePlaying, VK_ESCAPE, true, false, KeyRoute::Pause},
+        {StatePlaying, 0x2200 | VK_ESCAPE, true, true, KeyRoute::Pause}, // only the low byte counts
+        {StatePlaying, VK_ESCAPE, false, true, KeyRoute::Ship},
+        {StatePlaying, VK_LEFT, true, false, KeyRoute::Dropped},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(CGameApp::RouteKey(c.state, c.key, c.pressed, c.hasPlayer), c.route) << &c - cases;
+}
 
 // A key of the player's own sends the game's key it stands for, except where
 // the game reads characters or the key is a laser's: there it is itself.
@@ -196,3 +181,57 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
             static_cast<CLaser*>(c)->SetFireKey('W');
     EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>('W'));
 }
+
+// Regaining the focus restores and reloads what was lost and pauses a game in
+// play; a flip that finds its surfaces lost restores them once within the
+// frame. The window hides the pointer and hands on its activation, and its
+// destruction ends the loop.
+TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
+{
+    DisplayApp t;
+    qvtest::WriteFile("sprite.ini", std::string("ship1 8 8\n"));
+    ASSERT_TRUE(t.Start());
+    auto names = [&] { return t->sprites.GetEntries().size(); };
+    ASSERT_EQ(names(), 1u);
+    t->SetGameState(StatePlaying);
+    t->OnActivate(false);
+    EXPECT_EQ(t->GetGameState(), StatePlaying);
+    Platform::NotifySurfacesLost();
+    t->OnActivate(true);
+    EXPECT_EQ(t->GetGameState(), StatePaused);
+    EXPECT_EQ(names(), 2u);
+    EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
+    t->SetGameState(StateDesign); // only a game in play is paused
+    t->OnActivate(true);
+    EXPECT_EQ(t->GetGameState(), StateDesign);
+
+    // What the window's start brought is handled first: newer SDLs report the
+    // focus a window gets on opening, which restores and reloads as above.
+    Pump(*t);
+    t.clock.Advance(16);
+    CallIdle(*t);
+    const std::size_t before = names();
+    SDL_Event reset{};
+    reset.type = SDL_RENDER_TARGETS_RESET; // the renderer lost what it drew on
+    SDL_PushEvent(&reset);
+    Pump(*t);
+    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DDERR_SURFACELOST);
+    for (int frame = 0; frame < 2; ++frame) {
+        t.clock.Advance(16);
+        EXPECT_TRUE(CallIdle(*t));
+        EXPECT_EQ(names(), before + 1);
+    }
+    EXPECT_EQ(t->display.GetPrimary()->IsLost(), DD_OK);
+
+    CGameWnd& window = *t->mainWnd;
+    EXPECT_EQ(window.WindowProc(WM_SETCURSOR, 0, 0), 1);
+    window.WindowProc(WM_ACTIVATEAPP, 0, 0);
+    EXPECT_EQ(t->active, 0);
+    window.WindowProc(WM_ACTIVATEAPP, 7, 0);
+    EXPECT_EQ(t->active, 1);
+    window.DestroyWindow();
+    EXPECT_FALSE(Pump(*t)); // the quit message was posted
+    EXPECT_EQ(t->display.Flip(), DDERR_GENERIC); // nothing left to show on, and nothing breaks
+}
+
+} // namespace

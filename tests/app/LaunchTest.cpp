@@ -1,8 +1,8 @@
 #include "app/KeyBindings.h"
 #include "app/Launch.h"
 #include "platform/Keys.h"
-#include "platform/CommandLine.h"
 #include "platform/UserDirs.h"
+#include "support/AudioFiles.h"
 #include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
@@ -11,67 +11,60 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <optional>
 
 namespace {
 
 namespace fs = std::filesystem;
 using Platform::WindowMode;
-
-// Sets an environment variable for the life of the object (null unsets it).
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name(name)
-    {
-        if (const char* old = std::getenv(name))
-            previous = old;
-        value ? ::setenv(name, value, 1) : ::unsetenv(name);
-    }
-    ~ScopedEnv() { previous ? ::setenv(name, previous->c_str(), 1) : ::unsetenv(name); }
-
-private:
-    const char* name;
-    std::optional<std::string> previous;
-};
+using qvtest::ScopedEnv;
 
 TEST(LaunchCommandLine, EachOptionAndEachMistake)
 {
+    constexpr LaunchAction Play = LaunchAction::Play, Bad = LaunchAction::BadUsage;
     struct Case {
         std::vector<std::string> args;
         LaunchAction action;
-        bool trace;
-        std::optional<WindowMode> mode;
+        bool trace = false;
+        std::optional<WindowMode> mode = {};
+        std::string record = {};
     };
     const Case cases[] = {
-        {{}, LaunchAction::Play, false, std::nullopt},
-        {{"--trace", "--windowed"}, LaunchAction::Play, true, WindowMode::Windowed},
-        {{"--fullscreen"}, LaunchAction::Play, false, WindowMode::FullScreen},
+        {{}, Play},
+        {{"--trace", "--windowed"}, Play, true, WindowMode::Windowed},
+        {{"--fullscreen"}, Play, false, WindowMode::FullScreen},
         {{"--windowed", "--help"}, LaunchAction::ShowHelp, false, WindowMode::Windowed},
-        {{"--version", "--help"}, LaunchAction::ShowHelp, false, std::nullopt},
-        {{"--version"}, LaunchAction::ShowVersion, false, std::nullopt},
-        {{"-h"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--windowed", "--fullscreen"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--trace=1"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"quelvarion.ini"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--scale=sharp", "--windowed"}, LaunchAction::Play, false, WindowMode::Windowed},
-        {{"--scale=huge"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--replay", "a.qvr", "--from", "12.5", "--level", "3"}, LaunchAction::WatchReplay, false, std::nullopt},
-        {{"--from", "12"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--replay", "a.qvr", "--from", "-1"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--replay", "a.qvr", "--from", "nan"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--replay", "a.qvr", "--level", "0"}, LaunchAction::BadUsage, false, std::nullopt},
-        {{"--replay", "a.qvr", "--level", "2x"}, LaunchAction::BadUsage, false, std::nullopt},
+        {{"--version", "--help"}, LaunchAction::ShowHelp},
+        {{"--version"}, LaunchAction::ShowVersion},
+        {{"-h"}, Bad},
+        {{"--windowed", "--fullscreen"}, Bad},
+        {{"--trace=1"}, Bad},
+        {{"quelvarion.ini"}, Bad},
+        {{"--scale=sharp", "--windowed"}, Play, false, WindowMode::Windowed},
+        {{"--scale=huge"}, Bad},
+        // A value follows its option or an equals sign, whatever it looks like.
+        {{"--record", "a.qvr", "--trace"}, Play, true, {}, "a.qvr"},
+        {{"--record=--trace"}, Play, false, {}, "--trace"},
+        {{"--trace", "--record"}, Bad},
+        {{"--replay", "a.qvr", "--from", "12.5", "--level", "3"}, LaunchAction::WatchReplay},
+        {{"--from", "12"}, Bad},
+        {{"--replay", "a.qvr", "--from", "-1"}, Bad},
+        {{"--replay", "a.qvr", "--from", "nan"}, Bad},
+        {{"--replay", "a.qvr", "--level", "0"}, Bad},
+        {{"--replay", "a.qvr", "--level", "2x"}, Bad},
     };
     for (const Case& c : cases) {
         const LaunchRequest request = CLaunch::ReadCommandLine(c.args);
-        EXPECT_EQ(request.action, c.action) << &c - cases;
-        EXPECT_EQ(request.error.empty(), c.action != LaunchAction::BadUsage) << &c - cases;
-        if (c.action != LaunchAction::BadUsage) {
-            EXPECT_EQ(request.trace, c.trace) << &c - cases;
-            EXPECT_EQ(request.windowMode, c.mode) << &c - cases;
+        const auto row = &c - cases;
+        EXPECT_EQ(request.action, c.action) << row;
+        EXPECT_EQ(request.error.empty(), c.action != Bad) << row;
+        if (c.action != Bad) {
+            EXPECT_EQ(request.trace, c.trace) << row;
+            EXPECT_EQ(request.windowMode, c.mode) << row;
+            EXPECT_EQ(request.recordFile, c.record) << row;
         }
     }
     EXPECT_EQ(CLaunch::ReadCommandLine({"--bogus"}).error, "unknown option '--bogus'");
+    EXPECT_EQ(CLaunch::ReadCommandLine({"--trace", "--record"}).error, "option '--record' needs a FILE");
     EXPECT_EQ(CLaunch::ReadCommandLine({"--scale", "integer"}).scaleMode, ScaleMode::Integer);
     const LaunchRequest later = CLaunch::ReadCommandLine({"--replay", "a.qvr", "--from=90", "--level=4"});
     EXPECT_EQ(later.fromSeconds, 90.0);
@@ -128,23 +121,6 @@ TEST(KeyBindings, LinesBindTheirKeysOrAreLeftOutWhole)
     }
 }
 
-// Options that name a value, as later options (a file to record to) will.
-TEST(CommandLine, ValuesFollowTheirOptionOrAnEqualsSign)
-{
-    const std::vector<OptionSpec> specs{{"record", "FILE", "record the game"}, {"trace", "", "trace"}};
-    std::string error;
-    auto line = CCommandLine::Parse(specs, {"--record", "a.qvr", "--trace"}, error);
-    ASSERT_TRUE(line);
-    EXPECT_EQ(line->Value("record"), "a.qvr");
-    EXPECT_TRUE(line->Has("trace"));
-    line = CCommandLine::Parse(specs, {"--record=--trace"}, error);
-    ASSERT_TRUE(line);
-    EXPECT_EQ(line->Value("record"), "--trace");
-    EXPECT_FALSE(line->Has("trace"));
-    EXPECT_FALSE(CCommandLine::Parse(specs, {"--trace", "--record"}, error));
-    EXPECT_EQ(error, "option '--record' needs a FILE");
-}
-
 TEST(LaunchFolder, GameDataIsTheCatalogueOrTheArtFolder)
 {
     qvtest::ScopedWorkDir dir;
@@ -153,21 +129,28 @@ TEST(LaunchFolder, GameDataIsTheCatalogueOrTheArtFolder)
     EXPECT_FALSE(CLaunch::HoldsGameData("."));
     fs::create_directory("art");
     EXPECT_TRUE(CLaunch::HoldsGameData("."));
-    fs::create_directory("other");
     qvtest::WriteFile("other/sprite.ini", std::string("ship1 8 8\n"));
     EXPECT_TRUE(CLaunch::HoldsGameData("other"));
 }
 
+// The configuration folder is XDG_CONFIG_HOME when that is absolute, else
+// HOME's .config, else the user database's home's; the window mode is kept
+// under it and read back.
 TEST(LaunchWindowMode, KeptUnderTheXdgConfigurationFolderAndReadBack)
 {
     qvtest::ScopedWorkDir dir;
     const std::string home = dir.Path().string();
-    ScopedEnv homeVar("HOME", home.c_str());
     {
-        ScopedEnv config("XDG_CONFIG_HOME", "relative/config"); // ignored, as the rules say
-        EXPECT_EQ(CLaunch::WindowModePath(), home + "/.config/quelvarion/window-mode");
+        ScopedEnv config("XDG_CONFIG_HOME", ""), homeVar("HOME", "ann"); // not absolute
+        const std::string found = Platform::ConfigHome();
+        EXPECT_TRUE(found.empty() || (found.front() == '/' && found.ends_with("/.config"))) << found;
     }
-    ScopedEnv config("XDG_CONFIG_HOME", (home + "/cfg").c_str());
+    ScopedEnv homeVar("HOME", home);
+    for (const char* ignored : {"", "relative/config"}) {
+        ScopedEnv config("XDG_CONFIG_HOME", ignored);
+        EXPECT_EQ(CLaunch::WindowModePath(), home + "/.config/quelvarion/window-mode") << ignored;
+    }
+    ScopedEnv config("XDG_CONFIG_HOME", home + "/cfg");
     const std::string path = CLaunch::WindowModePath();
     EXPECT_EQ(path, home + "/cfg/quelvarion/window-mode");
     EXPECT_EQ(CLaunch::ReadWindowMode(path), std::nullopt);
@@ -182,18 +165,6 @@ TEST(LaunchWindowMode, KeptUnderTheXdgConfigurationFolderAndReadBack)
     EXPECT_EQ(CLaunch::ReadWindowMode(path), std::nullopt);
 }
 
-TEST(UserDirs, ConfigHomeIgnoresEmptyAndRelativeVariables)
-{
-    ScopedEnv config("XDG_CONFIG_HOME", "");
-    {
-        ScopedEnv home("HOME", "/home/ann");
-        EXPECT_EQ(Platform::ConfigHome(), "/home/ann/.config");
-    }
-    ScopedEnv home("HOME", "ann"); // the user database's home instead
-    const std::string found = Platform::ConfigHome();
-    EXPECT_TRUE(found.empty() || (found.front() == '/' && found.ends_with("/.config"))) << found;
-}
-
 // The pictures folder as xdg-user-dirs writes it; the last word on it counts.
 TEST(UserDirs, PicturesFolderFromUserDirsFile)
 {
@@ -206,9 +177,9 @@ TEST(UserDirs, PicturesFolderFromUserDirsFile)
     for (const auto& [text, folder] : cases)
         EXPECT_EQ(Platform::PicturesFolderIn(text, "/home/ann"), folder) << text;
     qvtest::ScopedWorkDir dir;
-    ScopedEnv home("HOME", "/home/ann");
-    ScopedEnv config("XDG_CONFIG_HOME", dir.Path().c_str()); // with no user-dirs.dirs in it
-    ScopedEnv pictures("XDG_PICTURES_DIR", nullptr);
+    ScopedEnv home("HOME", "/home/ann"), pictures("XDG_PICTURES_DIR", "");
+    ::unsetenv("XDG_PICTURES_DIR"); // not even empty; put back as it was at the end
+    ScopedEnv config("XDG_CONFIG_HOME", dir.Path().string()); // with no user-dirs.dirs in it
     EXPECT_EQ(Platform::PicturesFolder(), "/home/ann/Pictures");
 }
 

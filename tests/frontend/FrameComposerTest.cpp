@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -89,6 +90,26 @@ TEST_F(FrameTest, ReadoutsBesideShieldedShipsTakeTheColourOfTheirFractions)
     d->menus.SetOptionOn(OptionStats, false);
     Frame();
     EXPECT_EQ(Place("(50)"), "absent");
+}
+
+// The design screen's statistics, and its hint under the help line up to level four.
+TEST_F(FrameTest, TheDesignScreenShowsStatisticsAndTheHintsUpToLevelFour)
+{
+    d->gameState = StateDesign;
+    d->world.NewGame(5); // level 4, the last with a hint
+    auto hintLines = [&] {
+        return std::count_if(log.texts.begin(), log.texts.end(), [](const WrittenText& t) {
+            return t.y == 768 - 85 || t.y == 768 - 70 || t.y == 768 - 40;
+        });
+    };
+    Frame();
+    const WrittenText* loss = log.Find("Shield Energy Loss: 150%");
+    ASSERT_NE(loss, nullptr);
+    EXPECT_EQ(loss->y, 140 + 9 * 15);
+    EXPECT_EQ(hintLines(), 3);
+    d->world.BeginNextLevel();
+    Frame();
+    EXPECT_EQ(hintLines(), 1); // the help line alone
 }
 
 // The screenshot key keeps the frame as composed, before any notice covers

@@ -1,13 +1,11 @@
 #include "frontend/ShipDesigner.h"
-#include "support/DisplayApp.h"
 #include "support/Parts.h"
-#include "support/TextLog.h"
+#include "support/TestApp.h"
 
 #include "platform/Keys.h"
 #include "ship/Ship.h"
 
 #include <gtest/gtest.h>
-
 
 namespace {
 
@@ -111,26 +109,6 @@ TEST(ShipDesignerLayout, PanelsOnA1024By768Screen)
     EXPECT_EQ(l.offerList, (RECT{363, 301, 661, 668}));
     EXPECT_EQ(l.componentDetail, (RECT{676, 100, 974, 286}));
     EXPECT_EQ(l.componentList, (RECT{676, 301, 974, 668}));
-}
-
-TEST(ShipDesignerDrawing, StatisticsAndTheHintsUpToLevelFour)
-{
-    DisplayApp d;
-    ASSERT_TRUE(d.Start());
-    TextLog log;
-    auto draw = [&] {
-        log.texts.clear();
-        ScopedDC dc(d.Back());
-        d->designer.Draw(*dc.dc);
-    };
-    d->world.NewGame(5); // level 4, the last with a hint
-    draw();
-    EXPECT_EQ(log.Find("Shield Energy Loss: 150%")->y, 140 + 9 * 15);
-    // The hint under the help line, and none from level 5 on.
-    EXPECT_EQ(log.At(768 - 85).size() + log.At(768 - 70).size() + log.At(768 - 40).size(), 3u);
-    d->world.BeginNextLevel();
-    draw();
-    EXPECT_EQ(log.At(768 - 85).size() + log.At(768 - 70).size() + log.At(768 - 40).size(), 1u);
 }
 
 } // namespace

@@ -2,28 +2,18 @@
 
 #include "platform/AudioDevice.h"
 #include "platform/WaveFile.h"
+#include "support/BitmapFiles.h"
 #include "support/MidiBytes.h"
 
 #include <SDL.h>
 
 #include <cstdlib>
-#include <fstream>
 
 namespace qvtest {
 
-namespace {
-
-void WriteAll(const std::string& file, const std::vector<std::uint8_t>& bytes)
-{
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-                                                static_cast<std::streamsize>(bytes.size()));
-}
-
-} // namespace
-
 void WriteWave(const std::string& file, std::uint32_t lengthMs)
 {
-    WriteAll(file, Platform::EncodeWave(Platform::MakeTone(440.0, lengthMs, 22050), 22050));
+    WriteFile(file, Platform::EncodeWave(Platform::MakeTone(440.0, lengthMs, 22050), 22050));
 }
 
 void WriteTune(const std::string& file, std::uint32_t noteMs)
@@ -31,18 +21,12 @@ void WriteTune(const std::string& file, std::uint32_t noteMs)
     midi::Bytes events{0x00, 0xC0, 0x00}; // piano
     for (std::uint8_t note : {60, 64, 67})
         events = midi::Join({events, {0x00, 0x90, note, 100}, midi::Delta(noteMs), {0x80, note, 0}});
-    WriteAll(file, midi::OneTrackTune(events));
+    WriteFile(file, midi::OneTrackTune(events));
 }
 
-void WriteBytes(const std::string& file, const std::string& bytes)
-{
-    std::ofstream(file, std::ios::binary) << bytes;
-}
+void WriteBytes(const std::string& file, const std::string& bytes) { WriteFile(file, bytes); }
 
-void WriteBytes(const std::string& file, const std::vector<std::uint8_t>& bytes)
-{
-    WriteAll(file, bytes);
-}
+void WriteBytes(const std::string& file, const std::vector<std::uint8_t>& bytes) { WriteFile(file, bytes); }
 
 bool WaitUntil(const std::function<bool()>& condition, std::uint32_t timeoutMs)
 {

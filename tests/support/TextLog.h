@@ -18,15 +18,6 @@ struct TextLog {
         const auto it = std::find_if(texts.begin(), texts.end(), [&](const WrittenText& t) { return t.text == text; });
         return it == texts.end() ? nullptr : &*it;
     }
-    // The texts written at this height, in the order written.
-    std::vector<std::string> At(std::int32_t y) const
-    {
-        std::vector<std::string> row;
-        for (const WrittenText& t : texts)
-            if (t.y == y)
-                row.push_back(t.text);
-        return row;
-    }
 
     std::vector<WrittenText> texts;
 };

@@ -31,7 +31,6 @@ public:
     // The GUID SDL gives a pad of this layout (by plugging one in for a moment).
     static std::string GuidOf(const PadLayout& layout);
 
-    bool IsPlugged() const { return joystick != nullptr; }
     void Unplug();
 
     // A standard pad's button or axis.

@@ -33,7 +33,6 @@ struct OpenObject : CGameObject {
     {
         ++hits;
         lastDamage = damage;
-        lastOther = other;
         if (diesOnHit)
             CGameObject::OnHit(damage, other);
     }
@@ -47,7 +46,6 @@ struct OpenObject : CGameObject {
     int updates = 0;
     int hits = 0;
     std::int32_t lastDamage = -1;
-    CGameObject* lastOther = nullptr;
     bool diesOnHit = true;
     std::function<void()> onUpdate;
     std::function<void()> onAct;
