@@ -1,4 +1,4 @@
-// The wave writer, and the five effects and the tune as the game's mixer reads them.
+// The wave writer, and the five effects as the game's mixer reads them.
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -11,7 +11,6 @@
 #include <string>
 
 #include "GameDataFiles.h"
-#include "platform/MidiTune.h"
 #include "WavWriter.h"
 
 namespace {
@@ -110,12 +109,4 @@ TEST(SoundFiles, EachEffectStartsWhereSmallSpeakersPlay) {
     }
     const Bands blast = EnergyBands(Read("explosion.wav"));
     EXPECT_GE(std::min({blast.low, blast.mid, blast.high}), 0.2);
-}
-
-TEST(SoundFiles, TheSequencerReadsTheTuneToItsLastBarLine) {
-    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
-    const auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
-    ASSERT_TRUE(tune);
-    EXPECT_EQ(tune->EndMicros(), 76'800'000u) << "32 bars of 2.4 s";
-    EXPECT_LT(bytes.size(), CMidiTune::MaxFileBytes / 10);
 }
