@@ -44,18 +44,16 @@ protected:
 
 TEST_F(SpriteInstanceTest, RotationRoundsToTheNearestOfThirtySixDirections)
 {
-    CSpriteInstance ship = Bound({"ship", 8, 8, 36, 0, 0});
-    ship.SetRotation(354);
-    EXPECT_EQ(ship.GetAngle(), 359);
-    EXPECT_EQ(ship.ChosenFrameIndex(), 35);
-    ship.SetRotation(355);
-    EXPECT_EQ(ship.GetAngle(), 0);
-    EXPECT_EQ(ship.ChosenFrameIndex(), 0);
-
-    CSpriteInstance odd = Bound({"odd", 8, 8, 7, 0, 0}); // 51 degrees a step, 7 frames
-    odd.SetRotation(334);
-    EXPECT_EQ(odd.GetAngle(), 359);
-    EXPECT_EQ(odd.ChosenFrameIndex(), -1); // direction 7 does not exist: the placeholder
+    // With 7 frames, 51 degrees a step: direction 7 does not exist and shows the placeholder.
+    const struct {
+        int directions, rotation, angle, frame;
+    } cases[] = {{36, 354, 359, 35}, {36, 355, 0, 0}, {7, 334, 359, -1}};
+    for (const auto& c : cases) {
+        CSpriteInstance sprite = Bound({"turning" + std::to_string(c.directions), 8, 8, c.directions, 0, 0});
+        sprite.SetRotation(c.rotation);
+        EXPECT_EQ(sprite.GetAngle(), c.angle) << c.directions << " " << c.rotation;
+        EXPECT_EQ(sprite.ChosenFrameIndex(), c.frame) << c.directions << " " << c.rotation;
+    }
 }
 
 TEST_F(SpriteInstanceTest, AnimationAdvancesOneFrameOnceItsTimeIsExceededAndWraps)
