@@ -45,16 +45,15 @@ Wave Read(const std::string& name) { return Decode(qvdata::ReadBytes(qvdata::Gam
 
 }  // namespace
 
-TEST(WavWriter, WritesAPlainMono16BitPcmFileThatReadsBack) {
+// A plain mono 16-bit PCM file that reads back; a peak asked above full
+// scale still stops at full scale.
+TEST(WavWriter, WritesAPlainMono16BitPcmFileThatReadsBackAndStopsAtFullScale) {
     const std::vector<int16_t> pcm{0, 1000, -1000, kFullScale, -kFullScale};
     const auto bytes = assetgen::WavWriter::Encode(pcm, 22050);
     ASSERT_EQ(bytes.size(), 44u + 2 * pcm.size());
     const auto w = Decode(bytes);
     EXPECT_TRUE(w.spec.format == AUDIO_S16LSB && w.spec.channels == 1 && w.spec.freq == 22050);
     EXPECT_EQ(w.samples, pcm);
-}
-
-TEST(WavWriter, APeakAskedAboveFullScaleStillStopsAtFullScale) {
     EXPECT_EQ(assetgen::WavWriter::ToPcm({1.0f, -1.0f}, 1.5), (std::vector<int16_t>{kFullScale, -kFullScale}));
 }
 
