@@ -22,11 +22,15 @@ struct Obj : CGameObject {
 
 class ListTest : public ::testing::Test {
 protected:
-    Obj* Add(int x)
+    // Inserts an object for each key, in the order given.
+    std::vector<Obj*> Add(const std::vector<int>& keys)
     {
-        Obj* o = objects.emplace_back(std::make_unique<Obj>(x)).get();
-        list.Insert(o->Node());
-        return o;
+        std::vector<Obj*> added;
+        for (int x : keys) {
+            added.push_back(objects.emplace_back(std::make_unique<Obj>(x)).get());
+            list.Insert(added.back()->Node());
+        }
+        return added;
     }
     std::vector<Obj*> Order() const
     {
@@ -62,24 +66,17 @@ protected:
 
 TEST_F(ListTest, SortedInsertKeepsOrderAndEqualKeysInArrivalOrder)
 {
-    std::vector<Obj*> fives;
-    for (int x : {5, 50, 1, 5, 30, 5, 40, -3})
-        if (Obj* o = Add(x); x == 5)
-            fives.push_back(o);
-    const auto order = Order();
-    std::vector<int> keys;
-    for (Obj* o : order)
-        keys.push_back(o->GetX());
-    EXPECT_EQ(keys, (std::vector<int>{-3, 1, 5, 5, 5, 30, 40, 50}));
-    EXPECT_EQ(std::vector<Obj*>(order.begin() + 2, order.begin() + 5), fives);
+    const std::vector<Obj*> o = Add({5, 50, 1, 5, 30, 5, 40, -3});
+    EXPECT_EQ(Order(), (std::vector<Obj*>{o[7], o[2], o[0], o[3], o[5], o[4], o[6], o[1]}));
     ExpectConsistent();
 }
 
 TEST_F(ListTest, MiddleStaysNearTheMiddleThroughInsertsAndRemoves)
 {
-    std::vector<Obj*> added;
+    std::vector<int> keys;
     for (int i = 0; i < 40; ++i)
-        added.push_back(Add((i * 37) % 101));
+        keys.push_back((i * 37) % 101);
+    const std::vector<Obj*> added = Add(keys);
     EXPECT_NEAR(PositionOf(list.GetMiddle()), list.GetCount() / 2, 3);
     EXPECT_LE(std::abs(list.GetMidOffset()), 2);
     for (int i = 0; i < 30; i += 2)
@@ -91,27 +88,23 @@ TEST_F(ListTest, MiddleStaysNearTheMiddleThroughInsertsAndRemoves)
 
 TEST_F(ListTest, RemovingTheMiddleMovesItForwardOrBackAtTheTailAndTheLastLeavesItEmpty)
 {
-    Obj* high = Add(5);
-    Add(1); // goes in front: the middle is now the tail
+    Obj* high = Add({5, 1})[0]; // the 1 goes in front: the middle is now the tail
     list.Remove(high->Node());
     EXPECT_EQ(list.GetMiddle(), list.GetHead());
     list.Remove(list.GetHead());
     ExpectConsistent();
     EXPECT_EQ(list.GetMiddle(), nullptr);
 
-    for (int x : {1, 2, 3, 4})
-        Add(x);
-    ASSERT_EQ(list.GetMiddle(), Order()[1]->Node());
+    const std::vector<Obj*> o = Add({1, 2, 3, 4});
+    ASSERT_EQ(list.GetMiddle(), o[1]->Node());
     list.Remove(list.GetMiddle());
-    EXPECT_EQ(list.GetMiddle(), Order()[1]->Node()); // the 3, which moved up
+    EXPECT_EQ(list.GetMiddle(), o[2]->Node()); // the 3, which moved up
     ExpectConsistent();
 }
 
 TEST_F(ListTest, ResortMovesAChangedKeyPastItsNeighboursKeepingPositions)
 {
-    Obj* a = Add(1);
-    for (int x : {2, 3, 10, 11})
-        Add(x);
+    Obj* a = Add({1, 2, 3, 10, 11})[0];
     const int middlePos = PositionOf(list.GetMiddle());
     const int offset = list.GetMidOffset();
     a->MoveTo(5);
@@ -127,9 +120,7 @@ TEST_F(ListTest, ResortMovesAChangedKeyPastItsNeighboursKeepingPositions)
 
 TEST_F(ListTest, SwapOfNonAdjacentNodesExchangesThemCompletely)
 {
-    std::vector<Obj*> o;
-    for (int x : {1, 2, 3, 4, 5})
-        o.push_back(Add(x));
+    const std::vector<Obj*> o = Add({1, 2, 3, 4, 5});
     list.SwapItems(o[1]->Node(), o[3]->Node());
     list.SwapItems(o[0]->Node(), o[4]->Node()); // head and tail follow the positions
     EXPECT_EQ(Order(), (std::vector<Obj*>{o[4], o[3], o[2], o[1], o[0]}));

@@ -24,16 +24,15 @@ std::map<std::string, std::vector<uint8_t>> Contents(const fs::path& dir) {
 
 }  // namespace
 
-TEST(AssetGenerator, TwoRunsWriteIdenticalFilesMatchingTheBuiltGameData) {
+// The build ran the generator as a program of its own; run here again it
+// writes the same files, byte for byte.
+TEST(AssetGenerator, TwoRunsWriteIdenticalFiles) {
     qvtest::ScopedWorkDir scratch;
-    ASSERT_TRUE(assetgen::AssetGenerator::Generate("first").ok);
-    ASSERT_TRUE(assetgen::AssetGenerator::Generate("second").ok);
-    const auto a = Contents("first"), b = Contents("second");
-    EXPECT_GT(a.size(), 300u);
-    EXPECT_TRUE(a == b);
-    // The build ran the generator as a separate program: same bytes again.
-    const auto built = Contents(qvdata::GameDir());
-    for (const auto& [name, bytes] : a) {
+    ASSERT_TRUE(assetgen::AssetGenerator::Generate("again").ok);
+    const auto again = Contents("again"), built = Contents(qvdata::GameDir());
+    EXPECT_GT(again.size(), 300u);
+    EXPECT_EQ(again.size(), built.size());
+    for (const auto& [name, bytes] : again) {
         const auto it = built.find(name);
         ASSERT_NE(it, built.end()) << name;
         EXPECT_TRUE(it->second == bytes) << name;

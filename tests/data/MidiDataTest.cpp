@@ -9,6 +9,7 @@
 #include "MidiFile.h"
 #include "MidiWriter.h"
 #include "Tune.h"
+#include "platform/MidiTune.h"
 
 TEST(MidiWriter, EncodesVariableLengthQuantities) {
     const std::vector<std::pair<uint32_t, std::vector<uint8_t>>> cases{
@@ -43,8 +44,14 @@ TEST(MidiWriter, SortsEventsReleasesBeforeRestrikingAndEndsTracksTogether) {
 }
 
 TEST(BackgroundTune, IsATuneOfAtLeastAMinuteThatLoopsCleanly) {
-    const auto m = qvdata::MidiFile::Parse(qvdata::ReadBytes(qvdata::GameDir() / "background.mid"));
+    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
+    const auto m = qvdata::MidiFile::Parse(bytes);
     ASSERT_EQ(m.error, "");
+    // The game's sequencer reads it to its last bar line, and it is small.
+    const auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
+    ASSERT_TRUE(tune);
+    EXPECT_EQ(tune->EndMicros(), 76'800'000u) << "32 bars of 2.4 s";
+    EXPECT_LT(bytes.size(), CMidiTune::MaxFileBytes / 10);
     EXPECT_TRUE(m.format == 0 || m.format == 1);
     EXPECT_EQ(m.division & 0x8000, 0) << "timed in beats, not in SMPTE frames";
     const uint32_t end = m.EndTick();

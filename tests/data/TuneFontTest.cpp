@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <set>
 #include <cstring>
 #include <string>
@@ -37,6 +38,11 @@ std::vector<std::pair<std::string, std::vector<uint8_t>>> Chunks(const std::vect
         at += 8 + size + size % 2;
     }
     return chunks;
+}
+
+std::optional<CMidiTune> GameTune() {
+    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
+    return CMidiTune::Parse(bytes.data(), bytes.size());
 }
 
 // How loud a note is, played alone with the game's font.
@@ -95,8 +101,7 @@ TEST(TuneFont, IsASmallSoundFontOfWellFormedRecordsWithSeamlessLoops) {
 }
 
 TEST(TuneFont, EveryProgramAndDrumOfTheTuneSoundsAndSoDoesEveryOtherProgram) {
-    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
-    const auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
+    const auto tune = GameTune();
     ASSERT_TRUE(tune);
     std::map<uint8_t, uint8_t> programs;  // channel to program
     std::set<uint8_t> drums;
@@ -117,8 +122,7 @@ TEST(TuneFont, EveryProgramAndDrumOfTheTuneSoundsAndSoDoesEveryOtherProgram) {
 // The levels leave the limiter nothing to do with the game's own sounds: the
 // loudest effect over the loudest moment of the tune stays under its ceiling.
 TEST(TuneFont, TheLoudestEffectOverTheLoudestBarOfTheTuneStaysUnderTheCeiling) {
-    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
-    auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
+    auto tune = GameTune();
     auto synth = CSynthesiser::Create(kRate);
     ASSERT_TRUE(tune && synth);
     CMusicStream stream(std::move(synth), kRate);

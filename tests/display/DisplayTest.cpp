@@ -1,5 +1,6 @@
 #include "support/DisplayApp.h"
 
+#include "display/Bitmaps.h"
 #include "platform/Console.h"
 
 #include <gtest/gtest.h>
@@ -9,31 +10,26 @@ namespace {
 using qvtest::DisplayApp;
 using qvtest::TraceRecorder;
 
-TEST(DisplayInit, TracesEachStepAndSucceedsWithTheBlankBitmap)
+// The start traces each step; without video memory for the flipping chain it
+// tries once more without it, and a second refusal ends it.
+TEST(DisplayInit, TracesEachStepAndRetriesTheFlippingChainOnceWithoutVideoMemory)
 {
-    DisplayApp t;
-    qvtest::WriteBlankArt();
-    HWND window = t.OpenWindow();
-    TraceRecorder trace;
-    ASSERT_EQ(t->display.Init(window), 0u);
-    EXPECT_EQ(trace.Texts(), (std::vector<std::string>{"Creating direct draw object", "Finding DD v3 interface",
-                                                       "Setting Cooperative Level, exclusive, fullscreen",
-                                                       "Set Resolution", "Screen Width"}));
-    EXPECT_EQ(trace.lines[4].number, 1024);
-    EXPECT_TRUE(t->display.GetPrimary()->GetCaps() & DDSCAPS_VIDEOMEMORY);
-}
-
-TEST(DisplayInit, RetriesTheFlippingChainOnceWithoutVideoMemory)
-{
-    for (int failures : {1, 2}) {
+    for (int failures : {0, 1, 2}) {
         DisplayApp t;
         qvtest::WriteBlankArt();
         HWND window = t.OpenWindow();
-        Platform::InjectDisplayFault(DisplayOp::CreateSurface, DDERR_OUTOFVIDEOMEMORY, 0, failures);
-        qvtest::TraceRecorder trace;
-        EXPECT_EQ(t->display.Init(window), failures == 1 ? 0u : DDERR_OUTOFVIDEOMEMORY); // the retry decides
-        EXPECT_EQ(trace.lines.back().text, "Insuficient video memory");
-        EXPECT_TRUE(failures == 2 || !(t->display.GetPrimary()->GetCaps() & DDSCAPS_VIDEOMEMORY));
+        if (failures > 0)
+            Platform::InjectDisplayFault(DisplayOp::CreateSurface, DDERR_OUTOFVIDEOMEMORY, 0, failures);
+        TraceRecorder trace;
+        EXPECT_EQ(t->display.Init(window), failures < 2 ? 0u : DDERR_OUTOFVIDEOMEMORY) << failures;
+        std::vector<std::string> steps = {"Creating direct draw object", "Finding DD v3 interface",
+                                          "Setting Cooperative Level, exclusive, fullscreen", "Set Resolution",
+                                          "Screen Width"};
+        if (failures > 0)
+            steps.push_back("Insuficient video memory");
+        EXPECT_EQ(trace.Texts(), steps) << failures;
+        EXPECT_EQ(trace.lines.at(4).number, 1024) << failures;
+        EXPECT_TRUE(failures == 2 || bool(t->display.GetPrimary()->GetCaps() & DDSCAPS_VIDEOMEMORY) == (failures == 0));
     }
 }
 
@@ -109,6 +105,83 @@ TEST(DisplaySurfaces, PagesAreClearedFromTheBlankStretchedToTheScreen)
     ASSERT_TRUE(page);
     EXPECT_EQ(DisplayApp::PixelAt(*page, 1023, 767), 0x001F);
     EXPECT_EQ(DisplayApp::PixelAt(*page, 0, 0), 0x001F); // matching the black key left the corner as it was
+}
+
+class BitmapsTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(CDisplayDevice::Create(device), DD_OK);
+        SurfaceDesc desc{DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, 32, 24, 0, DDSCAPS_OFFSCREENPLAIN};
+        ASSERT_EQ(device->CreateSurface(desc, surface), DD_OK);
+    }
+    void TearDown() override { Platform::ClearDisplayFaults(); }
+    std::uint16_t Pixel(int x, int y) { return DisplayApp::PixelAt(*surface, x, y); }
+    // An entry of the palette loaded from "art/palette.bmp", as red, green, blue and flags.
+    static std::vector<int> Entry(const PalettePtr& palette, int i)
+    {
+        const PALETTEENTRY& e = palette->GetEntries()[static_cast<std::size_t>(i)];
+        return {e.peRed, e.peGreen, e.peBlue, e.peFlags};
+    }
+
+    qvtest::ScopedWorkDir dir;
+    DisplayDevicePtr device;
+    SurfacePtr surface;
+};
+
+TEST_F(BitmapsTest, MatchColourGivesTheSurfaceValueAndLeavesTheTopLeftPixel)
+{
+    surface->ColourFill(nullptr, 0x1234);
+    EXPECT_EQ(MatchColour(surface.get(), RGB(0, 0, 0)), 0u);
+    EXPECT_EQ(MatchColour(surface.get(), RGB(255, 255, 255)), 0xFFFFu);
+    EXPECT_EQ(MatchColour(surface.get(), CLR_INVALID), 0x1234u); // the value already there
+
+    ASSERT_EQ(SetColourKey(surface.get(), RGB(255, 255, 255)), DD_OK);
+    EXPECT_EQ(surface->GetColorKey(), 0xFFFFu);
+    EXPECT_EQ(Pixel(0, 0), 0x1234);
+}
+
+TEST_F(BitmapsTest, DrawBitmapFileChangesOnlyItsRectangle)
+{
+    surface->ColourFill(nullptr, 0x07E0);
+    qvtest::WriteBitmap("art/red.bmp", 3, 3, [](int, int) { return RGB(255, 0, 0); });
+    ASSERT_EQ(DrawBitmapFile(surface.get(), "art/red.bmp", 10, 6, 4, 5), 0);
+    EXPECT_EQ(Pixel(13, 10), 0xF800); // the fuzzed frames check that nothing outside it changes
+
+    EXPECT_EQ(DrawBitmapFile(surface.get(), "art/missing.bmp", 4, 4, 0, 0), 2u);
+    qvtest::WriteFile("art/text.bmp", std::string("not a picture"));
+    EXPECT_EQ(DrawBitmapFile(surface.get(), "art/text.bmp", 4, 4, 0, 0), 13u);
+    EXPECT_EQ(DrawBitmapFile(nullptr, "art/red.bmp", 4, 4, 0, 0), 0u); // loaded, drawn nowhere
+}
+
+TEST_F(BitmapsTest, PaletteFromAnEightBitBitmapSwapsItsColoursAndKeepsTheBytesAfterThem)
+{
+    std::vector<COLORREF> colours;
+    for (int i = 0; i < 16; ++i)
+        colours.push_back(RGB(static_cast<std::uint8_t>(i * 16), static_cast<std::uint8_t>(i), 200));
+    auto bytes = qvtest::Bitmap8(4, 2, colours);
+    for (std::size_t i = 14 + 40 + 64; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(i); // pixel data that follows the table
+    qvtest::WriteFile("art/palette.bmp", bytes);
+    PalettePtr palette = LoadPalette(device.get(), "art/palette.bmp");
+    ASSERT_TRUE(palette);
+    EXPECT_EQ(Entry(palette, 5), (std::vector<int>{80, 5, 200, 0}));
+    // Entry 16 holds the first four bytes after the table, unswapped.
+    EXPECT_EQ(Entry(palette, 16), (std::vector<int>{118, 119, 120, 121}));
+    // The file ends after 8 pixel bytes: the rest is the default cube (entry 255 is white).
+    EXPECT_EQ(Entry(palette, 18), (std::vector<int>{0, 145, 170, 0}));
+    EXPECT_EQ(Entry(palette, 255)[0], 255);
+}
+
+TEST_F(BitmapsTest, PaletteFromATrueColourBitmapTakesItsBytesAsTheyAre)
+{
+    qvtest::WriteBitmap("art/palette.bmp", 2, 1, [](int x, int) { return x ? RGB(1, 2, 3) : RGB(4, 5, 6); });
+    PalettePtr palette = LoadPalette(device.get(), "art/palette.bmp");
+    ASSERT_TRUE(palette);
+    // Pixel bytes are blue, green, red: 6 5 4 3 2 1, then row padding 0 0.
+    EXPECT_EQ(Entry(palette, 0), (std::vector<int>{6, 5, 4, 3}));
+    EXPECT_EQ(Entry(palette, 1), (std::vector<int>{2, 1, 0, 0}));
+    EXPECT_EQ(Entry(palette, 2)[2], 170); // the file has ended: cube entry 2 is red 0, green 0, blue 170
 }
 
 } // namespace

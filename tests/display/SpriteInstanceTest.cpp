@@ -1,8 +1,11 @@
 #include "support/DisplayApp.h"
 
 #include "display/SpriteInstance.h"
+#include "display/SpriteList.h"
 
 #include <gtest/gtest.h>
+
+#include <vector>
 
 namespace {
 
@@ -41,18 +44,16 @@ protected:
 
 TEST_F(SpriteInstanceTest, RotationRoundsToTheNearestOfThirtySixDirections)
 {
-    CSpriteInstance ship = Bound({"ship", 8, 8, 36, 0, 0});
-    ship.SetRotation(354);
-    EXPECT_EQ(ship.GetAngle(), 359);
-    EXPECT_EQ(ship.ChosenFrameIndex(), 35);
-    ship.SetRotation(355);
-    EXPECT_EQ(ship.GetAngle(), 0);
-    EXPECT_EQ(ship.ChosenFrameIndex(), 0);
-
-    CSpriteInstance odd = Bound({"odd", 8, 8, 7, 0, 0}); // 51 degrees a step, 7 frames
-    odd.SetRotation(334);
-    EXPECT_EQ(odd.GetAngle(), 359);
-    EXPECT_EQ(odd.ChosenFrameIndex(), -1); // direction 7 does not exist: the placeholder
+    // With 7 frames, 51 degrees a step: direction 7 does not exist and shows the placeholder.
+    const struct {
+        int directions, rotation, angle, frame;
+    } cases[] = {{36, 354, 359, 35}, {36, 355, 0, 0}, {7, 334, 359, -1}};
+    for (const auto& c : cases) {
+        CSpriteInstance sprite = Bound({"turning" + std::to_string(c.directions), 8, 8, c.directions, 0, 0});
+        sprite.SetRotation(c.rotation);
+        EXPECT_EQ(sprite.GetAngle(), c.angle) << c.directions << " " << c.rotation;
+        EXPECT_EQ(sprite.ChosenFrameIndex(), c.frame) << c.directions << " " << c.rotation;
+    }
 }
 
 TEST_F(SpriteInstanceTest, AnimationAdvancesOneFrameOnceItsTimeIsExceededAndWraps)
@@ -120,6 +121,46 @@ TEST_F(SpriteInstanceTest, PlaceholderWhenUnboundWithoutAnImageOrWhenTheCopyFail
     EXPECT_EQ(Pixel(500, 500), White);
     grad.Draw(16); // the next frame tries again
     EXPECT_EQ(Pixel(500, 500), Value(4, 4));
+}
+
+std::vector<CSpriteInstance*> Contents(CSpriteList& list)
+{
+    return {list.begin(), list.end()};
+}
+
+TEST(SpriteList, ATicketTakesOutItsOwnInstanceAndKeepsTheDrawingOrder)
+{
+    CSpriteList list;
+    std::vector<CSpriteInstance*> made;
+    std::vector<CSpriteList::Ticket> tickets;
+    for (int i = 0; i < 4; ++i) {
+        made.push_back(new CSpriteInstance);
+        tickets.push_back(list.Add(made.back()));
+    }
+    list.Remove(tickets[1]);
+    list.Remove(tickets[3]);
+    EXPECT_EQ(Contents(list), (std::vector<CSpriteInstance*>{made[0], made[2]}));
+    list.Remove(tickets[1]); // spent: nothing more happens
+    EXPECT_EQ(list.size(), 2u);
+    made.push_back(new CSpriteInstance);
+    list.Add(made.back());
+    EXPECT_EQ(Contents(list), (std::vector<CSpriteInstance*>{made[0], made[2], made[4]}));
+}
+
+// A new game deletes every look before the world lets go of its objects;
+// their tickets must then name nothing, even once new looks are listed.
+TEST(SpriteList, EmptyingTheListVoidsEveryEarlierTicket)
+{
+    CSpriteList list;
+    CSpriteList::Ticket old = list.Add(new CSpriteInstance);
+    list.DeleteAll();
+    EXPECT_TRUE(list.empty());
+    auto* fresh = new CSpriteInstance;
+    CSpriteList::Ticket current = list.Add(fresh);
+    list.Remove(old);
+    EXPECT_EQ(Contents(list), std::vector<CSpriteInstance*>{fresh});
+    list.Remove(current);
+    EXPECT_TRUE(list.empty());
 }
 
 } // namespace

@@ -119,7 +119,12 @@ TEST_F(SpriteSetTest, ALineIsRefusedOnlyWhenItsFramesOrItsPagesPassTheBudget)
     }
 }
 
-TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWhereTheyWere)
+// A flip that finds the display lost reloads every name behind the first
+// set, laying frames where they were, from the pictures kept since the first
+// load and reading no file. Kept pictures stand for their files only while
+// the files are unchanged: a frame rewritten on disk is drawn anew, a removed
+// one is missing.
+TEST_F(SpriteSetTest, ALostDisplayIsRestoredFromMemoryUnlessTheFilesChanged)
 {
     qvtest::WriteFile("sprite.ini", std::string("big 1000 700\n! second page\nbig2 1000 700\nsmall 8 8 2 0 0\n"));
     for (const char* f : {"big", "big2", "small_0", "small_1"})
@@ -128,11 +133,17 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     ASSERT_EQ(Sprites().GetPages().size(), 2u);
     CSpriteInstance instance;
     ASSERT_TRUE(Sprites().Find("big2", instance));
+    auto pixel = [&](std::size_t entry, std::size_t f, int dx = 0, int dy = 0) {
+        const CSpriteFrame& frame = Entry(entry).frames[f];
+        return DisplayApp::PixelAt(*frame.surface, frame.source.left + dx, frame.source.top + dy);
+    };
 
+    const std::size_t decoded = BitmapFilesDecoded();
     Platform::NotifySurfacesLost(); // as when the window is minimised
     EXPECT_EQ(t->display.Flip(), 0u);
     EXPECT_EQ(t->display.GetBack()->IsLost(), DD_OK);
-    ASSERT_EQ(Sprites().GetEntries().size(), 6u); // loaded again behind the first set
+    EXPECT_EQ(BitmapFilesDecoded(), decoded);
+    ASSERT_EQ(Sprites().GetEntries().size(), 6u);
     EXPECT_EQ(Sprites().GetPages().size(), 2u);
     for (std::size_t i = 0; i < 3; ++i)
         for (std::size_t f = 0; f < Entry(i).frames.size(); ++f)
@@ -141,36 +152,15 @@ TEST_F(SpriteSetTest, AFlipThatFindsTheDisplayLostReloadsEveryNameLayingFramesWh
     // The instance bound before still finds its image on the restored second page.
     EXPECT_TRUE(Sprites().Find("big2", instance));
     EXPECT_EQ(instance.GetSpriteIndex(), 1);
-    const CSpriteFrame& frame = Entry(1).frames[0];
-    EXPECT_EQ(DisplayApp::PixelAt(*frame.surface, frame.source.left + 500, frame.source.top + 300), 0x001F);
-}
+    EXPECT_EQ(pixel(1, 0, 500, 300), 0x001F);
+    EXPECT_EQ(pixel(5, 1), 0x001F);
 
-// A restore redraws the frames from the pictures kept since the first load,
-// reading no file; kept pictures stand for their files only while the files
-// are unchanged: a frame rewritten on disk is drawn anew, a removed one is missing.
-TEST_F(SpriteSetTest, ARestoreRedrawsFramesFromMemoryUnlessTheirFilesChanged)
-{
-    qvtest::WriteFile("sprite.ini", std::string("a 2 2\nb 2 2\n"));
-    Art("a", RGB(0, 0, 255));
-    Art("b", RGB(0, 0, 255));
-    Sprites().Load();
-    auto pixel = [&](std::size_t entry) {
-        const CSpriteFrame& f = Entry(entry).frames[0];
-        return DisplayApp::PixelAt(*f.surface, f.source.left, f.source.top);
-    };
-    const std::size_t decoded = BitmapFilesDecoded();
+    Art("small_0", RGB(255, 0, 0));
+    std::filesystem::remove("art/small_1.bmp");
     t->display.Restore();
-    EXPECT_EQ(BitmapFilesDecoded(), decoded);
-    ASSERT_EQ(Sprites().GetEntries().size(), 4u);
-    EXPECT_EQ(pixel(2), 0x001F);
-    EXPECT_EQ(pixel(3), 0x001F);
-
-    qvtest::WriteBitmap("art/a.bmp", 2, 2, [](int, int) { return RGB(255, 0, 0); });
-    std::filesystem::remove("art/b.bmp");
-    t->display.Restore();
-    ASSERT_EQ(Sprites().GetEntries().size(), 6u);
-    EXPECT_EQ(pixel(4), 0xF800);
-    EXPECT_EQ(Entry(5).frames[0].surface, nullptr);
+    ASSERT_EQ(Sprites().GetEntries().size(), 9u);
+    EXPECT_EQ(pixel(8, 0), 0xF800);
+    EXPECT_EQ(Entry(8).frames[1].surface, nullptr);
 }
 
 } // namespace

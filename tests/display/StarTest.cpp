@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -30,22 +32,21 @@ std::vector<std::int32_t> TwinkleSequence(CStar star)
 }
 
 
-TEST(StarConstruction, DrawsAtTheEndsOfTheirRanges)
+// The lowest and highest draws, then the brightness after each twinkle until
+// the star has turned twice: it turns just past each end.
+TEST(StarTwinkle, DrawsAtTheEndsOfTheirRangesAndTurnsJustPastEachEnd)
 {
     EXPECT_EQ(Describe(CStar::FromDraws({0, 0, 4095, 0, 16383}, 1024, 768)), "0,0 size 2 grey 100 falling");
     // The highest draws put a star just off the right and bottom edges.
     EXPECT_EQ(Describe(CStar::FromDraws({32767, 32767, 4096, 32767, 16384}, 1024, 768)),
               "1024,768 size 1 grey 220 rising");
-}
-
-TEST(StarTwinkle, TurnsJustPastEachEnd)
-{
-    // From 220 rising: 222, then down two a step to 98, where it turns up again.
-    const auto down = TwinkleSequence(CStar::FromDraws({0, 0, 32767, 32767, 32767}, 1024, 768));
-    EXPECT_TRUE(down.front() == 222 && down.back() == 98 && down.size() == 63u);
-    // From 100 falling: 98, then up to 222.
-    const auto up = TwinkleSequence(CStar::FromDraws({0, 0, 32767, 0, 0}, 1024, 768));
-    EXPECT_TRUE(up.front() == 98 && up.back() == 222 && up.size() == 63u);
+    // From 220 rising: 222, then down two a step to 98; from 100 falling: 98, then up to 222.
+    using Draws = std::array<std::int32_t, 5>;
+    for (const auto& [draws, first, last] :
+         {std::tuple(Draws{0, 0, 32767, 32767, 32767}, 222, 98), std::tuple(Draws{0, 0, 32767, 0, 0}, 98, 222)}) {
+        const auto seen = TwinkleSequence(CStar::FromDraws(draws, 1024, 768));
+        EXPECT_TRUE(seen.front() == first && seen.back() == last && seen.size() == 63u) << first;
+    }
 }
 
 TEST(StarDrawing, TwinklesOnceAndLightsOnlyThePixelsOnTheSurface)

@@ -15,23 +15,17 @@ struct Bodies : ::testing::Test {
     TestApp t;
     CWorld& world = t->world;
 
-    OpenBody* Asteroid(std::int16_t size, std::int32_t x = 300, std::int32_t y = 300)
+    // An asteroid of the size, or a mine of the kind, added to the world.
+    OpenBody* Add(bool mine, std::int16_t n, std::int32_t x, std::int32_t y)
     {
-        auto* rock = new OpenBody;
-        rock->SetVector(At(x, y));
-        rock->SetAsteroid(size);
-        world.AddObject(rock);
-        return rock;
+        auto* body = new OpenBody;
+        body->SetVector(At(x, y));
+        mine ? body->SetMine(n) : body->SetAsteroid(n);
+        world.AddObject(body);
+        return body;
     }
-
-    OpenBody* Mine(std::int16_t kind, std::int32_t x, std::int32_t y)
-    {
-        auto* mine = new OpenBody;
-        mine->SetVector(At(x, y));
-        mine->SetMine(kind);
-        world.AddObject(mine);
-        return mine;
-    }
+    OpenBody* Asteroid(std::int16_t size, std::int32_t x = 300, std::int32_t y = 300) { return Add(false, size, x, y); }
+    OpenBody* Mine(std::int16_t kind, std::int32_t x, std::int32_t y) { return Add(true, kind, x, y); }
 
     // Objects in the world that are asteroids of the given radius, not counting one.
     std::int32_t Asteroids(std::int32_t radius, const CGameObject* except = nullptr)

@@ -1,3 +1,6 @@
+// Components: their stat lines and identity, and the values generation
+// draws for each kind.
+#include "core/Truncate.h"
 #include "ship/Armour.h"
 #include "ship/EnergySystem.h"
 #include "ship/Engine.h"
@@ -5,12 +8,164 @@
 #include "ship/Laser.h"
 #include "ship/Shield.h"
 #include "ship/SubspaceSail.h"
+#include "support/TestApp.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <functional>
+#include <string>
 #include <vector>
 
 namespace {
+
+using qvtest::TestApp;
+using V = std::vector<double>;
+using Stats = std::vector<std::int32_t>;
+
+// Scripts the draws generation takes: each draw returns the next listed value
+// and, once the list is used up, the given fraction of its range.
+class ScriptedDraws {
+public:
+    explicit ScriptedDraws(V listed = {}, double restFraction = 0.0) : values(std::move(listed)), rest(restFraction)
+    {
+        CComponent::SetDrawSource([this](double m) {
+            return next < values.size() ? values[next++] : m * rest;
+        });
+    }
+    ~ScriptedDraws() { CComponent::SetDrawSource(nullptr); }
+
+    V values;
+    double rest;
+    std::size_t next = 0;
+};
+
+template <class Kind, class... Divisor>
+Kind Generated(std::int32_t level, Divisor... q)
+{
+    Kind component;
+    component.Generate(level, q...);
+    return component;
+}
+
+template <class Kind, class... Divisor>
+Kind Scripted(V draws, std::int32_t level, Divisor... q)
+{
+    ScriptedDraws script(std::move(draws));
+    return Generated<Kind>(level, q...);
+}
+
+// The generated values of each kind: size, weight, then the kind's own.
+Stats Of(const CArmour& a) { return {a.GetSize(), a.GetWeight(), a.GetArmourValue()}; }
+Stats Of(const CEngine& e) { return {e.GetSize(), e.GetWeight(), e.GetThrust()}; }
+Stats Of(const CJet& j) { return {j.GetSize(), j.GetWeight(), j.GetTurnThrust()}; }
+Stats Of(const CSubspaceSail& s) { return {s.GetSize(), s.GetWeight(), s.GetMaxSpeed()}; }
+Stats Of(const CShield& s) { return {s.GetSize(), s.GetWeight(), s.GetStrength(), s.GetConversionPercent()}; }
+Stats Of(const CEnergySystem& e) { return {e.GetSize(), e.GetWeight(), e.GetStorage(), e.GetRecharge()}; }
+Stats Of(const CLaser& l)
+{
+    return {l.GetSize(), l.GetWeight(), l.GetDelay(), l.GetEnergyUse(),
+            l.GetSpeed(), l.GetContainment(), l.GetDamage(), l.GetShots()};
+}
+
+TEST(GenerationValues, ControlledDrawsGiveExactValues)
+{
+    TestApp app;
+    // At the base level: r = 20; X = 4000 and Y = 50.
+    EXPECT_EQ(Of(Scripted<CArmour>({10}, 1000)), (Stats{0, 20, 60}));
+    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 1000, 1.0f)), (Stats{4000, 50, 110}));
+    // Higher levels are cheaper and stronger; a divisor shrinks a part.
+    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 2000, 2.0f)), (Stats{1500, 18, 165}));
+    EXPECT_EQ(Of(Scripted<CEnergySystem>({5, 4, 1.0 / 3}, 1500)), (Stats{1666, 11, 557, 46}));
+    // Spread with a budget of 10050 over three shots, the rest going into
+    // speed, lifetime and damage.
+    const CLaser spread = Scripted<CLaser>({3, 8, 4, 500, 100, 20, 2.5, 0.1, 0.25}, 1500);
+    EXPECT_EQ(Of(spread), (Stats{541, 7, 333, 20, 162, 1861, 43, 3}));
+    // A single Parallel shot keeps the whole budget. The lowest delay draws
+    // give the longest delay, draws adding up to their range the shortest.
+    const CLaser single = Scripted<CLaser>({}, 1000);
+    EXPECT_EQ(Of(single), (Stats{250, 5, 1000, 5, 108, 902, 75, 1}));
+    EXPECT_EQ(Scripted<CLaser>({0, 0, 0, 420, 420}, 1000).GetDelay(), 160);
+}
+
+TEST(GenerationValues, ManyDrawsAtTheBaseLevelStayInTheirRanges)
+{
+    TestApp app(20240611);
+    struct Range {
+        std::function<Stats()> generate;
+        Stats low;
+        Stats high;
+    };
+    const std::vector<Range> ranges = {
+        {[] { return Of(Generated<CArmour>(1000)); }, {0, 10, 30}, {0, 30, 90}},
+        {[] { return Of(Generated<CEngine>(1000, 1.0f)); }, {3001, 41, 86}, {5001, 61, 135}},
+        {[] { return Of(Generated<CJet>(1000, 1.0f)); }, {500, 2, 9}, {1600, 9, 34}},
+        {[] { return Of(Generated<CSubspaceSail>(1000, 1.0f)); }, {500, 0, 10}, {1600, 7, 32}},
+        {[] { return Of(Generated<CShield>(1000)); }, {500, 4, 22, 150}, {1100, 9, 24, 210}},
+        {[] { return Of(Generated<CEnergySystem>(1000)); }, {2000, 10, 68, 50}, {3100, 21, 673, 99}},
+        {[] { return Of(Generated<CLaser>(1000)); }, {250, 5, 160, 5, 0, 0, 0, 1},
+         {1050, 21, 1000, 51, 300, 4000, 9999, 36}},
+    };
+    for (const Range& range : ranges)
+        for (int i = 0; i < 2000; ++i) {
+            const Stats stats = range.generate();
+            for (std::size_t k = 0; k < stats.size(); ++k)
+                ASSERT_TRUE(stats[k] >= range.low[k] && stats[k] <= range.high[k])
+                    << "value " << k << " of kind " << &range - &ranges[0] + 1 << " is " << stats[k];
+        }
+}
+
+TEST(GenerationValues, TruncationHoldsEveryValueAWholeNumberCan)
+{
+    qvtest::TraceRecorder trace;
+    EXPECT_EQ(TruncToInt32(-1.9), -1);
+    EXPECT_EQ(TruncToInt32(2147483647.9), 2147483647);
+    EXPECT_EQ(TruncToInt32(-2147483648.9), -2147483647 - 1);
+    EXPECT_TRUE(trace.lines.empty());
+    EXPECT_EQ(TruncToInt32(2147483648.0), 2147483647);
+    EXPECT_EQ(TruncToInt32(-2147483649.0), -2147483647 - 1);
+    EXPECT_EQ(TruncToInt32(std::nan("")), 0);
+    EXPECT_EQ(trace.lines.size(), 3u);
+}
+
+// Odd start levels reach technology levels of 0 and below, where the rules'
+// formulas divide by zero or take roots of negative numbers.
+TEST(GenerationValues, TechnologyLevelsOfZeroAndBelowAreTraced)
+{
+    TestApp app;
+    ScriptedDraws script({}, 0.5);
+    {
+        qvtest::TraceRecorder trace;
+        const Stats atZero = Of(Generated<CShield>(0));
+        EXPECT_EQ(atZero, Of(Generated<CShield>(1))); // made as at the nearest level that divides
+        EXPECT_EQ(trace.Texts().front(), "Technology level 0 in a division");
+    }
+    qvtest::TraceRecorder trace;
+    EXPECT_EQ(Generated<CEnergySystem>(-1000).GetRecharge(), 0); // not a number, made whole
+    EXPECT_EQ(trace.Texts().back(), "A value beyond 32 bits was made whole");
+}
+
+TEST(LaserGeneration, PatternDrawsAndCaps)
+{
+    TestApp app;
+    auto patternFor = [](double draw) { return Scripted<CLaser>({draw}, 1000).GetPattern(); };
+    EXPECT_EQ(std::vector({patternFor(2.999), patternFor(3), patternFor(4.999), patternFor(5)}),
+              (std::vector<std::int32_t>{CLaser::Parallel, CLaser::Spread, CLaser::Spread, CLaser::Radiating}));
+
+    // At a very high level the highest draws ask for far more than the caps.
+    auto strongest = [](double patternDraw) {
+        ScriptedDraws script({patternDraw}, 1.0);
+        return Generated<CLaser>(40000);
+    };
+    EXPECT_EQ(strongest(3).GetShots(), 7);
+    for (const CLaser& laser : {strongest(0), strongest(6)}) {
+        EXPECT_EQ(laser.GetShots(), laser.GetPattern() == CLaser::Parallel ? 5 : 36);
+        EXPECT_EQ(laser.GetSpeed(), 300);
+        EXPECT_EQ(laser.GetContainment(), 4000);
+    }
+    // The weakest Radiating laser still fires four shots.
+    EXPECT_EQ(Scripted<CLaser>({6}, 1000).GetShots(), 4);
+}
 
 using Lines = std::vector<std::string>;
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 
 namespace {
 
@@ -21,7 +20,9 @@ struct Ships : ::testing::Test {
     CWorld& world = t->world;
     OpenShip* player = nullptr;
 
-    Ships()
+    Ships() { Restart(); }
+
+    void Restart()
     {
         world.NewGame(1);
         world.Clear();
@@ -30,19 +31,10 @@ struct Ships : ::testing::Test {
         world.AdoptPlayer(player);
     }
 
-    static CLaser::Values Shots(std::int32_t energyUse, std::int32_t delay = 400, std::int32_t pattern = 0)
+    static CLaser::Values Shots(std::int32_t energyUse, std::int32_t pattern = 0)
     {
-        return {.speed = 300, .containment = 1000, .shots = 1, .damage = 10, .delay = delay,
+        return {.speed = 300, .containment = 1000, .shots = 1, .damage = 10, .delay = 400,
                 .energyUse = energyUse, .pattern = pattern};
-    }
-
-    OpenShip* Turret(std::int32_t x, std::int32_t y)
-    {
-        auto* ship = new OpenShip;
-        ship->vector = At(x, y);
-        ship->SetTurret(TeamEnemy);
-        world.AddObject(ship);
-        return ship;
     }
 
     static void Fit(CShip& ship, std::initializer_list<CComponent*> parts)
@@ -56,16 +48,13 @@ TEST_F(Ships, ALaserNeedsMoreEnergyThanItUses)
 {
     CLaser laser = Laser(Shots(20));
     player->AddComponent(&laser);
-    player->energy = 20.0f;
-    player->Fire(0);
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 0);
-    player->energy = 20.5f;
-    player->Fire(0);
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 0.5f);
-    player->energy = 100.0f;
-    player->Fire(0); // still cooling down
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
+    // 20 energy is not enough; 20.5 fires and leaves 0.5; then it is cooling down.
+    for (const auto& [energy, shots, left] : {std::tuple(20.0f, 0, 20.0f), std::tuple(20.5f, 1, 0.5f), std::tuple(100.0f, 1, 100.0f)}) {
+        player->energy = energy;
+        player->Fire(0);
+        EXPECT_EQ(CountObjects(world, ObjectProjectile), shots) << energy;
+        EXPECT_FLOAT_EQ(player->GetExactEnergy(), left) << energy;
+    }
 }
 
 TEST_F(Ships, LasersOnOneKeyTakeTurns)
@@ -78,20 +67,16 @@ TEST_F(Ships, LasersOnOneKeyTakeTurns)
     static_cast<CLaser*>(fitted[1])->SetFireKey('F'); // as the design screen would
     player->energy = 1000.0f;
     player->PlayerKey('F', true);
-
-    std::vector<std::pair<int, int>> firings; // (time, volleys so far)
-    int volleys = 0;
+    std::vector<int> firings; // the times a volley left
     for (int ms = 16; ms <= 900; ms += 16) {
         const int before = CountObjects(world, ObjectProjectile);
         world.StepObjects(16);
         if (CountObjects(world, ObjectProjectile) > before)
-            firings.push_back({ms, ++volleys});
+            firings.push_back(ms);
     }
     // Laser 0 at once, laser 1 about 100 ms later, laser 0 again once its 400 ms have passed.
     ASSERT_GE(firings.size(), 3u);
-    EXPECT_EQ(firings[0].first, 16);
-    EXPECT_EQ(firings[1].first, 128);
-    EXPECT_EQ(firings[2].first, 416);
+    EXPECT_EQ(std::vector<int>(firings.begin(), firings.begin() + 3), (std::vector<int>{16, 128, 416}));
 }
 
 TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
@@ -105,14 +90,19 @@ TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
     CShield shield = Shield(24, 1.5f);
     player->AddComponent(&shield);
     EXPECT_TRUE(labelled()); // a shielded ship shows its readouts
-    // Strength 24 at 150%: 36 energy stops 24 points; with 10 energy only 6 are stopped.
-    for (const auto& [energy, damage, energyAfter, hullAfter] :
-         {std::tuple(100.0f, 30, 64.0f, 94), std::tuple(10.0f, 30, 1.0f, 76), std::tuple(50.0f, 0, 50.0f, 100)}) {
-        player->energy = energy;
-        player->hull = 100.0f;
-        player->OnHit(damage, nullptr);
-        EXPECT_FLOAT_EQ(player->GetExactEnergy(), energyAfter) << energy << " " << damage;
-        EXPECT_EQ(player->GetHull(), hullAfter) << energy << " " << damage;
+    // Strength 24 at 150%: 36 energy stops 24 points; with 10 energy only 6
+    // are stopped. A shield that converts nothing stops nothing.
+    for (const auto& [rate, energy, damage, energyAfter, hullAfter] :
+         {std::tuple(1.5f, 100.0f, 30, 64.0f, 94), std::tuple(1.5f, 10.0f, 30, 1.0f, 76),
+          std::tuple(1.5f, 50.0f, 0, 50.0f, 100), std::tuple(0.0f, 150.0f, 30, 150.0f, 70)}) {
+        OpenShip ship;
+        ship.SetPlayerShip();
+        CShield fitted = Shield(24, rate);
+        ship.AddComponent(&fitted);
+        ship.energy = energy;
+        ship.OnHit(damage, nullptr);
+        EXPECT_FLOAT_EQ(ship.GetExactEnergy(), energyAfter) << rate << " " << energy << " " << damage;
+        EXPECT_EQ(ship.GetHull(), hullAfter) << rate << " " << energy << " " << damage;
     }
 }
 
@@ -131,74 +121,55 @@ TEST_F(Ships, ThrustAddsTheSameSpeedEveryFrameUpToTheTopSpeed)
     EXPECT_NEAR(player->vector.GetXSpeed(), 149.0f, 1e-2);
 }
 
-TEST_F(Ships, EnergyRechargesTowardItsStorage)
+// Recharge is milliseconds a unit: the energy systems of the highest
+// technology levels need 0 ms or less, and still give no energy in no time.
+TEST_F(Ships, EnergyRechargesTowardItsStorageAndStaysANumberAtEveryRecharge)
 {
-    CEnergySystem plant = Plant(150, 50);
-    player->AddComponent(&plant);
-    player->energy = 100.0f;
-    player->Update(500);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 110.0f);
-    player->Update(5000);
-    EXPECT_EQ(player->GetEnergy(), 150);
-}
-
-// The energy systems of the highest technology levels need 0 ms or less a unit.
-TEST_F(Ships, EnergyAndShieldsStayNumbersAtEveryRecharge)
-{
-    for (const std::int32_t recharge : {1, 0, -5}) {
-        CEnergySystem plant = Plant(150, recharge);
-        player->AddComponent(&plant);
-        player->energy = 100.0f;
-        player->Update(0);
-        EXPECT_FLOAT_EQ(player->GetExactEnergy(), 100.0f) << recharge; // no time, no energy
-        player->Update(16);
-        EXPECT_FLOAT_EQ(player->GetExactEnergy(), recharge > 0 ? 116.0f : 150.0f) << recharge;
+    const struct {
+        std::int32_t recharge, ms;
+        float after;
+    } cases[] = {{50, 500, 110.0f}, {50, 5500, 150.0f}, {1, 0, 100.0f}, {1, 16, 116.0f},
+                 {0, 0, 100.0f},    {0, 16, 150.0f},    {-5, 0, 100.0f}, {-5, 16, 150.0f}};
+    for (const auto& c : cases) {
+        OpenShip ship;
+        ship.SetPlayerShip();
+        CEnergySystem plant = Plant(150, c.recharge);
+        ship.AddComponent(&plant);
+        ship.energy = 100.0f;
+        ship.Update(c.ms);
+        EXPECT_FLOAT_EQ(ship.GetExactEnergy(), c.after) << c.recharge << " " << c.ms;
     }
-    CShield numb = Shield(24, 0.0f); // converts nothing, so stops nothing
-    player->AddComponent(&numb);
-    player->hull = 100.0f;
-    player->OnHit(30, nullptr);
-    EXPECT_EQ(player->GetHull(), 70);
-    EXPECT_FLOAT_EQ(player->GetExactEnergy(), 150.0f);
 }
 
-TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndWanderBeyond)
+// An enemy attacks the player within 300 pixels and wanders beyond, firing
+// there only with full energy; one wholly off the screen (radius 13) never fires.
+TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndFireOnlyOnTheScreen)
 {
-    CLaser laser = Laser(Shots(5, 400, CLaser::Parallel));
-    CEnergySystem plant = Plant(100);
-    OpenShip* near = Turret(512 + 299, 384);
-    OpenShip* far = Turret(512 + 300, 384);
-    for (OpenShip* s : {near, far}) {
-        Fit(*s, {&laser, &plant});
-        s->energy = 50.0f; // not full
-        s->thinkTimer = 1000;
+    const struct {
+        std::int32_t x;
+        float energy;
+        std::int16_t mode;
+        int shots;
+    } cases[] = {{512 + 299, 50.0f, AiAttack, 1}, {512 + 300, 50.0f, AiWander, 0},
+                 {512 + 300, 100.0f, AiWander, 1}, {-14, 100.0f, AiWander, 0}, {-12, 100.0f, AiWander, 1}};
+    for (const auto& c : cases) {
+        Restart();
+        CLaser laser = Laser(Shots(5, CLaser::Parallel));
+        CEnergySystem plant = Plant(100);
+        auto* enemy = new OpenShip;
+        enemy->vector = At(c.x, 384);
+        enemy->SetTurret(TeamEnemy);
+        world.AddObject(enemy);
+        Fit(*enemy, {&laser, &plant});
+        enemy->energy = c.energy;
+        enemy->thinkTimer = 1000;
+        world.StepObjects(0);
+        EXPECT_EQ(enemy->GetAiMode(), c.mode) << c.x << " " << c.energy;
+        EXPECT_EQ(CountObjects(world, ObjectProjectile), c.shots) << c.x << " " << c.energy;
+        if (c.mode == AiAttack) {
+            EXPECT_NEAR(enemy->facing, 3 * Pi / 2, 1e-3); // aimed at the player to its left
+        }
     }
-    world.StepObjects(0);
-    EXPECT_EQ(near->GetAiMode(), AiAttack);
-    EXPECT_EQ(far->GetAiMode(), AiWander);
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1); // only the attacker fires
-    // Aimed at the player to its left: facing 3 pi / 2.
-    EXPECT_NEAR(near->facing, 3 * Pi / 2, 1e-3);
-
-    far->energy = 100.0f; // a wanderer fires only with full energy
-    far->thinkTimer = 1000;
-    world.StepObjects(0);
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 2);
-}
-
-TEST_F(Ships, AnEnemyWhollyOffTheScreenNeverFires)
-{
-    CLaser laser = Laser(Shots(5));
-    CEnergySystem plant = Plant(100);
-    OpenShip* away = Turret(-14, 384); // radius 13
-    Fit(*away, {&laser, &plant});
-    for (int i = 0; i < 30; ++i)
-        world.StepObjects(16);
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 0);
-    away->vector = At(-12, 384);
-    away->thinkTimer = 1000;
-    world.StepObjects(0);
-    EXPECT_EQ(CountObjects(world, ObjectProjectile), 1);
 }
 
 TEST_F(Ships, AScriptedPlayerTurnsFiresAndBreaksAnAsteroid)
@@ -219,32 +190,23 @@ TEST_F(Ships, AScriptedPlayerTurnsFiresAndBreaksAnAsteroid)
     int frames = 0;
     t->SetGameState(StatePlaying); // keys reach the ship only in play
     t->OnKey(KeyRight, true);
-    while (player->facing < bearing && frames < 200) {
-        t->world.StepObjects(16);
-        ++frames;
-    }
+    for (; player->facing < bearing && frames < 200; ++frames)
+        world.StepObjects(16);
     t->OnKey(KeyRight, false);
     ASSERT_LT(frames, 200) << "the ship never came round";
     EXPECT_NEAR(player->facing, bearing, 0.1);
 
     t->OnKey('F', true);
-    t->world.StepObjects(16);
+    world.StepObjects(16);
     t->OnKey('F', false);
     ASSERT_EQ(CountObjects(world, ObjectProjectile), 1);
-
-    std::int32_t fragments = 0;
-    for (int i = 0; i < 90 && fragments == 0; ++i) {
-        t->world.StepObjects(16);
-        for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
-            if (n->GetData()->GetType() == ObjectBody && n->GetData()->GetRadius() == 7)
-                ++fragments;
-    }
-    EXPECT_EQ(fragments, 3);
-    std::int32_t debris = 0; // the spent shot is still in the list, dead
+    for (int i = 0; i < 90 && rock->IsAlive(); ++i)
+        world.StepObjects(16);
+    ASSERT_FALSE(rock->IsAlive());
+    int fragments = 0; // the medium asteroid breaks into three small ones
     for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
-        if (n->GetData()->GetType() == ObjectProjectile && n->GetData()->IsAlive())
-            ++debris;
-    EXPECT_EQ(debris, 13); // the medium asteroid's shrapnel
+        fragments += n->GetData()->GetType() == ObjectBody && n->GetData()->GetRadius() == 7;
+    EXPECT_EQ(fragments, 3);
 }
 
 } // namespace

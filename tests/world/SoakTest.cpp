@@ -117,11 +117,11 @@ public:
                 bearing += M_PI;
             turn = std::remainder(bearing - ship->GetFacing(), 2 * M_PI);
         }
-        Hold(KeyRight, turn > 0.1);
-        Hold(KeyLeft, turn < -0.1);
-        Hold(KeyUp, flee && std::fabs(turn) < 0.5);
+        driver.Key(KeyRight, turn > 0.1);
+        driver.Key(KeyLeft, turn < -0.1);
+        driver.Key(KeyUp, flee && std::fabs(turn) < 0.5);
         for (UINT fire : {'F', 'D', 'S'})
-            Hold(fire, target && !flee && std::fabs(turn) < 0.3);
+            driver.Key(fire, target && !flee && std::fabs(turn) < 0.3);
         if (std::uniform_int_distribution<int>(0, 19)(noise) == 0) {
             const UINT keys[] = {KeyLeft, KeyUp, KeyRight, KeyDown, 'F', 'D', 'S', 'A', 'G', 'Q', '7', ' '};
             const UINT key = keys[std::uniform_int_distribution<int>(0, 11)(noise)];
@@ -130,18 +130,15 @@ public:
     }
 
 private:
-    void Hold(UINT key, bool down) { driver.Key(key, down); }
-
+    // The nearest live enemy or body, and how far it is.
     const CGameObject* Nearest(const CShip& ship, double& bestDistance) const
     {
         const CGameObject* best = nullptr;
         bestDistance = 1e18;
         for (CLinkedItem* n = driver.World().GetMasterList().GetHead(); n; n = n->GetNext()) {
             const CGameObject* o = n->GetData();
-            if (!o->IsAlive() || (o->GetTeam() != TeamEnemy && o->GetType() != ObjectBody))
-                continue;
             const double d = std::hypot(o->GetX() - ship.GetX(), o->GetY() - ship.GetY());
-            if (d < bestDistance) {
+            if (o->IsAlive() && (o->GetTeam() == TeamEnemy || o->GetType() == ObjectBody) && d < bestDistance) {
                 bestDistance = d;
                 best = o;
             }

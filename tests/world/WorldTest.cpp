@@ -1,24 +1,189 @@
+// The world: its levels and their clocks, spawns and offers, the frame's
+// update and action passes, scoring, and games started at levels the options
+// screen never offers. The start level comes from a settings file players may
+// edit by hand, and a level read from the file is kept whatever it is: such
+// games must still play without a fault.
+#include "ship/Laser.h"
+#include "support/GameDriver.h"
 #include "support/TestApp.h"
 #include "support/WorldObjects.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <set>
+
 namespace {
 
-using qvtest::OpenObject;
-using qvtest::TestApp;
+using namespace qvtest;
 
-// A game in its first, half-second level, with the world running.
-struct PlayingWorld : ::testing::Test {
+struct Levels : ::testing::Test {
     TestApp t;
     CWorld& world = t->world;
 
+    // Plays the opening half second of a game, which ends on the design screen.
+    void Open(std::int32_t startLevel)
+    {
+        world.NewGame(startLevel);
+        t->SetGameState(StatePlaying);
+        world.Update(501.0);
+    }
+
+    std::vector<std::int32_t> Kinds(const std::vector<CComponent*>& components)
+    {
+        std::vector<std::int32_t> kinds;
+        for (const CComponent* c : components)
+            kinds.push_back(c->GetKind());
+        return kinds;
+    }
+
+    CGameObject* Newest() { return world.GetMasterList().GetTail()->GetData(); }
+};
+
+TEST_F(Levels, TimingsGrowTighterLevelByLevelAndTurretsComeFromLevelFive)
+{
+    world.NewGame(1);
+    const double mine[] = {120000, 60000, 40000, 30000, std::sqrt(24.0) * 21109 / 3, std::sqrt(32.0) * 21109 / 4,
+                           std::sqrt(40.0) * 21109 / 5, std::sqrt(48.0) * 21109 / 6, std::sqrt(56.0) * 21109 / 7,
+                           21109};
+    const double turret[] = {120000, 120000, 120000, 91000, std::sqrt(50.0) * 55402 / 5, std::sqrt(60.0) * 55402 / 6,
+                             std::sqrt(70.0) * 55402 / 7, std::sqrt(80.0) * 55402 / 8, std::sqrt(90.0) * 55402 / 9,
+                             55402};
+    for (std::int32_t level = 1; level <= 10; ++level) {
+        world.BeginNextLevel();
+        EXPECT_EQ(world.GetTimeLeft(), level == 1 ? 60000 : 120000) << level;
+        EXPECT_DOUBLE_EQ(world.GetMineClock().threshold, mine[level - 1]) << level;
+        EXPECT_DOUBLE_EQ(world.GetTurretClock().interval, turret[level - 1]) << level;
+        EXPECT_EQ(world.GetTurretClock().accumulated, level >= 5 ? 120000.0 : 0.0) << level;
+    }
+
+    Open(5);
+    t->SetGameState(StatePlaying);
+    world.Update(16.0);
+    EXPECT_EQ(world.GetEnemiesLeft(), 1);
+    EXPECT_EQ(static_cast<CShip*>(Newest())->GetController(), ControllerComputer);
+}
+
+TEST_F(Levels, TheAsteroidClockSpawnsOnTheFirstFramePastAThresholdDrawnAroundItsInterval)
+{
+    Open(1);
+    t->SetGameState(StatePlaying);
+    std::int32_t spawns = 0;
+    double waited = world.GetAsteroidClock().accumulated; // it runs on from level to level
+    for (int frame = 0; frame < 2000 && t->GetGameState() == StatePlaying; ++frame, waited += 16.0) {
+        const double threshold = world.GetAsteroidClock().threshold;
+        world.Update(16.0);
+        if (world.GetAsteroidClock().accumulated == 0.0) {
+            EXPECT_TRUE(waited + 16.0 > threshold && waited <= threshold) << waited << " " << threshold;
+            const double next = world.GetAsteroidClock().threshold;
+            EXPECT_TRUE(next >= 550.0 && next <= 1650.0 && next == std::trunc(next)) << next;
+            waited = -16.0;
+            ++spawns;
+        }
+    }
+    EXPECT_GT(spawns, 20);
+}
+
+TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
+{
+    world.NewGame(1);
+    world.Clear();
+    std::set<int> edges;
+    for (int i = 0; i < 400; ++i) {
+        CBody body;
+        ASSERT_TRUE(world.PlaceAtEdge(body, 70, 180));
+        const CVector v = body.GetVector();
+        const std::int32_t x = v.GetX(), y = v.GetY();
+        // Which edge, the speed into the screen and the drift along the edge.
+        const int edge = y == 0 ? 0 : y == 768 ? 1 : x == 0 ? 2 : x == 1024 ? 3 : 4;
+        const float in[] = {v.GetYSpeed(), -v.GetYSpeed(), v.GetXSpeed(), -v.GetXSpeed()};
+        const float along = edge < 2 ? v.GetXSpeed() : v.GetYSpeed();
+        edges.insert(edge);
+        ASSERT_LT(edge, 4) << x << "," << y;
+        EXPECT_TRUE(in[edge] >= 70.0f && in[edge] <= 180.0f && along >= -90.0f && along <= 90.0f) << x << "," << y;
+    }
+    EXPECT_EQ(edges.size(), 4u);
+
+    world.AddObject(new OpenObject(512, 384, 0, 0, 2000)); // covers every edge
+    world.SpawnMines(1);
+    world.SpawnTurrets(1);
+    EXPECT_EQ(world.GetMasterList().GetCount(), 1);
+    EXPECT_EQ(world.GetEnemiesLeft(), 0);
+}
+
+TEST_F(Levels, TheOfferGrowsWithTheLevelAndThePowerupsTaken)
+{
+    Open(1); // the first level opens on the design screen
+    EXPECT_EQ(t->GetGameState(), StateDesign);
+    EXPECT_EQ(Kinds(world.GetStock()), (std::vector<std::int32_t>{KindEngine, KindJet, KindSubspaceSail}));
+    world.AddPowerup(); // powerups of level 1 bring nothing for level 2
+    world.BeginNextLevel();
+    EXPECT_EQ(Kinds(world.GetStock()), (std::vector<std::int32_t>{KindEngine, KindJet, KindSubspaceSail,
+                                                                   KindEnergySystem, KindLaser, KindShield}));
+    for (int i = 0; i < 3; ++i)
+        world.AddPowerup();
+    world.BeginNextLevel();
+    ASSERT_EQ(world.GetStock().size(), 9u);
+    for (std::size_t i = 6; i < 9; ++i) // one bonus component for each powerup taken
+        EXPECT_TRUE(world.GetStock()[i]->GetTechLevel() >= 1600 && world.GetStock()[i]->GetTechLevel() <= 2001);
+
+    for (int i = 0; i < 40; ++i) { // the offered laser is never a Radiating one
+        world.RegenerateStock();
+        ASSERT_NE(static_cast<const CLaser*>(world.GetStock()[4])->GetPattern(), CLaser::Radiating);
+    }
+}
+
+TEST_F(Levels, KitsFillEachEnemysSpaceAndEnemiesCarryWhatTheyFit)
+{
+    Open(4);
+    // The sail count is the least that fills the space: one fewer falls short.
+    auto fills = [](const std::vector<CComponent*>& kit, std::size_t sail, std::int32_t space) {
+        std::int32_t total = 0;
+        for (const CComponent* c : kit)
+            total += c->GetSize() * (c == kit[sail] ? c->GetCount() : 1);
+        return total >= space && total - kit[sail]->GetSize() < space;
+    };
+    EXPECT_TRUE(fills(world.GetMineKit1(), 1, 4000));
+    EXPECT_TRUE(fills(world.GetMineKit2(), 1, 6000));
+    EXPECT_TRUE(fills(world.GetTurretKit(), world.GetTurretKit().size() - 6, 8000));
+    EXPECT_EQ(world.GetMineKit1().size(), 4u);  // engine, sail, 2 armour
+    EXPECT_EQ(world.GetMineKit2().size(), 12u); // engine, sail, 10 armour
+
+    t->SetGameState(StatePlaying);
+    for (int i = 0; i < 6; ++i) {
+        world.SpawnMines(1);
+        auto* mine = static_cast<CBody*>(Newest());
+        std::vector<CComponent*> carried;
+        mine->ListComponents(carried);
+        EXPECT_TRUE(carried.back()->GetCount() == 2 || carried.back()->GetCount() == 10);
+        EXPECT_EQ(mine->GetContactDamage(), mine->GetSpaceLeft() / 8 + 4 * 5);
+    }
+    world.SpawnTurrets(1);
+    auto* ship = static_cast<CShip*>(Newest());
+    EXPECT_TRUE(ship->GetLasers().size() >= 1 && ship->GetLasers().size() <= 3);
+    EXPECT_FLOAT_EQ(ship->GetExactEnergy(), 0.75f * static_cast<float>(ship->GetEnergyMax()));
+}
+
+// A game in its first, half-second level, with the world running.
+struct PlayingWorld : Levels {
     PlayingWorld() { t->NewGame(); }
 
     OpenObject* Add(OpenObject* o)
     {
         world.AddObject(o);
         return o;
+    }
+    // Kills an enemy of the level by explosion and returns the points it brought.
+    std::int32_t PointsForKilling(std::int32_t startLevel, bool turret)
+    {
+        world.NewGame(startLevel);
+        t->SetGameState(StatePlaying);
+        turret ? world.SpawnTurrets(1) : world.SpawnMines(1);
+        static_cast<CBody*>(Newest())->Explode();
+        const std::int32_t before = world.GetScore();
+        for (int i = 0; i < 60 && world.GetEnemiesLeft() > 0; ++i)
+            world.Update(16.0);
+        return world.GetScore() - before;
     }
 };
 
@@ -49,7 +214,7 @@ TEST_F(PlayingWorld, TheLevelOutlastsItsTimeUntilTheLastEnemyIsGone)
     EXPECT_EQ(world.GetTimeLeft(), 500); // a paused world stands still
     world.SetPaused(false);
     world.SpawnMines(1);
-    CBody* mine = static_cast<CBody*>(world.GetMasterList().GetTail()->GetData());
+    CBody* mine = static_cast<CBody*>(Newest());
     ASSERT_EQ(mine->GetBodyKind(), BodyMine);
     world.Update(600.0);
     EXPECT_EQ(world.GetTimeLeft(), 0); // never shown negative
@@ -68,26 +233,10 @@ TEST_F(PlayingWorld, TheLevelOutlastsItsTimeUntilTheLastEnemyIsGone)
     EXPECT_EQ(world.GetLevel(), 1);
 }
 
-// Kills an enemy of the level by explosion and returns the points it brought.
-std::int32_t PointsForKilling(TestApp& t, std::int32_t startLevel, bool turret)
-{
-    t->world.NewGame(startLevel);
-    t->SetGameState(StatePlaying);
-    if (turret)
-        t->world.SpawnTurrets(1);
-    else
-        t->world.SpawnMines(1);
-    static_cast<CBody*>(t->world.GetMasterList().GetTail()->GetData())->Explode();
-    const std::int32_t before = t->world.GetScore();
-    for (int i = 0; i < 60 && t->world.GetEnemiesLeft() > 0; ++i)
-        t->world.Update(16.0);
-    return t->world.GetScore() - before;
-}
-
 TEST_F(PlayingWorld, EnemiesScoreByLevel)
 {
-    EXPECT_EQ(PointsForKilling(t, 4, false), 300);
-    EXPECT_EQ(PointsForKilling(t, 4, true), 260);
+    EXPECT_EQ(PointsForKilling(4, false), 300);
+    EXPECT_EQ(PointsForKilling(4, true), 260);
 }
 
 TEST_F(PlayingWorld, ThePlayersDeathEndsTheGameAtOnce)
@@ -103,6 +252,53 @@ TEST_F(PlayingWorld, ThePlayersDeathEndsTheGameAtOnce)
     world.Update(900.0);
     EXPECT_EQ(t->GetGameState(), StateMenu);
     EXPECT_EQ(after->updates, 0);
+}
+
+TEST(OddStartLevels, PlayWithoutFault)
+{
+    for (const std::int32_t level : {-2147483647 - 1, -5, 0, 25, 1000, 2147483647}) {
+        TestApp t;
+        CGameDriver driver(*t);
+        driver.Seed(7);
+        driver.StartGame(level);
+        for (int frame = 0; frame < 2000 && driver.GetGameState() != StateMenu; ++frame) {
+            if (driver.GetGameState() == StateDesign) {
+                driver.Refit();
+                driver.StartLevel();
+            }
+            driver.Frame(20);
+        }
+        EXPECT_GE(driver.World().GetTimeLeft(), 0) << level;
+    }
+}
+
+TEST(OddStartLevels, TheGameOpensOneLevelBelowAsReadWithinTheCounter)
+{
+    // Levels beyond the 16-bit counter are traced and held at its ends.
+    const struct {
+        std::int32_t start;
+        std::int16_t before;
+        bool traced;
+    } cases[] = {{0, -1, false},          {-5, -6, false},         {25, 24, false},
+                 {-32767, -32768, false}, {32768, 32767, false},   {-32768, -32768, true},
+                 {-2147483647 - 1, -32768, true}, {32769, 32767, true}, {2147483647, 32767, true}};
+    for (const auto& c : cases) {
+        TraceRecorder trace;
+        EXPECT_EQ(CWorld::LevelBefore(c.start), c.before) << c.start;
+        EXPECT_EQ(trace.Texts(), c.traced ? std::vector<std::string>{"Start level beyond the level counter"}
+                                          : std::vector<std::string>{}) << c.start;
+    }
+
+    TestApp t;
+    CGameDriver driver(*t);
+    driver.StartGame(0);
+    EXPECT_EQ(driver.World().GetLevel(), -1);
+    driver.World().BeginNextLevel();
+    EXPECT_EQ(driver.World().GetLevel(), 0);
+    driver.StartGame(32768);
+    driver.World().BeginNextLevel();
+    driver.World().BeginNextLevel(); // the counter stays at its highest rather than wrap
+    EXPECT_EQ(driver.World().GetLevel(), 32767);
 }
 
 } // namespace

@@ -1,0 +1,248 @@
+#include "support/TestApp.h"
+#include "support/WorldObjects.h"
+#include "world/Powerup.h"
+#include "world/Projectile.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using qvtest::OpenObject;
+using qvtest::OpenShip;
+using qvtest::TestApp;
+
+constexpr double Pi = 3.14159265358979;
+
+// Objects that register in their bands, then one collision pass over them, as
+// the world runs it after every object has moved.
+struct Collisions : ::testing::Test {
+    TestApp t;
+
+    OpenObject* Make(std::int32_t x, std::int32_t y, float xs, float ys, std::int32_t r)
+    {
+        auto* o = new OpenObject(x, y, xs, ys, r);
+        o->diesOnHit = false;
+        t->world.AddObject(o);
+        return o;
+    }
+
+    void Pass()
+    {
+        for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext())
+            n->GetData()->Update(0);
+        for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext())
+            n->GetData()->CollisionPass();
+    }
+};
+
+TEST_F(Collisions, CirclesTouchBelowTheSumOfTheRadiiOnlyAndBigOnesAcrossTheSweep)
+{
+    struct Case {
+        std::int32_t ax, ay, ar, bx, by, br;
+        int hits;
+    };
+    const Case cases[] = {
+        {300, 300, 10, 319, 300, 10, 1},
+        {300, 300, 10, 320, 300, 10, 0},
+        {300, 300, 10, 315, 315, 10, 0}, // the axis distances pass but the corner of the square does not
+        {360, 300, 25, 300, 300, 40, 1}, // beyond 51 + the small radius, within 51 + 40
+    };
+    for (const Case& c : cases) {
+        t->world.Clear();
+        OpenObject* a = Make(c.ax, c.ay, 0, 0, c.ar);
+        OpenObject* b = Make(c.bx, c.by, 0, 0, c.br);
+        Pass();
+        EXPECT_EQ(std::make_pair(a->hits, b->hits), std::make_pair(c.hits, c.hits)) << &c - cases;
+    }
+}
+
+TEST_F(Collisions, HeadOnEqualMassesSwapTheirMotionAndSplitTheImpact)
+{
+    // Moving diagonally so that neither heading is bent by a zero difference.
+    OpenObject* a = Make(300, 300, 100.0f, 100.0f, 10);
+    OpenObject* b = Make(310, 310, -100.0f, -100.0f, 10);
+    Pass();
+    EXPECT_EQ(a->lastDamage, static_cast<std::int32_t>(2 * 100.0 * std::sqrt(2.0)) / 2);
+    EXPECT_EQ(b->lastDamage, a->lastDamage);
+    EXPECT_NEAR(a->vector.GetXSpeed(), -100.0f, 0.01);
+}
+
+TEST_F(Collisions, AnObjectAtRestAddsNothingToTheImpactAndAPairMeetsOncePerFrame)
+{
+    OpenObject* mover = Make(300, 300, 0.0f, 120.0f, 10);
+    OpenObject* rock = Make(300, 315, 0.0f, 0.0f, 10);
+    EXPECT_EQ(mover->ResolveCollision(*rock), 119); // 120 bent by a hair off the line of centres
+    EXPECT_EQ(mover->ResolveCollision(*rock), -1);
+
+    // Both straddle the border of bands 1 and 2 (y = 152): still one meeting a frame.
+    t->world.Clear();
+    OpenObject* a = Make(300, 150, 0, 0, 10);
+    OpenObject* b = Make(305, 152, 0, 0, 10);
+    Pass();
+    ASSERT_NE(a->GetBand2(), -1);
+    ASSERT_NE(b->GetBand2(), -1);
+    EXPECT_EQ(a->hits, 1);
+    Pass();
+    EXPECT_EQ(a->hits, 2);
+}
+
+TEST_F(Collisions, ShotsOfOneSideCrossAndPowerupsTouchOnlyThePlayersShip)
+{
+    auto shot = [&](std::int32_t x, std::int32_t team) {
+        OpenObject* o = Make(x, 300, 0, 0, 2);
+        o->type = ObjectProjectile;
+        o->team = team;
+        return o;
+    };
+    OpenObject* p1 = shot(300, TeamPlayer);
+    OpenObject* p2 = shot(301, TeamPlayer);
+    OpenObject* e1 = shot(600, TeamEnemy);
+    OpenObject* p3 = shot(601, TeamPlayer);
+    Pass();
+    EXPECT_EQ(p1->hits + p2->hits, 0);
+    EXPECT_EQ(e1->hits + p3->hits, 2);
+
+    t->world.NewGame(1); // the player's ship sits at (512, 384)
+    auto* gold = new CPowerup;
+    gold->SetVector(qvtest::At(512, 380));
+    t->world.AddObject(gold);
+    OpenObject* rock = Make(500, 380, 0, 0, 10);
+    Pass();
+    EXPECT_EQ(rock->hits, 1); // met the ship, passed through the gold
+    EXPECT_FALSE(gold->IsAlive());
+    Pass(); // no longer collidable: collected once
+    EXPECT_EQ(t->world.GetPowerupsTaken(), 1);
+}
+
+TEST(Powerup, PickupGivesEnergyUpToTheShipsStorage)
+{
+    TestApp t;
+    auto& ship = *new qvtest::OpenShip;
+    ship.SetPlayerShip();
+    t->world.AdoptPlayer(&ship);
+    ship.energyMax = 300;
+    for (float energy : {150.0f, 50.0f}) {
+        ship.energy = energy;
+        CPowerup().OnHit(0, &ship);
+    }
+    EXPECT_EQ(ship.GetEnergy(), 250);
+    EXPECT_EQ(ship.GetHull(), 100); // handed damage 0
+}
+
+TEST(GameObject, DiesPastItsLifetimeOrPastTheScreenEdgeByMoreThanItsRadius)
+{
+    TestApp t;
+    OpenObject o(500, 400);
+    o.lifetime = 500;
+    for (int i = 0; i < 5; ++i)
+        ASSERT_TRUE(o.Update(100));
+    EXPECT_FALSE(o.Update(1));
+    EXPECT_EQ(o.GetSprite(), nullptr);
+
+    OpenObject edge(-5, 300, 0, 0, 5), beyond(-6, 300, 0, 0, 5), free(-500, -500, 0, 0, 5);
+    free.boundsMode = BoundsFree;
+    EXPECT_TRUE(edge.Update(0));
+    EXPECT_FALSE(beyond.Update(0));
+    EXPECT_TRUE(free.Update(16));
+}
+
+TEST(GameObject, BounceReflectsOneAxisPerFrame)
+{
+    TestApp t;
+    // Out on two sides at once: the x wall first, the y wall next frame.
+    OpenObject corner(2, 2, -50.0f, -60.0f, 10);
+    corner.boundsMode = BoundsBounce;
+    ASSERT_TRUE(corner.Update(0));
+    EXPECT_EQ(corner.GetX(), 11);
+    EXPECT_FLOAT_EQ(corner.vector.GetXSpeed(), 50.0f);
+    EXPECT_EQ(corner.GetY(), 2);
+    ASSERT_TRUE(corner.Update(0));
+    EXPECT_EQ(corner.GetY(), 11);
+    EXPECT_FLOAT_EQ(corner.vector.GetYSpeed(), 60.0f);
+}
+
+TEST(GameObject, HoldsBothBandNodesOnlyWhileStraddlingABorder)
+{
+    TestApp t;
+    OpenObject o(300, 100, 0.0f, 1000.0f, 10);
+    // y 100: band 1 (76..151) alone; y 145 spans 135..155 into band 2; y 165 is wholly in band 2.
+    const struct {
+        std::int32_t ms, band, band2;
+    } steps[] = {{0, 1, -1}, {45, 1, 2}, {20, 2, -1}};
+    for (const auto& step : steps) {
+        ASSERT_TRUE(o.Update(step.ms));
+        EXPECT_EQ(o.GetBandItem()->GetOwner(), &t->world.GetBand(step.band)) << o.GetY();
+        EXPECT_EQ(o.GetBandItem2()->GetOwner(), step.band2 < 0 ? nullptr : &t->world.GetBand(step.band2)) << o.GetY();
+    }
+    EXPECT_EQ(t->world.GetBand(1).GetCount(), 0);
+}
+
+TEST(GameObject, AHitActsOnceAndHandsDamageOnlyToAnotherTeam)
+{
+    TestApp t;
+    OpenObject target(0, 0);
+    target.team = TeamEnemy;
+    target.diesOnHit = false;
+    for (std::int32_t team : {TeamPlayer, TeamEnemy}) {
+        OpenObject shot(0, 0);
+        shot.team = team;
+        shot.contactDamage = 9;
+        shot.OnHit(3, &target);
+        shot.OnHit(3, &target);
+    }
+    EXPECT_EQ(target.hits, 1);
+    EXPECT_EQ(target.lastDamage, 9);
+}
+
+TEST(Volleys, EachPatternPlacesAndAimsItsShots)
+{
+    TestApp t;
+    OpenShip ship;
+    using Pattern = void (*)(const CShip&, const CLaser&);
+    struct Case {
+        Pattern pattern;
+        std::int32_t team, shots;
+        double facing;
+        float shipXSpeed;
+        std::vector<double> angles; // where each shot sits around the ship, as a facing
+        bool alongFacing;           // or each along the angle at which it sits
+        std::int16_t bounds;
+    };
+    const Case cases[] = {
+        {FireParallel, TeamPlayer, 3, 0.0, 0, {Pi / 4, 0.0, 7 * Pi / 4}, true, BoundsBounce},
+        {FireSpread, TeamEnemy, 3, 0.0, 0, {Pi / 20, 0.0, 2 * Pi - Pi / 20}, false, BoundsDie},
+        {FireRadiating, TeamPlayer, 4, 0.0, 0, {0.0, 3 * Pi / 2, Pi, Pi / 2}, false, BoundsDie}, // never bounce
+        // One shot goes straight ahead whatever the pattern, and every shot inherits the ship's motion.
+        {FireParallel, TeamEnemy, 1, Pi / 2, 100, {Pi / 2}, true, BoundsDie},
+        {FireRadiating, TeamEnemy, 1, Pi / 2, 0, {Pi / 2}, true, BoundsDie},
+    };
+    for (const Case& c : cases) {
+        ship.vector = qvtest::At(500, 400, c.shipXSpeed, 0);
+        ship.radius = 16;
+        ship.team = c.team;
+        ship.facing = c.facing;
+        t->world.Clear();
+        c.pattern(ship, CLaser(CComponent::Common{}, CLaser::Values{.speed = 300, .containment = 1500, .shots = c.shots}));
+        ASSERT_EQ(t->world.GetMasterList().GetCount(), static_cast<std::int32_t>(c.angles.size())) << &c - cases;
+        std::size_t i = 0;
+        for (CLinkedItem* n = t->world.GetMasterList().GetHead(); n; n = n->GetNext(), ++i) {
+            const CGameObject* o = n->GetData();
+            const CVector v = o->GetVector();
+            const double dx = v.GetXPos() - 500, dy = v.GetYPos() - 400;
+            const double along = c.alongFacing ? c.facing : c.angles[i];
+            const double at = std::atan2(dx, -dy);
+            EXPECT_NEAR(std::hypot(dx, dy), 20.0, 1e-3) << &c - cases; // just outside the ship
+            EXPECT_NEAR(std::remainder(at - c.angles[i], 2 * Pi), 0.0, 1e-5) << &c - cases << " shot " << i;
+            EXPECT_NEAR(v.GetXSpeed(), c.shipXSpeed + 300.0 * std::sin(along), 1e-3) << &c - cases;
+            EXPECT_NEAR(v.GetYSpeed(), -300.0 * std::cos(along), 1e-3) << &c - cases;
+            EXPECT_EQ(o->GetTeam(), c.team);
+            EXPECT_EQ(o->GetBoundsMode(), c.bounds);
+        }
+    }
+}
+
+} // namespace
