@@ -12,6 +12,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 
 namespace {
@@ -122,6 +123,35 @@ void BM_WholeFrame(benchmark::State& state)
     state.counters["scenes"] = scenes;
 }
 
+// F12 in flight: what the frame loop spends taking the picture (a copy of the
+// frame) beside what it spends drawing it; the file is written behind, on the
+// screenshots' own thread, here waited for outside the measurement.
+void BM_ScreenshotInFlight(benchmark::State& state)
+{
+    FrameBench bench;
+    const std::filesystem::path pictures = bench.folder.folder / "pictures";
+    setenv("XDG_PICTURES_DIR", pictures.c_str(), 1);
+    bench.StartScene();
+    CSamples drawUs;
+    CSamples takeUs;
+    for (auto _ : state) {
+        bench.app->world.Update(FrameMs);
+        const auto drawn = BenchClock::now();
+        bench.app->DrawFrame(FrameMs);
+        drawUs.Add(MicrosecondsSince(drawn));
+        const auto taken = BenchClock::now();
+        bench.app->screenshots.Take(*bench.app->display.GetBack());
+        takeUs.Add(MicrosecondsSince(taken));
+        state.PauseTiming();
+        bench.app->screenshots.Finish();
+        state.ResumeTiming();
+    }
+    unsetenv("XDG_PICTURES_DIR");
+    drawUs.Report(state, "draw_us");
+    takeUs.Report(state, "take_us");
+}
+
 } // namespace
 
+BENCHMARK(BM_ScreenshotInFlight)->Iterations(60)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_WholeFrame)->Iterations(3 * FramesPerScene)->Unit(benchmark::kMicrosecond);
