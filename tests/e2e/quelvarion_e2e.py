@@ -68,8 +68,7 @@ def wait_until(condition, what, timeout=20, every=0.2):
 
 
 def settings_text(options=None, scores=()):
-    """The settings file as the game writes it: the five options, then the table
-    of ten scores (name, score) with empty lines for the free places."""
+    """The settings file as the game writes it: the options, then ten places for (name, score)."""
     values = {"Start Level": "1", "Music": "On", "Sound FX": "On",
               "Background Stars": "On", "Ship/Turrent Stats": "On"}
     values.update(options or {})
@@ -127,7 +126,7 @@ class Screen:
                    if abs(p[i] - r) <= tolerance and abs(p[i + 1] - g) <= tolerance and abs(p[i + 2] - b) <= tolerance)
 
     def lit_cells(self, columns, rows, threshold=6):
-        """The (column, row) cells of a grid over the screen whose mean brightness is above threshold."""
+        """The (column, row) cells of a grid over the screen in which something is drawn."""
         raw = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
                               "-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
                               "-depth", "8", "gray:-"], input=self.pixels, capture_output=True, check=True).stdout
@@ -155,7 +154,7 @@ def picture_file(path, width, height):
 
 
 class Recording:
-    """What the game played (SDL's disk audio driver: interleaved 16-bit stereo), in hundredths of a second."""
+    """What the game played (interleaved 16-bit stereo), in hundredths of a second."""
 
     STEP = AUDIO_RATE // 100
 
@@ -197,8 +196,8 @@ class Recording:
         fail(f"no silence of {at_least} s in the recording")
 
     def level(self, start, seconds):
-        """The quietest tenth of the twentieths of a second in that span, as an RMS:
-        what sounds all the time, whatever plays over it now and then."""
+        """The RMS of the quietest tenth of the twentieths of a second in that span:
+        what sounds all the time."""
         rms = []
         for i in range(int(start * 20), int((start + seconds) * 20)):
             part = self.samples[2 * i * (AUDIO_RATE // 20):2 * (i + 1) * (AUDIO_RATE // 20)]
@@ -209,8 +208,7 @@ class Recording:
 
 
 def newly_lit_cells(game, cell=8):
-    """How many cells of cell x cell game pixels are lit a second after a
-    screenshot where nothing near them was: things moving, not animating in place."""
+    """How many cells of the game's picture are lit a second after nothing near them was: things moving."""
     grid = GAME_WIDTH // cell, GAME_HEIGHT // cell
     before = game.screenshot().game_picture().lit_cells(*grid)
     time.sleep(1.0)  # the span over which things move, not a wait
@@ -290,16 +288,11 @@ def play_on(game, timeout=30):
 
 
 class Game:
-    """The game running on an X server of its own. Use it in a `with` block:
-    leaving it ends the game, the server and the scratch folder.
-
-    settings: the bytes of the player's settings file. installed: the prefix of
-    an installation whose launcher starts the game in the player's folder.
-    ordinary_user: run as a user whom file permissions bind, even as root.
-    prepare: called with the game's folder once it holds data and settings.
-    config_home: the player's configuration folder (a fresh one by default).
-    record: play into a file (see recording). tune: a MIDI file to play as the
-    background tune."""
+    """The game on an X server of its own, in a `with` block. settings: the
+    player's settings file; installed: the prefix whose launcher starts the
+    game; ordinary_user: run as a user whom file permissions bind; prepare:
+    called with the game's folder; record: play into a file; tune: a MIDI file
+    for the background tune."""
 
     def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None, args=(),
                  ordinary_user=False, prepare=None, config_home=None, record=False, tune=None):
@@ -345,8 +338,7 @@ class Game:
         return self
 
     def copy_game_for_ordinary_user(self):
-        """The build may lie where that user cannot reach (a checkout in
-        root's home, mode 700): the program and its data are copied instead."""
+        # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
         for name in os.listdir(self.data):
             if name != SETTINGS_FILE and not name.startswith("."):
                 source = os.path.join(self.data, name)
@@ -355,7 +347,7 @@ class Game:
         self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
 
     def start(self, command, **streams):
-        """Starts a program of the game's in its folder, on its display, as its player."""
+        """Starts a program in the game's folder, on its display, as its player."""
         if self.ordinary_user:
             command = as_ordinary_user(command)
         # In a sanitizer build, leaks are the unit tests' business: on a real X
@@ -396,7 +388,7 @@ class Game:
             return self.current_window()
         wait_until(shown, "the game's window showed", timeout, every=0.1)
 
-    def wait_exit(self, timeout=20):
+    def wait_exit(self, timeout=30):
         """The game's exit status, once it has ended."""
         try:
             return self.game.wait(timeout)
@@ -406,14 +398,12 @@ class Game:
     # What a player does.
 
     def wait_title_pause(self):
-        """Waits until the title screen has given way to the game; the keys a
-        player presses before then only reach the game after it."""
+        """Waits until the title screen has given way: keys pressed before then come after it."""
         title = self.wait_for_screen(showing_title, timeout=30).game_picture()
         self.wait_for_screen(lambda s: s.game_picture().mean_difference(title, step=17) > 20,
                              timeout=TITLE_PAUSE_S + 30)
 
     def keys(self, *names, pause=0.15):
-        """Presses and releases keys (X key names: Down, Return, Escape, Right, a, ...)."""
         window = self.current_window()
         if not window:
             fail("the game's window is gone")
@@ -423,7 +413,7 @@ class Game:
             time.sleep(pause)
 
     def start_new_game(self):
-        """From the main menu: "New Game", then the short empty level until the design screen."""
+        """From the main menu: "New Game", and on to the design screen."""
         self.choose("New Game")
         self.wait_for_screen(showing_design_screen, timeout=30)
 
@@ -484,7 +474,7 @@ class Game:
             fail(f"a screenshot of {len(raw)} bytes for a {width}x{height} screen")
         return Screen(width, height, raw)
 
-    def wait_for_screen(self, accept, timeout=10, every=0.2):
+    def wait_for_screen(self, accept, timeout=20, every=0.2):
         """The first screenshot that `accept` takes, within timeout seconds."""
         def accepted():
             shot = self.screenshot()
@@ -507,7 +497,6 @@ class Game:
         return os.path.join(self.scratch, "output.raw")
 
     def recording(self):
-        """What the game has played so far (it must have been started with record=True)."""
         return Recording(self.recording_path())
 
     def recorded(self):
@@ -531,7 +520,7 @@ class Game:
         wait_until(lambda: words in self.said(), f"the game said {words!r} (it said {self.said()!r})", timeout, 0.1)
 
     def keep_evidence(self):
-        """After a failure: the last screen and the game's output, where CTest's log shows them."""
+        """After a failure: the last screen and what the game wrote and played."""
         stem = os.path.join(os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir()),
                             f"qv-e2e-{os.path.basename(sys.argv[0])[:-3]}")
         try:
@@ -565,7 +554,6 @@ def start_xvfb(size=(SCREEN_WIDTH, SCREEN_HEIGHT)):
 
 
 class XServer:
-    """An X server for runs that are not a whole game; use it in a `with` block."""
 
     def __enter__(self):
         self.process, self.display = start_xvfb()
@@ -586,8 +574,7 @@ def find_window(display, title):
 
 
 def find_error_box(display):
-    """The "ERROR" box's window, or None. (Its title is typed UTF-8, which
-    xdotool's search by name does not read, so the window tree is asked.)"""
+    # The box's title is typed UTF-8, which xdotool's search by name does not read.
     tree = subprocess.run(["xwininfo", "-root", "-tree"], env=dict(os.environ, DISPLAY=display),
                           capture_output=True, text=True, timeout=10).stdout
     found = [line.split()[0] for line in tree.splitlines() if '"ERROR"' in line]
@@ -604,9 +591,8 @@ def wait_error_box(display, process):
 
 
 def dismiss_error_box(display, process):
-    """Presses Enter on the "ERROR" box a failed start shows until the program
-    has ended and its box is gone, so the next program on the display cannot
-    be taken for it. Fails if no box showed."""
+    """Presses Enter on the error box a failed start shows until the program has
+    ended and its box is gone, so that no later program is taken for it."""
     env = dict(os.environ, DISPLAY=display)
 
     def answered():
@@ -635,8 +621,7 @@ def as_ordinary_user(command):
 
 
 def link_game_data(folder, tune=None):
-    """Links to every file of the built game data, as a player's folder has
-    them; tune, when given, stands for the background tune."""
+    """Links to every file of the built game data; tune, when given, stands for the background tune."""
     data = os.environ["QV_GAME_DIR"]
     for name in os.listdir(data):
         if name != SETTINGS_FILE and not name.startswith("."):
@@ -658,16 +643,19 @@ def replace_art(folder, blank=None):
             f.write(blank)
 
 
-def run_program(args, folder, display=None, answer_box=False, timeout=30):
-    """Runs the game to its end: (status, stdout, stderr). With no display the
-    run has none at all; answer_box presses Enter on the error box it shows."""
+def start_program(args, folder, display=None, **streams):
+    """The game started in folder, on display (or with none at all), with no sound."""
     env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
     if display:
         env["DISPLAY"] = display
     env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=os.path.join(folder, ".config-test"),
                ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
-    process = subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env,
-                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    return subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env, **streams)
+
+
+def run_program(args, folder, display=None, answer_box=False, timeout=30):
+    """Runs the game to its end: (status, stdout, stderr); answer_box presses Enter on its error box."""
+    process = start_program(args, folder, display, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     if answer_box:
         dismiss_error_box(display, process)
     try:
@@ -690,13 +678,11 @@ def expect_close(difference, limit, what):
 
 
 def expect_normal_end(game, settings, what="the game"):
-    """The game ends with status 0, leaving exactly these settings."""
     expect_equal(game.wait_exit(), 0, f"{what}: exit status")
     expect_equal(game.settings_saved(), settings, f"{what}: quelvarion.ini")
 
 
 def run(*tests):
-    """Runs a flow's parts as a program: exit status 0 when they pass."""
     try:
         for test in tests:
             test()

@@ -8,7 +8,6 @@ and without any display the game ends instead of playing unseen. No run leaves
 a file in a folder without the game's data."""
 import os
 import re
-import shutil
 import tempfile
 
 from quelvarion_e2e import XServer, expect_equal, fail, link_game_data, replace_art, run, run_program
@@ -60,29 +59,25 @@ RUNS = [
 
 
 def command_line():
-    scratch = tempfile.mkdtemp(prefix="qv-e2e-")
-    try:
-        with XServer() as x:
-            for number, (what, args, prepare, on_display, status, out_start, words) in enumerate(RUNS):
-                folder = os.path.join(scratch, str(number))
-                os.mkdir(folder)
-                if prepare:
-                    prepare(folder)
-                got, out, err = run_program(args, folder, x.display if on_display else None, answer_box=on_display)
-                expect_equal(got, status, f"{what}: exit status")
-                if not out.startswith(out_start) or (status and out):
-                    fail(f"{what}: stdout was {out!r}")
-                said = [line for line in err.splitlines() if line.startswith("quelvarion: ")]
-                if words is None and err or words and (len(said) != 1 or words not in said[0]):
-                    fail(f"{what}: stderr was {err!r}")
-                if status == 2 and "Usage: quelvarion" not in err:
-                    fail(f"{what}: no usage on stderr: {err!r}")
-                if not prepare:
-                    expect_equal(os.listdir(folder), [], f"{what}: files left behind")
-                if what == "--help":
-                    expect_documented(out)
-    finally:
-        shutil.rmtree(scratch, ignore_errors=True)
+    with tempfile.TemporaryDirectory(prefix="qv-e2e-") as scratch, XServer() as x:
+        for number, (what, args, prepare, on_display, status, out_start, words) in enumerate(RUNS):
+            folder = os.path.join(scratch, str(number))
+            os.mkdir(folder)
+            if prepare:
+                prepare(folder)
+            got, out, err = run_program(args, folder, x.display if on_display else None, answer_box=on_display)
+            expect_equal(got, status, f"{what}: exit status")
+            if not out.startswith(out_start) or (status and out):
+                fail(f"{what}: stdout was {out!r}")
+            said = [line for line in err.splitlines() if line.startswith("quelvarion: ")]
+            if words is None and err or words and (len(said) != 1 or words not in said[0]):
+                fail(f"{what}: stderr was {err!r}")
+            if status == 2 and "Usage: quelvarion" not in err:
+                fail(f"{what}: no usage on stderr: {err!r}")
+            if not prepare:
+                expect_equal(os.listdir(folder), [], f"{what}: files left behind")
+            if what == "--help":
+                expect_documented(out)
 
 
 run(command_line)

@@ -15,7 +15,7 @@ import time
 
 from quelvarion_e2e import (LAST_GAME, NO_STARS, SETTINGS_FILE, Game, XServer, expect_equal, fail, link_game_data,
                             newly_lit_cells, play_on, replace_art, run, settings_text, showing_box_screen_title,
-                            showing_main_menu, showing_title, wait_error_box, wait_until)
+                            showing_main_menu, showing_title, start_program, wait_error_box, wait_until)
 
 SETTINGS = settings_text(NO_STARS, [("ZOE", 990)])
 DISPLAY_LOST = 4
@@ -233,11 +233,7 @@ def box_faults(scratch):
             link_game_data(folder)
             breaks(folder)
         with XServer() as x:
-            env = dict(os.environ, DISPLAY=x.display, SDL_AUDIODRIVER="dummy",
-                       XDG_CONFIG_HOME=os.path.join(folder, ".config"))
-            env.pop("SDL_VIDEODRIVER", None)
-            game = subprocess.Popen([os.environ["QV_GAME"]], cwd=folder, env=env, stdout=subprocess.DEVNULL,
-                                    stderr=subprocess.DEVNULL)
+            game = start_program([], folder, x.display, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             wait_error_box(x.display, game)
             with open(f"/proc/{game.pid}/task/{game.pid}/children") as f:
                 helpers = [int(child) for child in f.read().split()]
