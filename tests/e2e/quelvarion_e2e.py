@@ -296,39 +296,32 @@ class Game:
 
     def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None, args=(),
                  ordinary_user=False, prepare=None, config_home=None, record=False, tune=None):
-        self.data = os.environ["QV_GAME_DIR"]
-        self.screen_size = screen
-        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
-        self.installed = installed
+        self.data, self.screen_size, self.args = os.environ["QV_GAME_DIR"], screen, list(args)
+        self.scratch = self.folder = tempfile.mkdtemp(prefix="qv-e2e-")
+        self.program, self.ordinary_user, self.record = os.environ["QV_GAME"], ordinary_user, record
+        self.config_home = config_home or os.path.join(self.scratch, "config")
+        self.xvfb = self.game = None
         if installed:
             self.program = os.path.join(installed, "bin", "quelvarion")
             self.folder = os.path.join(self.scratch, "quelvarion")  # inside XDG_DATA_HOME
-        else:
-            self.program = os.environ["QV_GAME"]
-            self.folder = self.scratch
-        self.settings, self.args, self.ordinary_user, self.prepare = settings, list(args), ordinary_user, prepare
-        self.config_home = config_home or os.path.join(self.scratch, "config")
-        self.record, self.tune = record, tune
-        self.xvfb = self.game = None
-
-    def __enter__(self):
-        if self.installed:
-            if self.settings is not None:
+            if settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
-        elif self.ordinary_user and ordinary_user():
+        elif ordinary_user and unprivileged_user():
             self.copy_game_for_ordinary_user()
         else:
-            link_game_data(self.folder, tune=self.tune)
-        if self.settings is not None:
+            link_game_data(self.folder, tune=tune)
+        if settings is not None:
             with open(self.settings_path(), "wb") as f:
-                f.write(self.settings)
-        if self.ordinary_user:
+                f.write(settings)
+        if ordinary_user:
             os.chmod(self.scratch, 0o777)  # the player's folder is theirs
-        log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
-        if self.prepare:
-            self.prepare(self.folder)
+        self.log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
+        if prepare:
+            prepare(self.folder)
+
+    def __enter__(self):
         self.xvfb, self.display = start_xvfb(self.screen_size)
-        self.game = self.start([self.program] + self.args, stderr=log)
+        self.game = self.start([self.program] + self.args, stderr=self.log)
         try:
             self.wait_for_window()
         except BaseException as problem:
@@ -608,13 +601,13 @@ def dismiss_error_box(display, process):
     wait_until(answered, "the error box closed", every=0.1)
 
 
-def ordinary_user():
+def unprivileged_user():
     """Where the tests run as root, the user other programs run as (nobody)."""
     return pwd.getpwnam("nobody") if os.geteuid() == 0 else None
 
 
 def as_ordinary_user(command):
-    user = ordinary_user()
+    user = unprivileged_user()
     if not user:
         return command
     return ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--"] + command

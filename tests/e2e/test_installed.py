@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 
 from quelvarion_e2e import (SETTINGS_FILE, Game, as_ordinary_user, expect_equal, expect_normal_end, fail,
-                            ordinary_user, run, settings_text, showing_title)
+                            run, settings_text, showing_title, unprivileged_user)
 
 SETTINGS = settings_text({"Start Level": "2", "Sound FX": "Off"}, [("IDA", 1700)])
 # What a played game leaves in the folder it ran in.
@@ -87,7 +87,7 @@ def check_launcher_folders(prefix):
             expect_equal(result.returncode, 0, f"launcher status with XDG_DATA_HOME={data_home!r}")
             if not os.path.isdir(os.path.join(home, ".local/share/quelvarion")):
                 fail(f"XDG_DATA_HOME={data_home!r} did not fall back to ~/.local/share")
-    if ordinary_user():  # nobody's home does not exist
+    if unprivileged_user():  # nobody's home does not exist
         env = {k: v for k, v in os.environ.items() if k not in ("HOME", "XDG_DATA_HOME")}
         result = launch(as_ordinary_user([launcher, "--version"]), env)
         if result.returncode != 1 or not result.stderr.startswith("quelvarion: "):

@@ -16,7 +16,7 @@ import time
 import zlib
 
 from quelvarion_e2e import (GAME_HEIGHT, GAME_WIDTH, LAST_GAME, SETTINGS_FILE, Game, expect_equal, fail,
-                            link_game_data, pause, run, run_program, settings_text)
+                            link_game_data, pause, picture_file, run, run_program, settings_text)
 
 # Those of them played one by one are compared. Frames in a run of idle ones
 # (menus, a paused level) are replayed at the run's mean length, so what
@@ -107,21 +107,15 @@ def with_one_key_changed(replay_file, changed_file):
     fail("the recorded game has no forward thrust")
 
 
-def bitmap_rows(path):
-    data = open(path, "rb").read()
-    width, height = int.from_bytes(data[18:22], "little"), int.from_bytes(data[22:26], "little")
-    row = (width * 3 + 3) & ~3
-    # Bottom-up: the file's first row is the picture's last.
-    return [data[54 + (height - 1 - y) * row:54 + (height - 1 - y) * row + width * 3] for y in range(height)]
-
-
 def compare_pictures(recorded, replayed, frame):
-    ours, theirs = bitmap_rows(recorded), bitmap_rows(replayed)
-    marker_top, marker = GAME_HEIGHT - MARKER_HEIGHT, MARKER_WIDTH * 3
-    for y, (a, b) in enumerate(zip(ours, theirs)):
-        if (a[marker:] if y >= marker_top else a) != (b[marker:] if y >= marker_top else b):
-            fail(f"frame {frame}: the replay's picture differs from the game's in row {y}")
-    if all(a[:marker] == b[:marker] for a, b in zip(ours[marker_top:], theirs[marker_top:])):
+    ours, theirs = (picture_file(path, GAME_WIDTH, GAME_HEIGHT) for path in (recorded, replayed))
+    marker_top = GAME_HEIGHT - MARKER_HEIGHT
+    for where, box in (("above the marker", (0, 0, GAME_WIDTH, marker_top)),
+                       ("beside the marker", (MARKER_WIDTH, marker_top, GAME_WIDTH - MARKER_WIDTH, MARKER_HEIGHT))):
+        if ours.crop(*box).pixels != theirs.crop(*box).pixels:
+            fail(f"frame {frame}: the replay's picture differs from the game's {where}")
+    if ours.crop(0, marker_top, MARKER_WIDTH, MARKER_HEIGHT).pixels == theirs.crop(0, marker_top, MARKER_WIDTH,
+                                                                                   MARKER_HEIGHT).pixels:
         fail(f"frame {frame}: no replay marker in the bottom left corner")
 
 
