@@ -4,6 +4,7 @@ entry and metainfo are valid (where the validators are installed); its icons,
 manual page and licence are in place; its launcher starts the game in the
 player's own folder, with links to the installed data, and the player's
 settings stay in that folder. The launcher keeps to the XDG rules."""
+import fcntl
 import os
 import shutil
 import struct
@@ -31,18 +32,21 @@ def read(prefix, path, mode="r"):
 
 def install_after_play(prefix):
     """Installs with a player's files in the build's game folder, as a game
-    played there leaves them; the ones made here are removed again."""
+    played there leaves them; the ones made here are removed again. Another
+    run of the tests on the same build waits its turn."""
     data = os.environ["QV_GAME_DIR"]
-    made = [os.path.join(data, n) for n in PLAYER_FILES if not os.path.exists(os.path.join(data, n))]
-    try:
-        for path in made:
-            with open(path, "w") as f:
-                f.write("the player's\n")
-        subprocess.run(["cmake", "--install", os.environ["QV_BUILD_DIR"], "--prefix", prefix],
-                       check=True, capture_output=True)
-    finally:
-        for path in made:
-            os.remove(path)
+    with open(os.path.join(os.environ["QV_BUILD_DIR"], ".e2e-install.lock"), "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        made = [os.path.join(data, n) for n in PLAYER_FILES if not os.path.exists(os.path.join(data, n))]
+        try:
+            for path in made:
+                with open(path, "w") as f:
+                    f.write("the player's\n")
+            subprocess.run(["cmake", "--install", os.environ["QV_BUILD_DIR"], "--prefix", prefix],
+                           check=True, capture_output=True)
+        finally:
+            for path in made:
+                os.remove(path)
 
 
 def check_installation(prefix):
