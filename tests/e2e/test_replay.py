@@ -16,12 +16,14 @@ import time
 import zlib
 
 from quelvarion_e2e import (GAME_HEIGHT, GAME_WIDTH, LAST_GAME, SETTINGS_FILE, Game, expect_equal, fail,
-                            link_game_data, pause, picture_file, run, run_program, settings_text)
+                            link_game_data, pause, picture_file, run, run_program, settings_text,
+                            showing_main_menu)
 
-# Those of them played one by one are compared. Frames in a run of idle ones
+# Those of them played in the level are compared. Frames in a run of idle ones
 # (menus, a paused level) are replayed at the run's mean length, so what
-# animates by time (sprites in place) may be a frame apart: on a slow machine
-# the later ones fall after the level is paused.
+# animates by time (sprites in place) may be a frame apart from there on in the
+# menus: on a slow machine a late frame pauses the level, and the later frames
+# show the menu over it.
 SNAPSHOT_FRAMES = [20, 150, 250, 400, 600, 900]
 PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
 # The corner the marker is written in: it must differ there and nowhere else.
@@ -130,8 +132,9 @@ def replay_flow():
         record(replay_file, recorded)
         idle = {frame + i for _, tag, frame, fields in records(open(replay_file, "rb").read()) if tag == 0x03
                 for i in range(fields[0])}
-        frames = [f for f in SNAPSHOT_FRAMES
-                  if f not in idle and os.path.exists(os.path.join(recorded, f"frame-{f}.bmp"))]
+        kept = lambda f: os.path.join(recorded, f"frame-{f}.bmp")
+        frames = [f for f in SNAPSHOT_FRAMES if f not in idle and os.path.exists(kept(f))
+                  and not showing_main_menu(picture_file(kept(f), GAME_WIDTH, GAME_HEIGHT))]
         if len(frames) < 2:
             fail(f"too few frames recorded to compare: {frames}")
 
