@@ -1,28 +1,17 @@
 """Plays the real game the way a player does, for the end-to-end tests.
 
-Each test starts `quelvarion` on an X server of its own (Xvfb), in a scratch
-copy of its working directory whose data files are links to the built game
-data, presses real keys (xdotool) and looks at what the screen shows
-(ImageMagick screenshots) and at the files the game leaves behind.
+A flow is a file test_<flow>.py here, registered by CMake as the CTest test
+e2e.<flow>. `Game` starts `quelvarion` on an X server of its own (Xvfb) in a
+scratch folder whose data files link to the built game data, presses real
+keys (xdotool) and takes screenshots (ImageMagick) as `Screen`s, whose
+`at_game` picks a rectangle of the game's own 1024 x 768 picture wherever the
+letterbox puts it. With `record=True` the game plays through SDL's disk audio
+driver and `Recording` measures what it played. Runs that end before a game
+begins go through `run_program`. Every wait is on a condition (`wait_until`)
+with a generous bound: the machine may be busy.
 
-A flow is a file test_<flow>.py here that plays through `Game` and ends with
-`run(<flow>)`; CMake registers every such file as the CTest test e2e.<flow>.
-Checks of a screen go through `Screen`: `at_game` picks a rectangle of the
-game's own 1024 x 768 picture wherever the letterbox puts it, and
-`mean_difference`, `lit_pixels` and `lit_cells` compare it with a picture file
-or with another screenshot.
-
-A game started with `record=True` plays through SDL's disk audio driver, and
-`Recording` measures what it played: silences, samples at full scale, and how
-loud the music is over time.
-
-Runs that end before a game begins (a refused start, --help) go through
-`run_program`; `XServer` gives them a display of their own, and
-`dismiss_error_box` answers the box such a start shows there.
-
-Environment: QV_GAME (the program), QV_GAME_DIR (the built game data),
-QV_BUILD_DIR (the build, for installing it) and QV_ASSETGEN (the data
-generator, for a short tune), all set by CTest.
+Environment, set by CTest: QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR (the built
+game data), QV_BUILD_DIR and QV_ASSETGEN (the data generator).
 """
 
 import array
@@ -45,11 +34,10 @@ GAME_WIDTH, GAME_HEIGHT = 1024, 768
 SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
 TITLE_PAUSE_S = 6
 SETTINGS_FILE = "quelvarion.ini"
-
-# The entries of the main menu, top to bottom, and the options in their order.
+LAST_GAME = "last-game.qvr"
 MAIN_MENU = ["New Game", "Help", "About", "Options", "High Scores", "Exit Game"]
 OPTIONS = ["Start Level", "Music", "Sound FX", "Background Stars", "Ship/Turrent Stats"]
-
+NO_STARS = {"Background Stars": "Off"}
 
 # SDL's disk driver writes what the game plays as 16-bit stereo at 44.1 kHz.
 AUDIO_RATE = 44100
@@ -57,14 +45,30 @@ FULL_SCALE = 32767
 # A hundredth of a second whose loudest sample stays under this (-60 dB) is silent.
 SILENT_PEAK = 33
 
+TITLE_COLOUR = (180, 90, 225)
+TEXT_COLOUR = (60, 120, 120)
+HIGHLIGHT_COLOUR = (250, 250, 100)
+BOX_FRAME_COLOUR = (50, 50, 50)
+
 
 def fail(message):
     raise AssertionError(message)
 
 
+def wait_until(condition, what, timeout=20, every=0.2):
+    """The first true value of condition(), asked every so often for timeout seconds."""
+    deadline = time.monotonic() + timeout
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            fail(f"never: {what} (in {timeout} s)")
+        time.sleep(every)
+
+
 def settings_text(options=None, scores=()):
-    """The settings file as the game writes it: the five options, then the table
-    of ten scores (name, score) with empty lines for the free places."""
+    """The settings file as the game writes it: the options, then ten places for (name, score)."""
     values = {"Start Level": "1", "Music": "On", "Sound FX": "On",
               "Background Stars": "On", "Ship/Turrent Stats": "On"}
     values.update(options or {})
@@ -79,10 +83,6 @@ class Screen:
 
     def __init__(self, width, height, pixels):
         self.width, self.height, self.pixels = width, height, pixels
-
-    def pixel(self, x, y):
-        i = 3 * (y * self.width + x)
-        return tuple(self.pixels[i:i + 3])
 
     def crop(self, x, y, width, height):
         rows = [self.pixels[3 * ((y + r) * self.width + x):3 * ((y + r) * self.width + x + width)]
@@ -120,15 +120,13 @@ class Screen:
         return sum(1 for i in range(0, len(p), 3) if max(p[i], p[i + 1], p[i + 2]) > threshold)
 
     def pixels_near(self, colour, tolerance=24):
-        """How many pixels are within tolerance of colour in every channel: text or
-        boxes drawn in one of the game's colours."""
+        """How many pixels are within tolerance of colour in every channel."""
         p, (r, g, b) = self.pixels, colour
         return sum(1 for i in range(0, len(p), 3)
                    if abs(p[i] - r) <= tolerance and abs(p[i + 1] - g) <= tolerance and abs(p[i + 2] - b) <= tolerance)
 
     def lit_cells(self, columns, rows, threshold=6):
-        """The cells of a columns x rows grid over the screen in which something is drawn
-        over black: (column, row) pairs whose mean brightness is above threshold."""
+        """The (column, row) cells of a grid over the screen in which something is drawn."""
         raw = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
                               "-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
                               "-depth", "8", "gray:-"], input=self.pixels, capture_output=True, check=True).stdout
@@ -148,16 +146,15 @@ class Screen:
                        input=self.pixels, check=True)
 
 
-def tune_excerpt(first_bar, bars, folder):
-    """Bars of the game's tune as a short tune of their own, written into folder."""
-    path = os.path.join(folder, f"excerpt-{first_bar}-{bars}.mid")
-    subprocess.run([os.environ["QV_ASSETGEN"], "--tune-excerpt", path, str(first_bar), str(bars)], check=True)
-    return path
+def picture_file(path, width, height):
+    """A picture file scaled to width x height, as a Screen."""
+    raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
+                         capture_output=True, check=True).stdout
+    return Screen(width, height, raw)
 
 
 class Recording:
-    """What the game played, from SDL's disk audio driver: interleaved 16-bit
-    stereo samples, read in hundredths of a second."""
+    """What the game played (interleaved 16-bit stereo), in hundredths of a second."""
 
     STEP = AUDIO_RATE // 100
 
@@ -175,36 +172,32 @@ class Recording:
         return len(self.peaks) / 100
 
     def at_full_scale(self):
-        """How many samples reached full scale, either way."""
         return sum(self.samples.count(v) for v in (FULL_SCALE, -FULL_SCALE, -FULL_SCALE - 1))
-
-    def loudest(self):
-        return max(self.peaks, default=0)
 
     def silences(self, start=0.0, end=None):
         """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
-        first, last = int(start * 100), int((end if end is not None else self.seconds()) * 100)
+        first, last = int(start * 100), min(int((end if end is not None else self.seconds()) * 100), len(self.peaks))
         runs, begun = [], None
-        for i in range(first, min(last, len(self.peaks))):
+        for i in range(first, last):
             if self.peaks[i] < SILENT_PEAK:
                 begun = i if begun is None else begun
             elif begun is not None:
                 runs.append((begun / 100, (i - begun) / 100))
                 begun = None
         if begun is not None:
-            runs.append((begun / 100, (min(last, len(self.peaks)) - begun) / 100))
+            runs.append((begun / 100, (last - begun) / 100))
         return runs
 
-    def sound_after_silence(self, at_least, start=0.0):
-        """When sound starts again after the first silence of at least that many seconds from start."""
-        for begun, length in self.silences(start):
+    def sound_after_silence(self, at_least):
+        """When sound starts again after the first silence of at least that many seconds."""
+        for begun, length in self.silences():
             if length >= at_least:
                 return begun + length
-        fail(f"no silence of {at_least} s in the recording after {start} s")
+        fail(f"no silence of {at_least} s in the recording")
 
     def level(self, start, seconds):
-        """The quietest tenth of the twentieths of a second in that span, as an RMS:
-        what sounds all the time, whatever plays over it now and then."""
+        """The RMS of the quietest tenth of the twentieths of a second in that span:
+        what sounds all the time."""
         rms = []
         for i in range(int(start * 20), int((start + seconds) * 20)):
             part = self.samples[2 * i * (AUDIO_RATE // 20):2 * (i + 1) * (AUDIO_RATE // 20)]
@@ -215,24 +208,13 @@ class Recording:
 
 
 def newly_lit_cells(game, cell=8):
-    """How many cells of cell x cell game pixels are lit a second after a
-    screenshot where nothing near them was: things moving, not animating in place."""
+    """How many cells of the game's picture are lit a second after nothing near them was: things moving."""
     grid = GAME_WIDTH // cell, GAME_HEIGHT // cell
     before = game.screenshot().game_picture().lit_cells(*grid)
-    time.sleep(1.0)
+    time.sleep(1.0)  # the span over which things move, not a wait
     after = game.screenshot().game_picture().lit_cells(*grid)
     near_before = {(x + dx, y + dy) for x, y in before for dx in (-1, 0, 1) for dy in (-1, 0, 1)}
     return len(after - near_before)
-
-
-def picture_file(path, width, height):
-    """A picture file scaled to width x height, as a Screen."""
-    raw = subprocess.run(["convert", path, "-resize", f"{width}x{height}!", "-depth", "8", "rgb:-"],
-                         capture_output=True, check=True).stdout
-    return Screen(width, height, raw)
-
-
-_CLIENT_MESSAGE = 33
 
 
 class _ClientMessage(ctypes.Structure):
@@ -244,11 +226,6 @@ class _ClientMessage(ctypes.Structure):
 
 def showing_title(screen):
     return screen.game_picture().brightest() > 100
-
-
-TITLE_COLOUR = (180, 90, 225)
-TEXT_COLOUR = (60, 120, 120)
-HIGHLIGHT_COLOUR = (250, 250, 100)
 
 
 def menu_entry(screen):
@@ -265,13 +242,14 @@ def showing_main_menu(screen):
     return screen.at_game(300, 95, 424, 60).pixels_near(TITLE_COLOUR) > 50 and menu_entry(screen) is not None
 
 
-BOX_FRAME_COLOUR = (50, 50, 50)
+def showing_framed_screen(screen):
+    # The panels' one-pixel frames of the design screen or of a box screen.
+    return screen.at_game(40, 90, 944, 600).pixels_near(BOX_FRAME_COLOUR, tolerance=12) > 300
 
 
 def showing_design_screen(screen):
     # "Your Ship" over the left panel, and the panels' frames.
-    return (screen.at_game(60, 100, 280, 40).pixels_near(TITLE_COLOUR) > 30
-            and screen.at_game(40, 90, 944, 600).pixels_near(BOX_FRAME_COLOUR, tolerance=12) > 300)
+    return screen.at_game(60, 100, 280, 40).pixels_near(TITLE_COLOUR) > 30 and showing_framed_screen(screen)
 
 
 def showing_box_screen_title(screen):
@@ -284,9 +262,8 @@ def showing_box_screen_title(screen):
 # tests wait on what the game shows, not on the time gone by.
 
 def pause(game, tries=3):
-    """Brings up the menu over the level, whoever paused it: Escape, or a late
-    frame (keys meant for the ship may then have moved the highlight). Returns
-    the highlighted entry."""
+    """Brings up the menu over the level, whoever paused it (Escape, or a late
+    frame); returns the highlighted entry."""
     for _ in range(tries):
         entry = menu_entry(game.screenshot())
         if entry is not None:
@@ -311,60 +288,40 @@ def play_on(game, timeout=30):
 
 
 class Game:
-    """The game running on an X server of its own. Use it in a `with` block:
-    leaving it ends the game, the server and the scratch folder."""
+    """The game on an X server of its own, in a `with` block. settings: the
+    player's settings file; installed: the prefix whose launcher starts the
+    game; ordinary_user: run as a user whom file permissions bind; prepare:
+    called with the game's folder; record: play into a file; tune: a MIDI file
+    for the background tune."""
 
     def __init__(self, settings=None, screen=(SCREEN_WIDTH, SCREEN_HEIGHT), installed=None, args=(),
                  ordinary_user=False, prepare=None, config_home=None, record=False, tune=None):
-        """settings: the bytes of a settings file the player has from before.
-        installed: the prefix of an installation whose launcher starts the game
-        in the player's folder, instead of the built game in a scratch folder.
-        args: the game's command line. ordinary_user: run as a user whom file
-        permissions bind, even where the tests run as root. prepare: called
-        with the game's folder once it holds the data and the settings.
-        config_home: the player's configuration folder (a fresh one by default).
-        record: play through SDL's disk audio driver into a file (see recording).
-        tune: a MIDI file to play as the background tune instead of the game's."""
-        self.data = os.environ["QV_GAME_DIR"]
-        self.screen_size = screen
-        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-")
-        self.installed = installed
+        self.data, self.screen_size, self.args = os.environ["QV_GAME_DIR"], screen, list(args)
+        self.scratch = self.folder = tempfile.mkdtemp(prefix="qv-e2e-")
+        self.program, self.ordinary_user, self.record = os.environ["QV_GAME"], ordinary_user, record
+        self.config_home = config_home or os.path.join(self.scratch, "config")
+        self.xvfb = self.game = None
         if installed:
             self.program = os.path.join(installed, "bin", "quelvarion")
             self.folder = os.path.join(self.scratch, "quelvarion")  # inside XDG_DATA_HOME
-        else:
-            self.program = os.environ["QV_GAME"]
-            self.folder = self.scratch
-        self.settings = settings
-        self.args = list(args)
-        self.ordinary_user = ordinary_user
-        self.prepare = prepare
-        self.config_home = config_home or os.path.join(self.scratch, "config")
-        self.record = record
-        self.tune = tune
-        self.xvfb = self.game = None
-        self.status = None
-
-    # Starting and ending.
-
-    def __enter__(self):
-        if self.installed:
-            if self.settings is not None:
+            if settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
-        elif self.ordinary_user and ordinary_user():
+        elif ordinary_user and unprivileged_user():
             self.copy_game_for_ordinary_user()
         else:
-            link_game_data(self.folder, tune=self.tune)
-        if self.settings is not None:
+            link_game_data(self.folder, tune=tune)
+        if settings is not None:
             with open(self.settings_path(), "wb") as f:
-                f.write(self.settings)
-        if self.ordinary_user:
+                f.write(settings)
+        if ordinary_user:
             os.chmod(self.scratch, 0o777)  # the player's folder is theirs
-        log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
-        if self.prepare:
-            self.prepare(self.folder)
-        self.start_x_server()
-        self.game = self.start([self.program] + self.args, stderr=log)
+        self.log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
+        if prepare:
+            prepare(self.folder)
+
+    def __enter__(self):
+        self.xvfb, self.display = start_xvfb(self.screen_size)
+        self.game = self.start([self.program] + self.args, stderr=self.log)
         try:
             self.wait_for_window()
         except BaseException as problem:
@@ -374,8 +331,7 @@ class Game:
         return self
 
     def copy_game_for_ordinary_user(self):
-        """The build may lie where that user cannot reach (a checkout in
-        root's home, mode 700): the program and its data are copied instead."""
+        # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
         for name in os.listdir(self.data):
             if name != SETTINGS_FILE and not name.startswith("."):
                 source = os.path.join(self.data, name)
@@ -384,21 +340,16 @@ class Game:
         self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
 
     def start(self, command, **streams):
-        """Starts a program of the game's in its folder, on its display, as its player."""
+        """Starts a program in the game's folder, on its display, as its player."""
         if self.ordinary_user:
             command = as_ordinary_user(command)
-        return subprocess.Popen(command, cwd=self.scratch, env=self.game_env(), stdout=subprocess.DEVNULL,
-                                **streams)
-
-    def game_env(self):
         # In a sanitizer build, leaks are the unit tests' business: on a real X
-        # server SDL's system libraries (D-Bus, the GL driver it loads and
-        # unloads) keep memory the leak checker cannot tell from the game's.
-        sanitizers = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+        # server SDL's system libraries keep memory the leak checker cannot tell from the game's.
         audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record \
             else {"SDL_AUDIODRIVER": "dummy"}
-        return self.env(ASAN_OPTIONS=sanitizers, XDG_DATA_HOME=self.scratch, XDG_CONFIG_HOME=self.config_home,
-                        **audio)
+        env = self.env(ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0",
+                       XDG_DATA_HOME=self.scratch, XDG_CONFIG_HOME=self.config_home, **audio)
+        return subprocess.Popen(command, cwd=self.scratch, env=env, stdout=subprocess.DEVNULL, **streams)
 
     def __exit__(self, kind, value, trace):
         if kind is not None:
@@ -409,9 +360,6 @@ class Game:
                 process.wait()
         shutil.rmtree(self.scratch, ignore_errors=True)
         return False
-
-    def start_x_server(self):
-        self.xvfb, self.display = start_xvfb(self.screen_size)
 
     def env(self, **extra):
         env = dict(os.environ, DISPLAY=self.display, **extra)
@@ -427,34 +375,28 @@ class Game:
         return find_window(self.display, "Quelvarion")
 
     def wait_for_window(self, timeout=20):
-        deadline = time.monotonic() + timeout
-        while time.monotonic() < deadline:
-            if self.current_window():
-                return
+        def shown():
             if self.game.poll() is not None:
                 fail(f"the game ended before its window showed (status {self.game.returncode})")
-            time.sleep(0.1)
-        fail("the game's window never showed")
+            return self.current_window()
+        wait_until(shown, "the game's window showed", timeout, every=0.1)
 
-    def wait_exit(self, timeout=20):
+    def wait_exit(self, timeout=30):
         """The game's exit status, once it has ended."""
         try:
-            self.status = self.game.wait(timeout)
+            return self.game.wait(timeout)
         except subprocess.TimeoutExpired:
             fail(f"the game did not end within {timeout} s")
-        return self.status
 
     # What a player does.
 
     def wait_title_pause(self):
-        """Waits until the title screen has given way to the game; the keys a
-        player presses before then only reach the game after it."""
+        """Waits until the title screen has given way: keys pressed before then come after it."""
         title = self.wait_for_screen(showing_title, timeout=30).game_picture()
         self.wait_for_screen(lambda s: s.game_picture().mean_difference(title, step=17) > 20,
                              timeout=TITLE_PAUSE_S + 30)
 
     def keys(self, *names, pause=0.15):
-        """Presses and releases keys (X key names: Down, Return, Escape, Right, a, ...)."""
         window = self.current_window()
         if not window:
             fail("the game's window is gone")
@@ -464,13 +406,20 @@ class Game:
             time.sleep(pause)
 
     def start_new_game(self):
-        """From the main menu: "New Game", then the short empty level until the design screen."""
+        """From the main menu: "New Game", and on to the design screen."""
         self.choose("New Game")
         self.wait_for_screen(showing_design_screen, timeout=30)
 
-    def choose(self, entry):
-        """Picks a main-menu entry from the top of the menu."""
-        self.keys(*(["Down"] * MAIN_MENU.index(entry)), "Return")
+    def fly(self, *fitted):
+        """From the title pause's end: a new game, the offers at these places fitted, and the level begun."""
+        self.start_new_game()
+        for place in fitted:  # each place counted from the last one fitted
+            self.keys(*["Down"] * place, "Return")
+        self.keys("Escape")
+
+    def choose(self, entry, chosen=0):
+        """Picks a main-menu entry, going down from the one chosen now (its index)."""
+        self.keys(*(["Down"] * (MAIN_MENU.index(entry) - chosen)), "Return")
 
     def close_window(self):
         """Asks the window to close as a window manager does (WM_DELETE_WINDOW)."""
@@ -484,7 +433,7 @@ class Game:
         connection = x11.XOpenDisplay(self.display.encode())
         if not connection:
             fail("cannot reach the X server")
-        event = _ClientMessage(type=_CLIENT_MESSAGE, send_event=1, display=connection,
+        event = _ClientMessage(type=33, send_event=1, display=connection,  # ClientMessage
                                window=int(self.current_window()),
                                message_type=x11.XInternAtom(connection, b"WM_PROTOCOLS", 0), format=32)
         event.data[0] = x11.XInternAtom(connection, b"WM_DELETE_WINDOW", 0)
@@ -493,17 +442,12 @@ class Game:
         x11.XCloseDisplay(connection)
 
     def window_size(self):
-        """The game window's width and height on the screen."""
         shell = self.x("xdotool", "getwindowgeometry", "--shell", self.current_window())
         values = dict(line.split("=", 1) for line in shell.split())
         return int(values["WIDTH"]), int(values["HEIGHT"])
 
-    def wait_window_size(self, size, timeout=10):
-        deadline = time.monotonic() + timeout
-        while self.window_size() != size:
-            if time.monotonic() > deadline:
-                fail(f"the window is {self.window_size()}, not {size}")
-            time.sleep(0.2)
+    def wait_window_size(self, size):
+        wait_until(lambda: self.window_size() == size, f"the window is {size} (it is {self.window_size()})")
 
     def unfocus(self):
         """Gives the keyboard to the desktop, as clicking another window would."""
@@ -523,16 +467,12 @@ class Game:
             fail(f"a screenshot of {len(raw)} bytes for a {width}x{height} screen")
         return Screen(width, height, raw)
 
-    def wait_for_screen(self, accept, timeout=10, every=0.2):
+    def wait_for_screen(self, accept, timeout=20, every=0.2):
         """The first screenshot that `accept` takes, within timeout seconds."""
-        deadline = time.monotonic() + timeout
-        while True:
+        def accepted():
             shot = self.screenshot()
-            if accept(shot):
-                return shot
-            if time.monotonic() > deadline:
-                fail("the screen never showed what was expected")
-            time.sleep(every)
+            return shot if accept(shot) else None
+        return wait_until(accepted, "the screen showed what was expected", timeout, every)
 
     def art(self, name, width, height):
         return picture_file(os.path.join(self.data, "art", name), width, height)
@@ -550,27 +490,41 @@ class Game:
         return os.path.join(self.scratch, "output.raw")
 
     def recording(self):
-        """What the game has played so far (it must have been started with record=True)."""
         return Recording(self.recording_path())
+
+    def recorded(self):
+        """How many seconds the game has played so far."""
+        path = self.recording_path()
+        return os.path.getsize(path) / (4 * AUDIO_RATE) if os.path.exists(path) else 0
+
+    def wait_recorded(self, seconds):
+        """Waits until the game has played that many seconds in all, however slowly it goes."""
+        wait_until(lambda: self.recorded() >= seconds, f"{seconds:.1f} s played", timeout=2 * seconds + 30, every=0.05)
 
     def log_path(self):
         return os.path.join(self.scratch, "game.log")
 
+    def said(self):
+        """What the game has written on stderr so far."""
+        with open(self.log_path(), encoding="utf-8", errors="replace") as f:
+            return f.read()
+
+    def wait_said(self, words, timeout=10):
+        wait_until(lambda: words in self.said(), f"the game said {words!r} (it said {self.said()!r})", timeout, 0.1)
+
     def keep_evidence(self):
-        """After a failure: the last screen and the game's output, where CTest's log shows them."""
-        keep = os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir())
-        stem = os.path.join(keep, f"qv-e2e-{os.path.basename(sys.argv[0])[:-3]}")
+        """After a failure: the last screen and what the game wrote and played."""
+        stem = os.path.join(os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir()),
+                            f"qv-e2e-{os.path.basename(sys.argv[0])[:-3]}")
         try:
             self.screenshot().save(stem + ".png")
             print(f"last screen: {stem}.png", file=sys.stderr)
         except Exception:
             pass
-        if os.path.exists(self.log_path()):
-            shutil.copy(self.log_path(), stem + ".log")
-            print(f"game output: {stem}.log", file=sys.stderr)
-        if self.record and os.path.exists(self.recording_path()):
-            shutil.copy(self.recording_path(), stem + ".raw")
-            print(f"what it played (16-bit stereo, 44.1 kHz): {stem}.raw", file=sys.stderr)
+        for path, suffix in ((self.log_path(), ".log"), (self.recording_path(), ".raw")):
+            if os.path.exists(path):
+                shutil.copy(path, stem + suffix)
+                print(f"kept: {stem}{suffix}", file=sys.stderr)
 
 
 def start_xvfb(size=(SCREEN_WIDTH, SCREEN_HEIGHT)):
@@ -593,7 +547,6 @@ def start_xvfb(size=(SCREEN_WIDTH, SCREEN_HEIGHT)):
 
 
 class XServer:
-    """An X server for runs that are not a whole game; use it in a `with` block."""
 
     def __enter__(self):
         self.process, self.display = start_xvfb()
@@ -614,54 +567,54 @@ def find_window(display, title):
 
 
 def find_error_box(display):
-    """The "ERROR" box's window, or None. (Its title is typed UTF-8, which
-    xdotool's search by name does not read, so the window tree is asked.)"""
+    # The box's title is typed UTF-8, which xdotool's search by name does not read.
     tree = subprocess.run(["xwininfo", "-root", "-tree"], env=dict(os.environ, DISPLAY=display),
                           capture_output=True, text=True, timeout=10).stdout
     found = [line.split()[0] for line in tree.splitlines() if '"ERROR"' in line]
     return found[-1] if found else None
 
 
-def dismiss_error_box(display, process, timeout=20):
-    """Waits for the "ERROR" box a failed start shows and presses Enter on it
-    until the program has ended and its box is gone, so the next program on
-    the display cannot be taken for it. Fails if no box showed."""
-    deadline = time.monotonic() + timeout
+def wait_error_box(display, process):
+    """The error box a failed start shows; fails if the program ends without one."""
+    def shown():
+        if process.poll() is not None:
+            fail(f"the program ended (status {process.returncode}) without showing its error box")
+        return find_error_box(display)
+    return wait_until(shown, "an error box showed", every=0.1)
+
+
+def dismiss_error_box(display, process):
+    """Presses Enter on the error box a failed start shows until the program has
+    ended and its box is gone, so that no later program is taken for it."""
     env = dict(os.environ, DISPLAY=display)
-    shown = False
-    while True:
+
+    def answered():
         box = find_error_box(display)
-        if not box and process.poll() is not None:
-            break
-        if time.monotonic() > deadline:
-            fail("the error box did not close" if shown else "no error box showed")
-        if box:
-            shown = True
-            try:  # a key that reached the box before it could take it is pressed again
+        try:  # a key that reached the box before it could take it is pressed again
+            if box:
                 subprocess.run(["xdotool", "windowfocus", "--sync", box, "key", "Return"], env=env,
                                capture_output=True, timeout=2)
-            except subprocess.TimeoutExpired:
-                pass
-        time.sleep(0.1)
-    if not shown:
-        fail(f"the program ended (status {process.returncode}) without showing its error box")
+        except subprocess.TimeoutExpired:
+            pass
+        return not box and process.poll() is not None
+    wait_error_box(display, process)
+    wait_until(answered, "the error box closed", every=0.1)
 
 
-def ordinary_user():
+def unprivileged_user():
     """Where the tests run as root, the user other programs run as (nobody)."""
     return pwd.getpwnam("nobody") if os.geteuid() == 0 else None
 
 
 def as_ordinary_user(command):
-    user = ordinary_user()
+    user = unprivileged_user()
     if not user:
         return command
     return ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--"] + command
 
 
 def link_game_data(folder, tune=None):
-    """Links to every file of the built game data, as a player's folder has
-    them; tune, when given, stands for the background tune."""
+    """Links to every file of the built game data; tune, when given, stands for the background tune."""
     data = os.environ["QV_GAME_DIR"]
     for name in os.listdir(data):
         if name != SETTINGS_FILE and not name.startswith("."):
@@ -669,7 +622,7 @@ def link_game_data(folder, tune=None):
             os.symlink(source, os.path.join(folder, name))
 
 
-def replace_art(folder, blank):
+def replace_art(folder, blank=None):
     """The art folder as real files: links to every picture but the blank, and the blank as given."""
     art = os.path.join(folder, "art")
     source = os.path.realpath(art)
@@ -683,16 +636,19 @@ def replace_art(folder, blank):
             f.write(blank)
 
 
-def run_program(args, folder, display=None, answer_box=False, timeout=30):
-    """Runs the game to its end: (status, stdout, stderr). With no display the
-    run has none at all; answer_box presses Enter on the error box it shows."""
+def start_program(args, folder, display=None, **streams):
+    """The game started in folder, on display (or with none at all), with no sound."""
     env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
     if display:
         env["DISPLAY"] = display
     env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=os.path.join(folder, ".config-test"),
                ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
-    process = subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env,
-                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    return subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env, **streams)
+
+
+def run_program(args, folder, display=None, answer_box=False, timeout=30):
+    """Runs the game to its end: (status, stdout, stderr); answer_box presses Enter on its error box."""
+    process = start_program(args, folder, display, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     if answer_box:
         dismiss_error_box(display, process)
     try:
@@ -714,48 +670,15 @@ def expect_close(difference, limit, what):
         fail(f"{what}: differs by {difference:.1f} (at most {limit} expected)")
 
 
-def expect_normal_end(game, settings):
-    """The game ends with status 0, leaving exactly these settings."""
-    expect_equal(game.wait_exit(), 0, "exit status")
-    expect_equal(game.settings_saved(), settings, "quelvarion.ini")
+def expect_normal_end(game, settings, what="the game"):
+    expect_equal(game.wait_exit(), 0, f"{what}: exit status")
+    expect_equal(game.settings_saved(), settings, f"{what}: quelvarion.ini")
 
 
-# What the music must do, as heard from where it starts to where the recording ends.
-LONGEST_SILENCE_S = 0.5
-MUSIC_WINDOW_S = 5
-# The quiet tenth of the music in every window stays above this RMS (-50 dB).
-MUSIC_LEVEL = 100
-
-
-def expect_music_plays_on(recording, music_start, tune_seconds):
-    """The music that started at music_start loops with no silence at its
-    seams, never pauses for long, is heard in every window of a few seconds,
-    and nothing in the recording reaches full scale. Returns what it measured."""
-    end = recording.seconds() - 0.2  # the game was stopped mid-chunk
-    seams = [music_start + k * tune_seconds for k in range(1, int((end - music_start) / tune_seconds) + 1)]
-    if not seams:
-        fail(f"the recording ended before the tune did ({end - music_start:.1f} s of music)")
-    silences = recording.silences(music_start, end)
-    longest = max((length for _, length in silences), default=0.0)
-    if longest > LONGEST_SILENCE_S:
-        fail(f"{longest:.2f} s of silence in the music: {silences}")
-    at_seams = [(s, length) for s, length in silences for seam in seams if abs(s - seam) < 0.5]
-    if at_seams:
-        fail(f"silence where the tune starts again (seams at {seams}): {at_seams}")
-    clipped = recording.at_full_scale()
-    if clipped:
-        fail(f"{clipped} samples at full scale")
-    windows = int((end - music_start) / MUSIC_WINDOW_S)
-    levels = [recording.level(music_start + k * MUSIC_WINDOW_S, MUSIC_WINDOW_S) for k in range(windows)]
-    if min(levels) < MUSIC_LEVEL:
-        fail(f"the music is hardly heard in a window of {MUSIC_WINDOW_S} s: levels {[round(v) for v in levels]}")
-    return {"seams": len(seams), "longest silence": longest, "full scale": clipped, "loudest": recording.loudest()}
-
-
-def run(test):
-    """Runs one flow as a program: exit status 0 when it passes."""
+def run(*tests):
     try:
-        test()
+        for test in tests:
+            test()
     except AssertionError as problem:
         print(f"FAILED: {problem}", file=sys.stderr)
         sys.exit(1)

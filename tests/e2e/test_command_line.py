@@ -1,15 +1,19 @@
-"""--help and --version answer on stdout with status 0 and start no game: they
-need no display and leave the folder as they found it. A mistake on the command
-line prints the usage on stderr and ends with status 2. The README's table
-and the manual page name the options --help names, with the same arguments."""
+"""Runs that end before a game begins. --help and --version answer on stdout
+with status 0 and need no display; the README's table and the manual page
+name the options --help names, with the same arguments. A mistake on the
+command line prints the usage on stderr and ends with status 2. A start that
+cannot become a game ends with status 1 and one line on stderr that says what
+failed and what to do; where there is a display, the error box shows as well,
+and without any display the game ends instead of playing unseen. No run leaves
+a file in a folder without the game's data."""
 import os
 import re
-import shutil
 import tempfile
 
-from quelvarion_e2e import expect_equal, fail, run, run_program
+from quelvarion_e2e import XServer, expect_equal, fail, link_game_data, replace_art, run, run_program
 
 SOURCE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+DRAW_FAILED = "cannot start the display: Direct Draw Init Failed"
 
 
 def options_in(lines, pattern):
@@ -18,35 +22,62 @@ def options_in(lines, pattern):
     return {m.group(1): m.group(2).upper() for m in found if m}
 
 
-def documented_options():
+def expect_documented(help_text):
+    listed = options_in(help_text.splitlines(), r"  (--[a-z-]+) ?([A-Z]*)")
+    expect_equal(len(listed) >= 5, True, f"options --help lists: {help_text!r}")
     readme = open(os.path.join(SOURCE, "README.md")).read()
     table = readme[readme.index("## Command line"):].split("\n\n")[1].splitlines()
+    expect_equal(options_in(table, r"\| `(--[a-z-]+)[ =]?([A-Z]*)"), listed, "the README's options against --help")
     manual = open(os.path.join(SOURCE, "packaging", "quelvarion.6")).read().replace("\\-", "-")
     items = manual[manual.index(".SH OPTIONS"):].split(".SH")[1].split(".TP\n")[1:]
-    return (options_in(table, r"\| `(--[a-z-]+)[ =]?([A-Z]*)"),
-            options_in(items, r"\.BI? (--[a-z-]+)=? ?\"? ?([a-zA-Z]*)"))
+    expect_equal(options_in(items, r"\.BI? (--[a-z-]+)=? ?\"? ?([a-zA-Z]*)"), listed,
+                 "the manual page's options against --help")
+
+
+def linked(breaks=None):
+    """A folder with the game's data, broken by breaks."""
+    return lambda folder: (link_game_data(folder), breaks and breaks(folder))
+
+
+# (what, arguments, folder set-up (none: empty), on a display, exit status, what stdout starts with,
+#  what the one "quelvarion: " line on stderr says)
+RUNS = [
+    ("--help", ["--help"], None, False, 0, "Usage: quelvarion", None),
+    ("--version", ["--version"], None, False, 0, "quelvarion ", None),
+    ("an unknown option", ["--bogus"], None, False, 2, "", "unknown option '--bogus'"),
+    ("an argument", ["level3"], None, False, 2, "", "unexpected argument 'level3'"),
+    ("a value to a switch", ["--trace=yes"], None, False, 2, "", "--trace"),
+    ("two window modes", ["--windowed", "--fullscreen"], None, False, 2, "", "--fullscreen"),
+    ("no display", [], linked(), False, 1, "", "cannot open the game's window"),
+    ("a folder without data", [], None, True, 1, "", "no game data in"),
+    ("no blank bitmap", [], linked(replace_art), True, 1, "", DRAW_FAILED + " (00000002)"),
+    ("a broken blank bitmap", [], linked(lambda f: replace_art(f, b"BM not a picture")), True, 1, "",
+     DRAW_FAILED + " (0000000d)"),
+    ("no art folder", [], linked(lambda f: os.remove(os.path.join(f, "art"))), True, 1, "",
+     DRAW_FAILED + " (00000003)"),
+]
 
 
 def command_line():
-    folder = tempfile.mkdtemp(prefix="qv-e2e-")
-    try:
-        status, out, err = run_program(["--help"], folder)
-        expect_equal((status, err), (0, ""), "--help status and stderr")
-        listed = options_in(out.splitlines(), r"  (--[a-z-]+) ?([A-Z]*)")
-        expect_equal(len(listed) >= 5, True, f"options --help lists: {out!r}")
-        readme, manual = documented_options()
-        expect_equal(readme, listed, "the README's options against --help")
-        expect_equal(manual, listed, "the manual page's options against --help")
-        status, out, err = run_program(["--version"], folder)
-        expect_equal((status, out.split()[0], err), (0, "quelvarion", ""), "--version")
-        for mistake in (["--bogus"], ["level3"], ["--trace=yes"], ["--windowed", "--fullscreen"]):
-            status, out, err = run_program(mistake, folder)
-            expect_equal((status, out), (2, ""), f"{mistake} status and stdout")
-            if not err.startswith("quelvarion: ") or "Usage: quelvarion" not in err:
-                fail(f"{mistake}: stderr was {err!r}")
-        expect_equal(os.listdir(folder), [], "files left behind")
-    finally:
-        shutil.rmtree(folder, ignore_errors=True)
+    with tempfile.TemporaryDirectory(prefix="qv-e2e-") as scratch, XServer() as x:
+        for number, (what, args, prepare, on_display, status, out_start, words) in enumerate(RUNS):
+            folder = os.path.join(scratch, str(number))
+            os.mkdir(folder)
+            if prepare:
+                prepare(folder)
+            got, out, err = run_program(args, folder, x.display if on_display else None, answer_box=on_display)
+            expect_equal(got, status, f"{what}: exit status")
+            if not out.startswith(out_start) or (status and out):
+                fail(f"{what}: stdout was {out!r}")
+            said = [line for line in err.splitlines() if line.startswith("quelvarion: ")]
+            if words is None and err or words and (len(said) != 1 or words not in said[0]):
+                fail(f"{what}: stderr was {err!r}")
+            if status == 2 and "Usage: quelvarion" not in err:
+                fail(f"{what}: no usage on stderr: {err!r}")
+            if not prepare:
+                expect_equal(os.listdir(folder), [], f"{what}: files left behind")
+            if what == "--help":
+                expect_documented(out)
 
 
 run(command_line)

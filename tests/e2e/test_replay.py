@@ -1,8 +1,10 @@
 """A game played with --record is checked with --verify (it plays as recorded),
 a copy with one key changed is checked again (it goes its own way from the
-frame that key came before), and --replay shows the same pictures: the frames
-kept from the game and from its replay are the same pixel for pixel, but for
-the REPLAY marker in the bottom left corner."""
+frame that key came before), a damaged copy is refused, and --replay shows the
+same pictures: the frames kept from the game and from its replay are the same
+pixel for pixel, but for the REPLAY marker in the bottom left corner. A
+recording takes its recorded time to watch, at any pace it was recorded in,
+and --export writes it as a video."""
 import array
 import math
 import os
@@ -13,23 +15,25 @@ import tempfile
 import time
 import zlib
 
-from quelvarion_e2e import (GAME_HEIGHT, MAIN_MENU, SETTINGS_FILE, Game, expect_equal, fail, link_game_data, pause, run,
-                            run_program, settings_text)
+from quelvarion_e2e import (GAME_HEIGHT, GAME_WIDTH, LAST_GAME, SETTINGS_FILE, Game, expect_equal, fail,
+                            link_game_data, pause, picture_file, run, run_program, settings_text,
+                            showing_main_menu)
 
-# Those of them played one by one are compared. Frames in a run of idle ones
+# Those of them played in the level are compared. Frames in a run of idle ones
 # (menus, a paused level) are replayed at the run's mean length, so what
-# animates by time (sprites in place) may be a frame apart: on a slow machine
-# the later ones fall after the level is paused.
+# animates by time (sprites in place) may be a frame apart from there on in the
+# menus: on a slow machine a late frame pauses the level, and the later frames
+# show the menu over it.
 SNAPSHOT_FRAMES = [20, 150, 250, 400, 600, 900]
 PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
 # The corner the marker is written in: it must differ there and nowhere else.
 MARKER_WIDTH, MARKER_HEIGHT = 80, 24
-
-KEY_DOWN, KEY_UP = 0x100, 0x101
+KEY_DOWN, VK_UP, VK_DOWN = 0x100, 0x26, 0x28
 END_HOLD_S = 3
 FORMAT_1_END_BYTES = 19
 GOLDEN = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "replay", "golden")
-VK_UP, VK_DOWN = 0x26, 0x28
+FAST = os.path.join(GOLDEN, "scripted-level9.qvr")  # 6000 frames of 4 ms (a 240 Hz screen): 24 s
+SANITIZED = os.environ.get("QV_SANITIZED")
 # The game built to keep the pictures of the frames QV_SNAPSHOT_FRAMES names in
 # QV_SNAPSHOT_DIR; it plays as the shipped game does.
 os.environ["QV_GAME"] = os.environ.get("QV_SNAPSHOT_GAME", os.environ["QV_GAME"])
@@ -38,11 +42,9 @@ os.environ["QV_GAME"] = os.environ.get("QV_SNAPSHOT_GAME", os.environ["QV_GAME"]
 def varint(data, at):
     value = shift = 0
     while True:
-        byte = data[at]
-        at += 1
-        value |= (byte & 0x7F) << shift
-        shift += 7
-        if not byte & 0x80:
+        value |= (data[at] & 0x7F) << shift
+        shift, at = shift + 7, at + 1
+        if not data[at - 1] & 0x80:
             return value, at
 
 
@@ -66,8 +68,7 @@ def records(data):
             key, at = varint(data, at)
             yield start, tag, frame, (message, key)
         elif tag == 0x01:
-            _, at = varint(data, at)
-            at += 4
+            at = varint(data, at)[1] + 4
             frame += 1
         elif tag == 0x02:
             at += 12
@@ -81,33 +82,19 @@ def records(data):
             return
 
 
-def idle_run_frames(data):
-    return {frame + i for _, tag, frame, fields in records(data) if tag == 0x03 for i in range(fields[0])}
-
-
-def hold(game, key, seconds):
-    game.x("xdotool", "keydown", key)
-    time.sleep(seconds)
-    game.x("xdotool", "keyup", key)
-
-
 def record(replay_file, snapshots):
     os.environ["QV_SNAPSHOT_DIR"] = snapshots
     with Game(settings=settings_text(), args=["--record", replay_file]) as game:
         game.wait_title_pause()
-        game.start_new_game()
-        game.keys("Return", "Down", "Return", "Down", "Return")  # fit the first offers
-        game.keys("Escape")                                      # and fly
+        game.fly(0, 1, 1)  # the first offers fitted
         deadline = time.monotonic() + PLAY_SECONDS
         while time.monotonic() < deadline:
             for key, seconds in (("Up", 0.8), ("Left", 0.5), ("Up", 0.4), ("Right", 0.7), ("Down", 0.3)):
-                hold(game, key, seconds)
-        game.keys(*["Down"] * (MAIN_MENU.index("Exit Game") - pause(game)), "Return")
+                game.x("xdotool", "keydown", key)
+                time.sleep(seconds)  # how long the key is held, not a wait
+                game.x("xdotool", "keyup", key)
+        game.choose("Exit Game", pause(game))
         expect_equal(game.wait_exit(), 0, "exit status of the recorded game")
-
-
-def verify(replay_file, folder):
-    return run_program(["--verify", replay_file], folder, timeout=60)
 
 
 def with_one_key_changed(replay_file, changed_file):
@@ -122,24 +109,15 @@ def with_one_key_changed(replay_file, changed_file):
     fail("the recorded game has no forward thrust")
 
 
-def bitmap_rows(path):
-    data = open(path, "rb").read()
-    width, height = int.from_bytes(data[18:22], "little"), int.from_bytes(data[22:26], "little")
-    row = (width * 3 + 3) & ~3
-    # Bottom-up: the file's first row is the picture's last.
-    return width, [data[54 + (height - 1 - y) * row:54 + (height - 1 - y) * row + width * 3] for y in range(height)]
-
-
 def compare_pictures(recorded, replayed, frame):
-    width, ours = bitmap_rows(recorded)
-    _, theirs = bitmap_rows(replayed)
+    ours, theirs = (picture_file(path, GAME_WIDTH, GAME_HEIGHT) for path in (recorded, replayed))
     marker_top = GAME_HEIGHT - MARKER_HEIGHT
-    for y, (a, b) in enumerate(zip(ours, theirs)):
-        if y >= marker_top:
-            a, b = a[MARKER_WIDTH * 3:], b[MARKER_WIDTH * 3:]
-        if a != b:
-            fail(f"frame {frame}: the replay's picture differs from the game's in row {y}")
-    if all(a[:MARKER_WIDTH * 3] == b[:MARKER_WIDTH * 3] for a, b in zip(ours[marker_top:], theirs[marker_top:])):
+    for where, box in (("above the marker", (0, 0, GAME_WIDTH, marker_top)),
+                       ("beside the marker", (MARKER_WIDTH, marker_top, GAME_WIDTH - MARKER_WIDTH, MARKER_HEIGHT))):
+        if ours.crop(*box).pixels != theirs.crop(*box).pixels:
+            fail(f"frame {frame}: the replay's picture differs from the game's {where}")
+    if ours.crop(0, marker_top, MARKER_WIDTH, MARKER_HEIGHT).pixels == theirs.crop(0, marker_top, MARKER_WIDTH,
+                                                                                   MARKER_HEIGHT).pixels:
         fail(f"frame {frame}: no replay marker in the bottom left corner")
 
 
@@ -147,32 +125,30 @@ def replay_flow():
     work = tempfile.mkdtemp(prefix="qv-replay-")
     try:
         replay_file = os.path.join(work, "game.qvr")
-        recorded, replayed = os.path.join(work, "recorded"), os.path.join(work, "replayed")
-        os.makedirs(recorded)
-        os.makedirs(replayed)
+        recorded, replayed, folder = (os.path.join(work, name) for name in ("recorded", "replayed", "verify"))
+        for path in (recorded, replayed, folder):
+            os.makedirs(path)
         os.environ["QV_SNAPSHOT_FRAMES"] = ",".join(map(str, SNAPSHOT_FRAMES))
         record(replay_file, recorded)
-        idle = idle_run_frames(open(replay_file, "rb").read())
-        frames = [f for f in SNAPSHOT_FRAMES
-                  if f not in idle and os.path.exists(os.path.join(recorded, f"frame-{f}.bmp"))]
+        idle = {frame + i for _, tag, frame, fields in records(open(replay_file, "rb").read()) if tag == 0x03
+                for i in range(fields[0])}
+        kept = lambda f: os.path.join(recorded, f"frame-{f}.bmp")
+        frames = [f for f in SNAPSHOT_FRAMES if f not in idle and os.path.exists(kept(f))
+                  and not showing_main_menu(picture_file(kept(f), GAME_WIDTH, GAME_HEIGHT))]
         if len(frames) < 2:
             fail(f"too few frames recorded to compare: {frames}")
 
-        folder = os.path.join(work, "verify")
-        os.makedirs(folder)
-        status, out, err = verify(replay_file, folder)
+        status, out, err = run_program(["--verify", replay_file], folder, timeout=60)
         expect_equal(status, 0, f"--verify of the recorded game ({err.strip()})")
         if "plays as recorded" not in out:
             fail(f"--verify said {out!r}")
         expect_equal(os.listdir(folder), [], "files --verify left in its folder")
-
         changed = os.path.join(work, "changed.qvr")
         frame = with_one_key_changed(replay_file, changed)
-        status, _, err = verify(changed, folder)
+        status, _, err = run_program(["--verify", changed], folder, timeout=60)
         expect_equal(status, 1, "--verify of a replay with one key changed")
         if f"at frame {frame} " not in err:
             fail(f"--verify should name frame {frame}: {err!r}")
-
         damaged_replay_changes_nothing(replay_file, work)
 
         os.environ["QV_SNAPSHOT_DIR"] = replayed
@@ -180,7 +156,7 @@ def replay_flow():
             expect_equal(game.wait_exit(timeout=PLAY_SECONDS + 60), 0, "exit status of the replay")
             if os.path.exists(game.settings_path()) and os.path.getsize(game.settings_path()) > 0:
                 fail("the replay saved the settings")
-            if os.path.exists(os.path.join(game.folder, "last-game.qvr")):
+            if os.path.exists(os.path.join(game.folder, LAST_GAME)):
                 fail("the replay was kept as the last game")
         try:
             for f in frames:
@@ -214,41 +190,40 @@ def damaged_replay_changes_nothing(replay_file, work):
     expect_equal(open(os.path.join(folder, SETTINGS_FILE), "rb").read(), kept, "the settings after --replay")
 
 
+# Watching FAST: (keys pressed once its window is up, arguments, the fewest and most seconds it may
+# take, its last picture's hold left out: Escape ends it without one).
+# Faster shows fewer of the same frames; slower holds them (stopped after a
+# while); a start further on skips to it. Every frame made is checked against
+# the recording as it is made: status 0 says every one stood as recorded.
+WATCHING = [
+    ((), (), 24.0 * 0.95, 24.0 * 1.05),
+    (("6",), (), -END_HOLD_S, 8.0),
+    (("1", "period", "comma", "Left", "Next", "Prior", "space", "space", "Escape"), (), -END_HOLD_S, 30.0),
+    ((), ("--from", "20"), -END_HOLD_S, 8.0),
+    (("7",), ("--level", "9"), -END_HOLD_S, 30.0),
+]
+
+
 def watched_seconds(replay_file, keys=(), args=()):
-    """How long --replay shows the recording, the hold on its last picture left
-    out; keys are pressed as soon as its window is up. Status 0 says every
-    frame the rules made stood as recorded."""
+    """How long --replay shows the recording, the hold on its last picture left out."""
     with Game(args=["--replay", replay_file, *args]) as game:
         start = time.monotonic()
         if keys:
-            game.wait_for_window()
             game.keys(*keys)
-        expect_equal(game.wait_exit(timeout=120), 0, f"exit status of --replay {os.path.basename(replay_file)}")
+        expect_equal(game.wait_exit(timeout=120), 0, f"exit status of --replay {replay_file} {args} {keys}")
         return time.monotonic() - start - END_HOLD_S
 
 
 def recorded_pace_flow():
-    """A game recorded in 4 ms frames (a 240 Hz screen) takes its recorded time on
-    this one; a recording that ended with the window unfocused still closes."""
+    """A game recorded in 4 ms frames takes its recorded time on this screen; a
+    recording that ended with the window unfocused still closes. A sanitizer's
+    build draws too slowly to keep any pace: there it only has to play through."""
+    for keys, args, least, most in WATCHING:
+        seconds = watched_seconds(FAST, keys, args)
+        if not SANITIZED and (seconds > most or seconds < least):
+            fail(f"--replay {' '.join(args)} with keys {keys} took {seconds:.1f} s")
     work = tempfile.mkdtemp(prefix="qv-replay-pace-")
     try:
-        fast = os.path.join(GOLDEN, "scripted-level9.qvr")  # 6000 frames of 4 ms
-        seconds = watched_seconds(fast)
-        # A sanitizer's build draws too slowly to keep any pace: there the
-        # recording only has to play through and close.
-        if abs(seconds - 24.0) > 24.0 * 0.05 and not os.environ.get("QV_SANITIZED"):
-            fail(f"24 s recorded in 4 ms frames took {seconds:.1f} s to watch")
-        # Faster shows fewer of the same frames; slower holds them (stopped
-        # after a while); a start further on skips to it. Every frame made is
-        # checked against the recording as it is made.
-        for keys, args, most in ((("6",), (), 8.0), (("1", "period", "comma", "Left", "Next", "Prior"), (), 30.0),
-                                 ((), ("--from", "20"), 8.0), (("7",), ("--level", "9"), 30.0)):
-            if keys and keys[0] == "1":
-                keys = keys + ("space",) * 2 + ("Escape",)
-            seconds = watched_seconds(fast, keys, args)
-            if seconds > most and not os.environ.get("QV_SANITIZED"):
-                fail(f"--replay {' '.join(args)} with keys {keys} took {seconds:.1f} s")
-
         # A recording of format 1 (no checksum) with focus lost after its last frame.
         data = open(os.path.join(GOLDEN, "hand-level6.qvr"), "rb").read()
         unfocused = os.path.join(work, "unfocused.qvr")
@@ -281,7 +256,6 @@ encoder.stdin.close()
 sys.exit(encoder.wait())
 """
 PICTURE_AT = 700
-WIDTH, HEIGHT = 1024, 768
 
 
 def probe(video, entries):
@@ -290,11 +264,8 @@ def probe(video, entries):
     return [line for line in out.splitlines() if line]
 
 
-def psnr(a, b):
-    if len(a) != len(b) or not a:
-        fail(f"pictures of {len(a)} and {len(b)} bytes")
-    mse = sum((x - y) ** 2 for x, y in zip(a, b)) / len(a)
-    return float("inf") if mse == 0 else 10 * math.log10(255 * 255 / mse)
+def decoded(video, *args):
+    return subprocess.run(["ffmpeg", "-v", "error", "-i", video, *args, "-"], capture_output=True, check=True).stdout
 
 
 def export_flow():
@@ -313,22 +284,22 @@ def export_flow():
         os.environ.update(PATH=tools + os.pathsep + path, QV_REAL_FFMPEG=shutil.which("ffmpeg"),
                           QV_KEEP_PICTURE=str(PICTURE_AT), QV_KEPT_PICTURE=kept)
         video = os.path.join(work, "game.mp4")
-        status, _, err = run_program(["--export", video, os.path.join(GOLDEN, "scripted-level9.qvr")], work, timeout=300)
+        status, _, err = run_program(["--export", video, FAST], work, timeout=300)
         os.environ["PATH"] = path
         expect_equal(status, 0, f"exit status of --export ({err.strip()[-300:]})")
         seconds = float(probe(video, "format=duration")[0])
-        if abs(seconds - 24.0) > 1 / 60:  # 6000 frames of 4 ms
+        if abs(seconds - 24.0) > 1 / 60:
             fail(f"the video lasts {seconds} s, not the recording's 24 s")
-        if probe(video, "stream=codec_type") != ["video", "audio"]:
-            fail(f"the video's streams are {probe(video, 'stream=codec_type')}")
-        sound = array.array("h", subprocess.run(["ffmpeg", "-v", "error", "-i", video, "-f", "s16le", "-ac", "1", "-"],
-                                                capture_output=True, check=True).stdout)
-        if max(sound, default=0) < 1000:
+        expect_equal(probe(video, "stream=codec_type"), ["video", "audio"], "the video's streams")
+        if max(array.array("h", decoded(video, "-f", "s16le", "-ac", "1")), default=0) < 1000:
             fail("the video's sound is silent")
-        decoded = subprocess.run(["ffmpeg", "-v", "error", "-i", video, "-vf", f"select=eq(n\\,{PICTURE_AT})",
-                                  "-vsync", "0", "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
-                                 capture_output=True, check=True).stdout
-        quality = psnr(decoded, open(kept, "rb").read())
+        picture = decoded(video, "-vf", f"select=eq(n\\,{PICTURE_AT})", "-vsync", "0", "-frames:v", "1",
+                          "-f", "rawvideo", "-pix_fmt", "rgb24")
+        ours = open(kept, "rb").read()
+        if len(picture) != len(ours) or len(ours) != GAME_WIDTH * GAME_HEIGHT * 3:
+            fail(f"pictures of {len(picture)} and {len(ours)} bytes")
+        mse = sum((x - y) ** 2 for x, y in zip(picture, ours)) / len(ours)
+        quality = float("inf") if mse == 0 else 10 * math.log10(255 * 255 / mse)
         print(f"picture {PICTURE_AT}: {quality:.1f} dB PSNR against the game's own")
         if quality <= 40:
             fail(f"picture {PICTURE_AT} of the video is {quality:.1f} dB from the game's own")
@@ -345,6 +316,4 @@ def export_flow():
         shutil.rmtree(work, ignore_errors=True)
 
 
-run(replay_flow)
-run(recorded_pace_flow)
-run(export_flow)
+run(replay_flow, recorded_pace_flow, export_flow)

@@ -1,0 +1,105 @@
+"""The player's settings after a game ended by "Exit Game": an option changed
+on the options screen is saved, into a settings file that is a symbolic link
+(which stays one, its target holding the new values, and a temporary file a
+save cut short beside it gone), or into a writable file in a folder that
+allows no new files. A settings file made read-only is left as it was, and the
+game says on stderr that it could not save. A second copy started in the
+folder of a running game says so, on stderr and in its error box, ends with
+status 1 and touches nothing; the first plays on and saves as usual."""
+import os
+import tempfile
+
+from quelvarion_e2e import (MAIN_MENU, NO_STARS, SETTINGS_FILE, Game, dismiss_error_box, expect_equal,
+                            expect_normal_end, fail, run, settings_text)
+
+SCORES = [("KIM", 4400)]
+BEFORE = settings_text(NO_STARS, SCORES)
+KEPT = os.path.join("kept", "quelvarion-settings.ini")
+# As a save killed before its rename leaves it; no process has this number.
+LEFTOVER = "quelvarion-settings.ini.4194305.tmp"
+
+
+def link_settings(folder):
+    os.mkdir(os.path.join(folder, "kept"))
+    os.rename(os.path.join(folder, SETTINGS_FILE), os.path.join(folder, KEPT))
+    with open(os.path.join(folder, "kept", LEFTOVER), "wb") as f:
+        f.write(b"Start Level = 7\r\n")
+    os.symlink(KEPT, os.path.join(folder, SETTINGS_FILE))
+
+
+def still_linked(game, what):
+    if not os.path.islink(game.settings_path()):
+        fail(f"{what}: the settings file is no longer a link")
+    expect_equal(os.listdir(os.path.join(game.folder, "kept")), ["quelvarion-settings.ini"], f"{what}: beside it")
+
+
+def read_only_file(folder):
+    os.chmod(os.path.join(folder, SETTINGS_FILE), 0o444)
+
+
+def said_not_saved(game, what):
+    if "not saved to" not in game.said() or "read-only" not in game.said():
+        fail(f"{what}: the game said {game.said()!r}")
+
+
+def closed_folder(folder):
+    os.chmod(os.path.join(folder, SETTINGS_FILE), 0o666)
+    os.chmod(folder, 0o555)
+
+
+def no_temporary_files(game, what):
+    expect_equal([n for n in os.listdir(game.folder) if n.endswith(".tmp")], [], f"{what}: temporary files")
+
+
+def second_copy(game, what):
+    before = lambda: {n: os.lstat(os.path.join(game.folder, n)).st_mtime_ns for n in os.listdir(game.folder)}
+    files = before()
+    with tempfile.TemporaryFile() as said:
+        second = game.start([game.program], stderr=said)
+        try:
+            dismiss_error_box(game.display, second)
+            expect_equal(second.wait(20), 1, f"{what}: the second copy's exit status")
+        finally:
+            if second.poll() is None:
+                second.kill()
+        said.seek(0)
+        if b"the game is already running in" not in said.read():
+            fail(f"{what}: the second copy did not say why")
+    expect_equal(before(), files, f"{what}: the folder after the second copy")
+
+
+SOUND_OFF = ["Down", "Down", "Left"]
+LEVEL_3 = ["Right", "Right"]
+# (what, settings before, prepare the folder, as an ordinary user, done first, the options' keys,
+#  settings after, checked after)
+GAMES = [
+    ("a first game", None, None, False, None, SOUND_OFF + ["Up", "Up"] + LEVEL_3,
+     settings_text({"Start Level": "3", "Sound FX": "Off"}), None),
+    ("settings a link", BEFORE, link_settings, False, None, ["Down", "Down", "Down", "Right"],
+     settings_text({}, SCORES), still_linked),
+    ("settings read-only", BEFORE, read_only_file, True, None, SOUND_OFF, BEFORE, said_not_saved),
+    ("a closed folder", BEFORE, closed_folder, True, None, SOUND_OFF,
+     settings_text({**NO_STARS, "Sound FX": "Off"}, SCORES), no_temporary_files),
+    ("a second copy refused", BEFORE, None, False, second_copy, LEVEL_3,
+     settings_text({**NO_STARS, "Start Level": "3"}, SCORES), None),
+]
+
+
+def settings_kept():
+    for what, before, prepare, ordinary_user, first, keys, after, check in GAMES:
+        with Game(settings=before, prepare=prepare, ordinary_user=ordinary_user) as game:
+            try:
+                game.wait_title_pause()
+                if first:
+                    first(game, what)
+                game.choose("Options")
+                game.keys(*keys, "Escape")  # back to the main menu, "Options" still chosen
+                game.choose("Exit Game", MAIN_MENU.index("Options"))
+                expect_normal_end(game, after, what)
+                if check:
+                    check(game, what)
+            finally:
+                os.chmod(game.folder, 0o777)
+
+
+run(settings_kept)
