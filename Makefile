@@ -74,6 +74,9 @@ coverage:
 		-DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage $(CMAKE_FLAGS) > /dev/null
 	@cmake --build $(COVERAGE_BUILD) -j $(JOBS) --target quelvarion_tests quelvarion_game_data
 	@find $(COVERAGE_BUILD) -name '*.gcda' -delete
+	@# Notes of test files since removed would stop gcovr, which looks for their sources.
+	@find $(COVERAGE_BUILD)/CMakeFiles/quelvarion_tests.dir -name '*.gcno' | while read -r notes; do \
+		source=$${notes#*/quelvarion_tests.dir/}; [ -e "$${source%.gcno}" ] || rm -f "$$notes"; done
 	@cd $(COVERAGE_BUILD) && SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=dummy ./quelvarion_tests --gtest_brief=1
 	@gcovr --root . --filter src/ --exclude-unreachable-branches --exclude-throw-branches \
 		--txt $(COVERAGE_BUILD)/coverage.txt --print-summary $(COVERAGE_BUILD) | tail -3
