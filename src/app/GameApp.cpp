@@ -21,9 +21,6 @@ constexpr const char* WindowTitle = "Quelvarion";
 constexpr std::int16_t DisplayWidth = 1024;
 constexpr std::int16_t DisplayHeight = 768;
 constexpr std::int16_t DisplayBitsPerPixel = 16;
-// A frame this much later than the last one means the program was stopped
-// (a suspend, a debugger, Ctrl+Z) or the clock jumped: no player was there.
-constexpr double StalledFrameMs = 1000.0;
 
 LOGFONT FontRequest(std::int32_t height, std::int32_t width, std::int32_t weight)
 {

@@ -46,6 +46,9 @@ public:
     static constexpr std::uint32_t NoMusicDevice = 0xFFFFFFFF;
     static constexpr int StartupStarCount = 600;
     static constexpr std::uint32_t TitlePauseMs = 6000;
+    // A frame this much later than the last one means the program was stopped
+    // (a suspend, a debugger, Ctrl+Z) or the clock jumped: no player was there.
+    static constexpr std::uint32_t StalledFrameMs = 1000;
     // Exit statuses of a replay checked or shown.
     static constexpr int ReplayDiffersStatus = 1;
     static constexpr int ReplayUnreadableStatus = 3;

@@ -206,6 +206,14 @@ bool CReplayShow::ShowFrame()
         return exporter != nullptr;
     }
     const std::uint32_t now = Platform::TimeGetTime();
+    // The pace is taken up at the window's first turn and again after a
+    // stall, as the game pauses after one: a start that took long or a
+    // machine that stopped the program is not made up by racing through the
+    // recording.
+    if (!paced || now - lastTurn > CGameApp::StalledFrameMs)
+        clock.Restart(playedMs, now);
+    paced = true;
+    lastTurn = now;
     if (unshown) {
         unshown = false;
         Compose(0.0, NoFrame);

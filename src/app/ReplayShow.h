@@ -76,6 +76,9 @@ private:
     bool divergenceSaid = false;
     // A seek or a step made frames the window has not shown yet.
     bool unshown = false;
+    // Whether the window has had a turn, and when its last one was.
+    bool paced = false;
+    std::uint32_t lastTurn = 0;
     // The recorded time up to the last frame made.
     double playedMs = 0.0;
     std::uint32_t endAt = 0;
