@@ -30,6 +30,10 @@ MENU_STEP = 50  # pixels between two entries of the main menu, whose chosen entr
 # not held to: two test runs at once here gave a picture every 174 ms.
 FRAME_MS = (14.0, 500.0)
 PICTURES = 120
+# An object in the protocol log: wl_surface@22 (libwayland 1.21, Debian 12) or
+# wl_surface#22 (1.23, Debian 13, which also names the queue before each
+# request: "{mesa egl surface queue}  -> wl_surface#26.commit()").
+ID = r"[@#]\d+"
 
 
 class Wayland:
@@ -88,7 +92,7 @@ class Wayland:
                               check=True, timeout=10).stdout
 
     def has_keyboard(self):
-        focus = re.findall(r"wl_keyboard@\d+\.(enter|leave)\(", self.protocol())
+        focus = re.findall(r"wl_keyboard" + ID + r"\.(enter|leave)\(", self.protocol())
         return bool(focus) and focus[-1] == "enter"
 
     def give_keyboard(self):
@@ -114,12 +118,13 @@ class Wayland:
 
     def frame_intervals(self):
         """The milliseconds between the game window's next PICTURES pictures."""
-        surface = re.findall(r"get_xdg_surface\(new id xdg_surface@\d+, (wl_surface@\d+)\)", self.protocol())
+        surface = re.findall(r"get_xdg_surface\(new id xdg_surface" + ID + r", (wl_surface" + ID + r")\)",
+                             self.protocol())
         if not surface:
             fail("the game made no window of its own")
         start = len(self.protocol())
-        commits = lambda: [float(t) for t in re.findall(r"\[ *(\d+\.\d+)\]  -> " + surface[0] + r"\.commit\(\)",
-                                                          self.protocol()[start:])]
+        commit = re.compile(r"\[ *(\d+\.\d+)\] (?:\{[^}]*\} )? -> " + re.escape(surface[0]) + r"\.commit\(\)")
+        commits = lambda: [float(t) for t in commit.findall(self.protocol()[start:])]
         times = wait_until(lambda: len(commits()) > PICTURES and commits(), f"{PICTURES} pictures drawn", timeout=60)
         return [b - a for a, b in zip(times, times[1:])]
 
@@ -144,7 +149,7 @@ def wayland():
             fail(f"a picture every {median:.1f} ms")
         print(f"{len(intervals)} intervals; median {median:.2f} ms, longest {max(intervals):.1f} ms")
 
-        if not re.search(rf"xdg_toplevel@\d+\.configure\({OUTPUT[0]}, {OUTPUT[1]}, ", w.protocol()):
+        if not re.search(r"xdg_toplevel" + ID + rf"\.configure\({OUTPUT[0]}, {OUTPUT[1]}, ", w.protocol()):
             fail("the window never filled the output")
         mode_file = os.path.join(w.config, "quelvarion", "window-mode")
         remembered = lambda: open(mode_file).read() if os.path.exists(mode_file) else ""
