@@ -51,6 +51,7 @@ void CReplayPlayer::Begin()
     entry = 0;
     inRun = 0;
     made = 0;
+    madeMs = 0.0;
     level = app.world.GetLevel();
     if (levelStarts.empty())
         levelStarts.push_back(0);
@@ -68,10 +69,39 @@ void CReplayPlayer::NoteLevel()
 
 void CReplayPlayer::SeekTo(std::size_t frames)
 {
-    if (frames < made)
+    const Checkpoint* nearest = CheckpointBefore(frames);
+    if (nearest && (frames < made || nearest->made > made))
+        Restore(*nearest);
+    else if (frames < made)
         Begin();
     while (made < frames && HasNextFrame())
         Step();
+}
+
+const CReplayPlayer::Checkpoint* CReplayPlayer::CheckpointBefore(std::size_t frames) const
+{
+    const auto after = std::upper_bound(checkpoints.begin(), checkpoints.end(), frames,
+                                        [](std::size_t f, const Checkpoint& c) { return f < c.made; });
+    return after == checkpoints.begin() ? nullptr : &*(after - 1);
+}
+
+void CReplayPlayer::KeepCheckpointIfDue()
+{
+    const std::size_t kept = checkpoints.size();
+    if (!keepingCheckpoints || madeMs < static_cast<double>(kept + 1) * CheckpointMs ||
+        (kept > 0 && made <= checkpoints.back().made))
+        return;
+    checkpoints.push_back({made, entry, inRun, madeMs, level, CGameCheckpoint(app)});
+}
+
+void CReplayPlayer::Restore(const Checkpoint& checkpoint)
+{
+    checkpoint.game.Restore(app);
+    made = checkpoint.made;
+    entry = checkpoint.entry;
+    inRun = checkpoint.inRun;
+    madeMs = checkpoint.madeMs;
+    level = checkpoint.level;
 }
 
 bool CReplayPlayer::SeekNextLevel()
@@ -133,12 +163,14 @@ double CReplayPlayer::Step()
         app.FrameHash(replay.DigestCoversRandom()) != frame.stateHash)
         firstDivergence = static_cast<std::int64_t>(made);
     ++made;
+    madeMs += ms;
     checkedFrames = std::max(checkedFrames, made);
     NoteLevel();
     if (++inRun == frame.count) {
         inRun = 0;
         ++entry;
     }
+    KeepCheckpointIfDue();
     return ms;
 }
 

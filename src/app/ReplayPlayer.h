@@ -1,4 +1,5 @@
 #pragma once
+#include "app/GameCheckpoint.h"
 #include "replay/Replay.h"
 
 #include <cstddef>
@@ -31,8 +32,14 @@ public:
     std::size_t GetFramesMade() const { return made; }
 
     // Seeking: the game re-made to stand as it stood after a number of frames,
-    // stepping on from here or, for one behind, from the start, unseen.
+    // stepping on unseen from here or from the nearest checkpoint before.
     void SeekTo(std::size_t frames);
+    // Keeps the game as it stands every CheckpointMs of recorded time the
+    // first time there, so a seek re-makes at most that much. Off, a seek
+    // behind starts from the beginning (and a check keeps no memory).
+    static constexpr double CheckpointMs = 10000.0;
+    void KeepCheckpoints() { keepingCheckpoints = true; }
+    std::size_t CheckpointCount() const { return checkpoints.size(); }
     // Every frame of the recording, each frame of a run counted.
     std::size_t FrameCount() const { return entryFrame.back(); }
     double TotalMs() const { return entryMs.back(); }
@@ -53,7 +60,20 @@ public:
     const CReplay& GetReplay() const { return replay; }
 
 private:
+    struct Checkpoint {
+        std::size_t made;
+        std::size_t entry;
+        std::uint32_t inRun;
+        double madeMs;
+        std::int32_t level;
+        CGameCheckpoint game;
+    };
+
     void ApplyHeader();
+    void KeepCheckpointIfDue();
+    // The last checkpoint at or before a number of frames, or null.
+    const Checkpoint* CheckpointBefore(std::size_t frames) const;
+    void Restore(const Checkpoint& checkpoint);
     void Deliver(std::size_t first, std::size_t end);
     void NoteLevel();
 
@@ -63,6 +83,9 @@ private:
     std::size_t entry = 0;
     std::uint32_t inRun = 0;
     std::size_t made = 0;
+    double madeMs = 0.0;
+    bool keepingCheckpoints = false;
+    std::vector<Checkpoint> checkpoints;
     std::int64_t firstDivergence = NoDivergence;
     // Frames checked against the recording so far.
     std::size_t checkedFrames = 0;

@@ -36,6 +36,7 @@ CReplayShow::CReplayShow(CGameApp& application, CReplay replay) : app(applicatio
 
 void CReplayShow::Begin()
 {
+    player.KeepCheckpoints();
     player.Begin();
     if (startLevel > 0 || startMs > 0.0) {
         Platform::SilenceAudio(true);

@@ -255,3 +255,24 @@ std::string CLinkedList::Dump() const
     text += "Mid Offset: " + std::to_string(midOffset) + "\r\n";
     return text;
 }
+
+void CLinkedList::Restore(const std::vector<CLinkedItem*>& order, std::size_t middleIndex, std::int16_t balance,
+                          bool isSorted)
+{
+    sorted = isSorted ? 1 : 0;
+    CLinkedItem* last = nullptr;
+    for (CLinkedItem* item : order) {
+        item->owner = this;
+        item->prev = last;
+        item->next = nullptr;
+        if (last)
+            last->next = item;
+        else
+            head = item;
+        last = item;
+    }
+    tail = last;
+    count = static_cast<std::int32_t>(order.size());
+    middle = middleIndex < order.size() ? order[middleIndex] : nullptr;
+    midOffset = balance;
+}

@@ -1,6 +1,8 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 class CGameObject;
 class CVector;
@@ -62,6 +64,12 @@ public:
     void SwapItems(CLinkedItem* a, CLinkedItem* b);
     void Rebalance();
     std::string Dump() const;
+    // Makes this empty list hold these nodes in this order, with the node at
+    // middleIndex as its middle and the balance given: the list as it stood
+    // when a checkpoint of the game was kept, down to where the next sorted
+    // insertion will walk from.
+    void Restore(const std::vector<CLinkedItem*>& order, std::size_t middleIndex, std::int16_t balance,
+                 bool isSorted);
 
 private:
     bool IsGreater(const CLinkedItem* a, const CLinkedItem* b) const;

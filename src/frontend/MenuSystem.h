@@ -75,6 +75,28 @@ public:
     void ShowScreen(std::int32_t newScreen, std::int16_t cursor);
     void SetHighScore(int index, std::string name, std::int32_t score);
 
+    // What a game can change of the menus: the screen, the selections, the
+    // options and the table. A checkpoint of the game keeps it; the file's
+    // bookkeeping stays with the menus.
+    struct Standing {
+        std::vector<CMenuPage> pages;
+        std::int32_t currentPage;
+        std::int32_t screen;
+        std::int16_t optionsCursor;
+        std::vector<CMenuOption> options;
+        CHighScoreTable highScores;
+    };
+    Standing GetStanding() const { return {pages, currentPage, screen, optionsCursor, options, highScores}; }
+    void Restore(const Standing& standing)
+    {
+        pages = standing.pages;
+        currentPage = standing.currentPage;
+        screen = standing.screen;
+        optionsCursor = standing.optionsCursor;
+        options = standing.options;
+        highScores = standing.highScores;
+    }
+
     std::int32_t GetScreen() const { return screen; }
     // A new high score's name is being typed: every key goes to it.
     bool IsEnteringName() const { return screen == ScreenHighScores && highScores.IsEditing(); }

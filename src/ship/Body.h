@@ -36,6 +36,7 @@ public:
     static constexpr std::int32_t ExplosionMs = 875;
 
     CBody();
+    CBody* Clone() const override { return new CBody(*this); }
 
     bool Update(std::int32_t elapsedMs) override;
     void Act() override;
@@ -67,6 +68,7 @@ public:
     double GetTurnRate() const { return turnRate; }
 
 protected:
+    CBody(const CBody&) = default; // for Clone
     // Swaps a single slot for a copy of x when the space budget stays positive.
     template <class Kind>
     bool ReplaceSlot(Kind& slot, const CComponent& x);

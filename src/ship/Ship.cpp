@@ -75,6 +75,14 @@ void CShip::SetTurret(std::int32_t shipTeam)
     ChooseWanderTarget();
 }
 
+CShip* CShip::Clone() const
+{
+    auto* copy = new CShip(*this);
+    for (std::size_t i = 0; i < lasers.size(); ++i)
+        copy->lasers[i].AddCooldown(lasers[i].GetCooldown());
+    return copy;
+}
+
 bool CShip::Update(std::int32_t elapsedMs)
 {
     const double t = elapsedMs;

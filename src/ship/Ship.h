@@ -31,6 +31,8 @@ public:
     static constexpr float FireSpacingMs = 100.0f;
 
     CShip();
+    // The same ship, its lasers as hot as they are (a laser's own copy starts cool).
+    CShip* Clone() const override;
 
     bool Update(std::int32_t elapsedMs) override;
     void Act() override;
@@ -70,6 +72,7 @@ public:
     std::int32_t GetDisplayShieldLoss() const { return shield.GetConversionPercent(); }
 
 protected:
+    CShip(const CShip&) = default; // for Clone
     CEnergySystem energySystem;
     CShield shield;
     std::vector<CLaser> lasers;

@@ -22,6 +22,23 @@ CGameObject::CGameObject()
     ++live;
 }
 
+CGameObject::CGameObject(const CGameObject& other)
+    : team(other.team), type(other.type), vector(other.vector), age(other.age), lifetime(other.lifetime),
+      collidable(other.collidable), radius(other.radius), mass(other.mass), elasticity(other.elasticity),
+      facing(other.facing), boundsMode(other.boundsMode), contactDamage(other.contactDamage), alive(other.alive),
+      masterItem(new CLinkedItem(this, &vector)), bandItem(new CLinkedItem(this, &vector)), band(other.band),
+      bandItem2(new CLinkedItem(this, &vector)), band2(other.band2)
+{
+    hitThisFrame.reserve(10);
+    ++created;
+    ++live;
+}
+
+CGameObject* CGameObject::Clone() const
+{
+    return new CGameObject(*this);
+}
+
 CGameObject::~CGameObject()
 {
     ReleaseSprite();
@@ -39,6 +56,14 @@ void CGameObject::SetSprite(const std::string& name)
     sprite = instance;
     SetSpriteRotation();
     sprite->SetPosition(GetX(), GetY());
+}
+
+void CGameObject::ShowLook(const CSpriteInstance& look)
+{
+    ReleaseSprite();
+    auto* instance = new CSpriteInstance(look);
+    spriteTicket = LiveSprites().Add(instance);
+    sprite = instance;
 }
 
 void CGameObject::ReleaseSprite()

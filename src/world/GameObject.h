@@ -42,9 +42,14 @@ public:
     static constexpr std::int32_t NoBand = -1;
 
     CGameObject();
-    CGameObject(const CGameObject&) = delete;
     CGameObject& operator=(const CGameObject&) = delete;
     virtual ~CGameObject();
+
+    // A copy of the object as it stands, apart from the game (see the copy
+    // constructor); a checkpoint keeps such copies and puts the game back from them.
+    virtual CGameObject* Clone() const;
+    // Gives the object a look of its own, a copy of this one, drawn after every look there is.
+    void ShowLook(const CSpriteInstance& look);
 
     // Moves and ages the object; false once it is dead.
     virtual bool Update(std::int32_t elapsedMs);
@@ -110,6 +115,10 @@ public:
     static std::int64_t LiveCount() { return live; }
 
 protected:
+    // The object's state without its place in the game: in no list, with no
+    // look and no hits of this frame (the frame is over when a copy is made).
+    CGameObject(const CGameObject& other);
+
     // Dies on the next update: the object has been destroyed.
     void ExpireNow();
     void SetSpriteRotation();

@@ -9,5 +9,9 @@ public:
     static constexpr std::int32_t LifetimeMs = 10000;
 
     CPowerup();
+    CPowerup* Clone() const override { return new CPowerup(*this); }
     void OnHit(std::int32_t damage, CGameObject* other) override;
+
+protected:
+    CPowerup(const CPowerup&) = default; // for Clone
 };

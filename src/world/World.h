@@ -94,6 +94,7 @@ public:
     const std::vector<CComponent*>& GetTurretKit() const { return turretKit; }
 
 private:
+    friend class CWorldCheckpoint;
     using SpawnOperation = void (CWorld::*)(std::int32_t);
 
     void AdvanceClocks(double elapsedMs);

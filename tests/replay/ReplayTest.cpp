@@ -3,7 +3,9 @@
 // a fresh game to exactly the same end.
 #include "app/ReplayClock.h"
 #include "app/ReplayPlayer.h"
+#include "display/SpriteInstance.h"
 #include "replay/Replay.h"
+#include "replay/StateHash.h"
 #include "support/GameDriver.h"
 #include "support/TestApp.h"
 #include "world/World.h"
@@ -11,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -167,8 +170,24 @@ CReplay RecordScripted(std::uint32_t seed, std::int32_t startLevel, int frameLim
     return t->recorder.GetFinished();
 }
 
+// The world's full state, what the rules keep beside it, and every look in
+// the order it is drawn.
+std::uint64_t Standing(const CGameApp& app)
+{
+    CStateHash hash;
+    hash.Add(app.ReplaySummary(0).worldHash);
+    hash.Add(app.random.GetState());
+    hash.Add(app.gameState);
+    hash.Add(app.componentSerial);
+    hash.Add(app.menus.GetScreen());
+    for (const CSpriteInstance* look : const_cast<CGameApp&>(app).liveSprites)
+        for (const std::int32_t value : {look->GetSpriteIndex(), look->GetX(), look->GetY(), look->GetAngle(), look->GetFrame()})
+            hash.Add(value);
+    return hash.Get();
+}
+
 // A replay played in a fresh game, frame by frame, to its end; with
-// `states`, the world's full state at the start and after each frame.
+// `states`, how the game stands at the start and after each frame.
 struct Replayed {
     std::int64_t firstDivergence;
     CReplay::Summary summary;
@@ -183,7 +202,7 @@ Replayed PlayBack(const CReplay& replay, bool states = false)
     Replayed again{};
     auto look = [&] {
         if (states)
-            again.states.push_back(t->ReplaySummary(0).worldHash);
+            again.states.push_back(Standing(*t));
     };
     for (look(); player.HasNextFrame(); look())
         player.Step();
@@ -308,33 +327,46 @@ TEST(Replays, SeekingLandsWherePlayingStraightThereDoes)
     // How the game stands after each number of frames, played straight through.
     const std::vector<std::uint64_t> straight = PlayBack(replay, true).states;
     const std::size_t end = straight.size() - 1;
-    qvtest::TestApp t(1);
-    CReplayPlayer player(*t, replay);
-    player.Begin();
-    ASSERT_EQ(player.FrameCount(), end);
-    ASSERT_TRUE(player.SeekNextLevel()) << "the script reaches a second level";
-    const std::size_t secondLevel = player.GetFramesMade();
-    EXPECT_EQ(t->world.GetLevel(), 3);
-    // Ahead, back, to the start, one frame at a time, past the end.
-    for (const std::size_t target : {end / 2, std::size_t{1}, end - 1, secondLevel, std::size_t{0}, end / 3,
-                                     end / 3 + 1, end / 3 - 1, end + 10}) {
-        player.SeekTo(target);
-        const std::size_t landed = std::min(target, end);
-        EXPECT_EQ(player.GetFramesMade(), landed) << target;
-        EXPECT_EQ(t->ReplaySummary(0).worldHash, straight[landed]) << target;
-        EXPECT_EQ(player.GetFirstDivergence(), CReplayPlayer::NoDivergence) << target;
+    for (const bool checkpoints : {false, true}) {
+        qvtest::TestApp t(1);
+        CReplayPlayer player(*t, replay);
+        if (checkpoints)
+            player.KeepCheckpoints();
+        player.Begin();
+        ASSERT_EQ(player.FrameCount(), end);
+        ASSERT_TRUE(player.SeekNextLevel()) << "the script reaches a second level";
+        const std::size_t secondLevel = player.GetFramesMade();
+        EXPECT_EQ(t->world.GetLevel(), 3);
+        // Ahead, back, to the start, one frame at a time, past the end.
+        for (const std::size_t target : {end / 2, std::size_t{1}, end - 1, secondLevel, std::size_t{0}, end / 3,
+                                         end / 3 + 1, end / 3 - 1, end + 10}) {
+            player.SeekTo(target);
+            const std::size_t landed = std::min(target, end);
+            EXPECT_EQ(player.GetFramesMade(), landed) << target << (checkpoints ? " from a checkpoint" : "");
+            EXPECT_EQ(Standing(*t), straight[landed]) << target << (checkpoints ? " from a checkpoint" : "");
+            EXPECT_EQ(player.GetFirstDivergence(), CReplayPlayer::NoDivergence) << target;
+        }
+        if (!checkpoints)
+            continue;
+        EXPECT_GE(player.CheckpointCount(), 5u) << "one every ten seconds of the recording";
+        // A game put back goes on exactly as it went the first time, frame by frame to the end.
+        player.SeekTo(end / 4);
+        for (std::size_t frame = end / 4 + 1; frame <= end; ++frame) {
+            player.SeekTo(frame);
+            ASSERT_EQ(Standing(*t), straight[frame]) << "frame " << frame << " after a checkpoint";
+        }
+        // Every level's start was seen on the way, each a frame after which the level is new.
+        const std::vector<std::size_t> starts = player.GetLevelStarts();
+        ASSERT_GE(starts.size(), 2u);
+        EXPECT_EQ(starts[1], secondLevel);
+        EXPECT_TRUE(std::is_sorted(starts.begin(), starts.end()));
+        // Recorded time and frames agree both ways.
+        for (const std::size_t frames : {std::size_t{0}, std::size_t{1}, secondLevel, end}) {
+            EXPECT_EQ(player.FramesWithin(player.MsAfter(frames)), frames);
+            EXPECT_EQ(player.FramesWithin(player.MsAfter(frames) + 1.0), frames) << "a frame is longer than 1 ms";
+        }
+        EXPECT_DOUBLE_EQ(player.MsAfter(end), player.TotalMs());
     }
-    // Every level's start was seen on the way, each a frame after which the level is new.
-    const std::vector<std::size_t> starts = player.GetLevelStarts();
-    ASSERT_GE(starts.size(), 2u);
-    EXPECT_EQ(starts[1], secondLevel);
-    EXPECT_TRUE(std::is_sorted(starts.begin(), starts.end()));
-    // Recorded time and frames agree both ways.
-    for (const std::size_t frames : {std::size_t{0}, std::size_t{1}, secondLevel, end}) {
-        EXPECT_EQ(player.FramesWithin(player.MsAfter(frames)), frames);
-        EXPECT_EQ(player.FramesWithin(player.MsAfter(frames) + 1.0), frames) << "a frame is longer than 1 ms";
-    }
-    EXPECT_DOUBLE_EQ(player.MsAfter(end), player.TotalMs());
 }
 
 TEST(ReplayPace, RecordedTimeDueAtEachSpeed)
@@ -367,3 +399,33 @@ TEST(ReplayPace, RecordedTimeDueAtEachSpeed)
 }
 
 } // namespace
+
+// Every game kept for good, mines and turrets and all, goes on from a
+// checkpoint exactly as recorded: each frame's digest after it is the
+// recording's (a seek's frames are not checked by the player itself).
+TEST(Replays, GoldenGamesGoOnFromCheckpointsAsRecorded)
+{
+    int played = 0;
+    for (const auto& file : std::filesystem::directory_iterator(QV_SOURCE_DIR "/tests/replay/golden")) {
+        CReplay replay;
+        std::string error;
+        ASSERT_TRUE(CReplay::Load(file.path().string(), replay, error)) << error;
+        std::vector<std::uint32_t> digests;
+        for (const CReplay::Frame& frame : replay.frames)
+            digests.insert(digests.end(), frame.count, frame.stateHash);
+        qvtest::TestApp t(1);
+        CReplayPlayer player(*t, replay);
+        player.KeepCheckpoints();
+        player.Begin();
+        player.SeekTo(player.FrameCount());
+        ASSERT_EQ(player.GetFirstDivergence(), CReplayPlayer::NoDivergence) << file.path();
+        if (player.CheckpointCount() == 0)
+            continue;
+        ++played;
+        for (std::size_t frame = digests.size() / 2; frame < digests.size(); ++frame) {
+            player.SeekTo(frame + 1);
+            ASSERT_EQ(t->FrameHash(replay.DigestCoversRandom()), digests[frame]) << file.path() << " frame " << frame;
+        }
+    }
+    EXPECT_GE(played, 10);
+}
