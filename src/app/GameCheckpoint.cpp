@@ -3,7 +3,7 @@
 #include "app/GameApp.h"
 
 CGameCheckpoint::CGameCheckpoint(CGameApp& app)
-    : menus(app.menus.GetStanding()), designer(app.designer), stars(app.stars), random(app.random), gameState(app.gameState),
+    : menus(app.menus.GetStanding()), designer(app.designer), random(app.random), gameState(app.gameState),
       active(app.active), componentSerial(app.componentSerial), lastSoundPriority(app.lastSoundPriority)
 {
     world.Keep(app.world, app.liveSprites);
@@ -14,7 +14,6 @@ void CGameCheckpoint::Restore(CGameApp& app) const
     world.Restore(app.world, app.liveSprites);
     app.menus.Restore(menus);
     app.designer = designer;
-    app.stars = stars;
     app.random = random;
     app.gameState = gameState;
     app.active = active;

@@ -1,19 +1,17 @@
 #pragma once
 #include "core/Random.h"
-#include "display/Star.h"
 #include "frontend/MenuSystem.h"
 #include "frontend/ShipDesigner.h"
 #include "world/WorldCheckpoint.h"
 
 #include <cstdint>
-#include <vector>
 
 class CGameApp;
 
 // Everything the rules of a game in progress stand on, as it stood after a
-// frame: the world, the screens around it, the shared random generator and
-// the stars. Putting it back makes the game go on from there exactly as it
-// went on the first time.
+// frame: the world, the screens around it and the shared random generator.
+// Putting it back makes the game go on from there exactly as it went on the
+// first time. The stars are not the rules': they twinkle on undisturbed.
 class CGameCheckpoint {
 public:
     explicit CGameCheckpoint(CGameApp& app);
@@ -23,7 +21,6 @@ private:
     CWorldCheckpoint world;
     CMenuSystem::Standing menus;
     CShipDesigner designer;
-    std::vector<CStar> stars;
     CRandom random;
     std::int32_t gameState;
     std::int32_t active;
