@@ -101,7 +101,7 @@ TEST_F(GameAudioTest, TheMusicOptionGatesTheTuneAndANewGameRestartsIt)
 
 TEST_F(GameAudioTest, AFailedOpenLeavesNoDeviceAndTheGameSilent)
 {
-    WriteBytes("background.mid", "not a tune");
+    WriteFile("background.mid", "not a tune");
     EXPECT_EQ(t->PlayMusic(false), MCIERR_INVALID_FILE);
     EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
 
