@@ -90,9 +90,7 @@ TEST_F(GamepadsTest, StickDirectionsHaveADeadZoneWithHysteresis)
     };
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, CAxisSwitch::OnFrom - 1), "");
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, CAxisSwitch::OnFrom), "+Right");
-    EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, 32767), "");
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, CAxisSwitch::OffBelow), "");
-    EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, CAxisSwitch::OnFrom - 1), "");
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, CAxisSwitch::OffBelow - 1), "-Right");
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, CAxisSwitch::OffBelow), ""); // back out, but not far enough
     EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, -CAxisSwitch::OnFrom), "+Left");
