@@ -41,7 +41,7 @@ protected:
     TestApp t;
 };
 
-TEST_F(GameAudioTest, AnImportantEffectCutsInAndALesserOneWaitsItsTurn)
+TEST_F(GameAudioTest, AnImportantEffectCutsInALesserOneWaitsItsTurnAndSoundFxOffSilencesBoth)
 {
     t->PlayStartupSound();
     t->PlaySoundEffect(1, "explosion.wav"); // every effect waits for the start-up sound
@@ -63,10 +63,9 @@ TEST_F(GameAudioTest, AnImportantEffectCutsInAndALesserOneWaitsItsTurn)
     EXPECT_EQ(Playing(), "bullet2.wav");
     t->PlaySoundEffect(1, "lost.wav"); // a missing file pings the default tone and still counts
     EXPECT_EQ(t->lastSoundPriority, 1);
-}
 
-TEST_F(GameAudioTest, WithSoundFxOffOnlyTheStartUpSoundPlays)
-{
+    // With "Sound FX" off no effect plays or counts; the start-up sound still plays.
+    Platform::PlaySound(nullptr, 0);
     t->menus.SetOptionOn(OptionSound, false);
     t->lastSoundPriority = 2;
     t->PlaySoundEffect(1, "explosion.wav");
@@ -101,7 +100,7 @@ TEST_F(GameAudioTest, TheMusicOptionGatesTheTuneAndANewGameRestartsIt)
 
 TEST_F(GameAudioTest, AFailedOpenLeavesNoDeviceAndTheGameSilent)
 {
-    WriteBytes("background.mid", "not a tune");
+    WriteFile("background.mid", "not a tune");
     EXPECT_EQ(t->PlayMusic(false), MCIERR_INVALID_FILE);
     EXPECT_EQ(t->musicDevice, CGameApp::NoMusicDevice);
 
@@ -118,7 +117,7 @@ TEST_F(GameAudioTest, AFailedOpenLeavesNoDeviceAndTheGameSilent)
 
 TEST_F(GameAudioTest, OnlyASuccessfulEndWithTheMusicOnRestartsTheTune)
 {
-    WriteTune("background.mid", 60);
+    WriteTune("background.mid", 250); // 0.75 s: still playing when checked just after a restart
     StartUp();
     ASSERT_EQ(t->PlayMusic(false), 0u);
     const std::uint32_t device = t->musicDevice;

@@ -1,6 +1,7 @@
 // Which sound font the synthesiser plays with.
 #include "platform/Synthesiser.h"
 #include "support/AudioFiles.h"
+#include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ TEST(Synthesiser, ThePlayersFontsComeFirstAndAFontThatWillNotLoadFallsBackToTheG
     ScopedWorkDir dir;
     std::filesystem::copy_file(QV_GAME_DIR "/background.sf2", "background.sf2");
     std::filesystem::copy_file("background.sf2", "mine.sf2");
-    WriteBytes("broken.sf2", "RIFF, but no sound font");
+    WriteFile("broken.sf2", "RIFF, but no sound font");
     const struct {
         const char* playerList;
         std::vector<std::string> loaded;

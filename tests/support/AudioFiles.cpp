@@ -24,10 +24,6 @@ void WriteTune(const std::string& file, std::uint32_t noteMs)
     WriteFile(file, midi::OneTrackTune(events));
 }
 
-void WriteBytes(const std::string& file, const std::string& bytes) { WriteFile(file, bytes); }
-
-void WriteBytes(const std::string& file, const std::vector<std::uint8_t>& bytes) { WriteFile(file, bytes); }
-
 bool WaitUntil(const std::function<bool()>& condition, std::uint32_t timeoutMs)
 {
     for (const Uint64 end = SDL_GetTicks64() + timeoutMs; !condition(); SDL_Delay(5))

@@ -3,7 +3,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace qvtest {
 
@@ -11,8 +10,6 @@ namespace qvtest {
 void WriteWave(const std::string& file, std::uint32_t lengthMs);
 // A one-track MIDI file: a few piano notes, each noteMs long.
 void WriteTune(const std::string& file, std::uint32_t noteMs);
-void WriteBytes(const std::string& file, const std::string& bytes);
-void WriteBytes(const std::string& file, const std::vector<std::uint8_t>& bytes);
 
 // Polls until the condition holds or the time is up; true if it held.
 bool WaitUntil(const std::function<bool()>& condition, std::uint32_t timeoutMs = 10000);
