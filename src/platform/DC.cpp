@@ -5,7 +5,12 @@
 #include "platform/Surface.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
+
+namespace {
+constexpr std::uint8_t FullCoverage = 255;
+} // namespace
 
 CDC::CDC(std::uint16_t* surfaceBits, std::int32_t pitchInPixels, std::int32_t w, std::int32_t h)
     : bits(surfaceBits), pitch(pitchInPixels), width(w), height(h)
@@ -28,9 +33,13 @@ COLORREF CDC::GetPixel(std::int32_t x, std::int32_t y) const
 void CDC::FillRect(const RECT& rect, COLORREF colour)
 {
     const RECT area = IntersectRect(rect, RECT{0, 0, width, height});
-    const std::uint16_t value = Platform::PackRgb565(colour);
-    for (std::int32_t y = area.top; y < area.bottom; ++y)
-        std::fill(&At(area.left, y), &At(area.left, y) + area.Width(), value);
+    if (area.IsEmpty())
+        return;
+    // Every row is the first one again: one row filled, the rest copied whole.
+    std::uint16_t* first = &At(area.left, area.top);
+    std::fill(first, first + area.Width(), Platform::PackRgb565(colour));
+    for (std::int32_t y = area.top + 1; y < area.bottom; ++y)
+        std::memcpy(&At(area.left, y), first, sizeof(std::uint16_t) * static_cast<std::size_t>(area.Width()));
 }
 
 void CDC::FrameRect(const RECT& rect, COLORREF colour)
@@ -154,13 +163,19 @@ bool CDC::TextOut(std::int32_t x, std::int32_t y, const std::string& text)
         const SIZE extent = GetTextExtent(text);
         FillRect({x, y, x + extent.cx, y + extent.cy}, bkColour);
     }
+    // A pixel the letter covers wholly is the text colour itself.
+    const std::uint16_t solid = Platform::PackRgb565(textColour);
     std::int32_t pen = x;
     for (unsigned char ch : text) {
         const Glyph& glyph = face->GetGlyph(ch);
         for (std::int32_t gy = 0; gy < glyph.height; ++gy) {
             for (std::int32_t gx = 0; gx < glyph.width; ++gx) {
                 const std::uint8_t c = glyph.coverage[static_cast<std::size_t>(gy) * glyph.width + gx];
-                if (c != 0 && OnSurface(pen + gx, y + gy))
+                if (c == 0 || !OnSurface(pen + gx, y + gy))
+                    continue;
+                if (c == FullCoverage)
+                    At(pen + gx, y + gy) = solid;
+                else
                     Blend(pen + gx, y + gy, textColour, c);
             }
         }

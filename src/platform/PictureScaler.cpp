@@ -33,6 +33,19 @@ std::uint32_t* Row(std::uint32_t* output, int pitch, int y)
                                             static_cast<std::ptrdiff_t>(y) * pitch);
 }
 
+// Whether a tile's stretch of two rows is the same: a whole tile compared in
+// four 8-byte words, with no call for every tile of a row that changed.
+bool SameStretch(const std::uint16_t* a, const std::uint16_t* b, int count)
+{
+    if (count != CPictureScaler::TileWidth)
+        return std::memcmp(a, b, sizeof(std::uint16_t) * static_cast<std::size_t>(count)) == 0;
+    std::uint64_t x[4], y[4];
+    static_assert(sizeof x == sizeof(std::uint16_t) * CPictureScaler::TileWidth);
+    std::memcpy(x, a, sizeof x);
+    std::memcpy(y, b, sizeof y);
+    return ((x[0] ^ y[0]) | (x[1] ^ y[1]) | (x[2] ^ y[2]) | (x[3] ^ y[3])) == 0;
+}
+
 } // namespace
 
 std::vector<CPictureScaler::Tap> CPictureScaler::Taps(int pictureSize, int outputSize, int prescale)
@@ -95,7 +108,7 @@ void CPictureScaler::FindChangedTiles(const std::uint16_t* picture, int pictureP
         std::uint64_t& mask = changed[static_cast<std::size_t>(y / TileHeight)];
         for (int x = 0, tile = 0; x < pictureWidth; x += TileWidth, ++tile) {
             const int count = std::min(TileWidth, pictureWidth - x);
-            if (std::memcmp(now + x, before + x, sizeof(std::uint16_t) * count) != 0)
+            if (!SameStretch(now + x, before + x, count))
                 mask |= std::uint64_t{1} << tile;
         }
         std::memcpy(before, now, sizeof(std::uint16_t) * pictureWidth);

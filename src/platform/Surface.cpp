@@ -9,22 +9,6 @@
 #include <cstring>
 #include <utility>
 
-namespace Platform {
-
-std::uint16_t PackRgb565(COLORREF colour)
-{
-    return static_cast<std::uint16_t>(((GetRValue(colour) >> 3) << 11) | ((GetGValue(colour) >> 2) << 5) |
-                                      (GetBValue(colour) >> 3));
-}
-
-COLORREF UnpackRgb565(std::uint16_t value)
-{
-    return RGB(static_cast<std::uint8_t>(((value >> 11) & 0x1F) << 3),
-               static_cast<std::uint8_t>(((value >> 5) & 0x3F) << 2), static_cast<std::uint8_t>((value & 0x1F) << 3));
-}
-
-} // namespace Platform
-
 namespace {
 
 // A key outside the 16-bit range matches no pixel at all.

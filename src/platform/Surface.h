@@ -29,10 +29,19 @@ struct LockedSurface {
 };
 
 namespace Platform {
-// The 16-bit 5-6-5 value of a colour, each channel truncated as the hardware does.
-std::uint16_t PackRgb565(COLORREF colour);
+// The 16-bit 5-6-5 value of a colour, each channel truncated as the hardware
+// does. Inline: text and blending ask for it for every pixel they touch.
+inline std::uint16_t PackRgb565(COLORREF colour)
+{
+    return static_cast<std::uint16_t>(((GetRValue(colour) >> 3) << 11) | ((GetGValue(colour) >> 2) << 5) |
+                                      (GetBValue(colour) >> 3));
+}
 // The colour a 5-6-5 value shows, low bits of each channel zero.
-COLORREF UnpackRgb565(std::uint16_t value);
+inline COLORREF UnpackRgb565(std::uint16_t value)
+{
+    return RGB(static_cast<std::uint8_t>(((value >> 11) & 0x1F) << 3),
+               static_cast<std::uint8_t>(((value >> 5) & 0x3F) << 2), static_cast<std::uint8_t>((value & 0x1F) << 3));
+}
 } // namespace Platform
 
 // A picture held in memory in the 16-bit 5-6-5 format: the primary surface,
