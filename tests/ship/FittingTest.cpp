@@ -92,29 +92,19 @@ TEST_F(Fitting, ArmourStopsAtTenPiecesHoweverItIsSplit)
     EXPECT_EQ(ship.GetSpaceLeft(), 10000);
 }
 
-TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
+TEST_F(Fitting, LasersTakeTheFirstFreeFireKeyRespectingKeysTheDesignScreenChanged)
 {
-    CLaser laser = Laser({}), another = Laser({});
+    CLaser laser = Laser({}), another = Laser({}), third = Laser({});
     Fit({&laser, &laser, &laser, &laser}); // the same offered laser, up to three times
     EXPECT_EQ(Keys(), "FDS");
+    static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
     ship.RemoveComponent(laser); // the first matching entry goes
-    EXPECT_EQ(Keys(), "DS");
     Fit({&another});
     EXPECT_EQ(another.GetFireKey(), 'F'); // the handed laser itself is given the key
-    EXPECT_EQ(Keys(), "DSF");
-}
-
-TEST_F(Fitting, KeysTheDesignScreenChangedAreRespected)
-{
-    CLaser a = Laser({}), b = Laser({}), c = Laser({}), d = Laser({});
-    Fit({&a, &b});
-    static_cast<CLaser*>(Listed()[0])->SetFireKey('A');
-    static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
-    Fit({&c});
-    EXPECT_EQ(Keys(), "AGF");
-    ship.RemoveComponent(a); // 'A' is free again, but 'F' and 'G' are taken
-    Fit({&d});
-    EXPECT_EQ(Keys(), "GFD");
+    EXPECT_EQ(Keys(), "GSF");
+    ship.RemoveComponent(laser);
+    Fit({&third}); // 'D' is free again, and comes before 'A'
+    EXPECT_EQ(Keys(), "SFD");
 }
 
 TEST_F(Fitting, MassAndHullFollowTheArmourStack)
