@@ -98,6 +98,8 @@ TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
     EXPECT_EQ(turret->GetHull(), 100);
 }
 
+// A wandering mine keeps its target until it is within three radii of it or
+// its time is up.
 TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
 {
     world.NewGame(1); // the player's ship at (512, 384)
@@ -108,21 +110,17 @@ TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
     EXPECT_EQ(far->GetAiMode(), AiWander);
     EXPECT_EQ(near->GetAiMode(), AiChase);
     EXPECT_NEAR(near->GetAiHeading(), 3 * Pi / 2, 1e-3); // straight left, at the resting ship
-}
 
-TEST_F(Bodies, AWanderingMineKeepsItsTargetUntilNearItOrOverdue)
-{
-    OpenBody* mine = Mine(1, 300, 300);
-    mine->targetX = 800;
-    mine->targetY = 600;
-    mine->wanderTimer = 4000;
-    mine->Act(); // neither near nor overdue
-    EXPECT_EQ(mine->GetTargetX(), 800);
-    mine->targetX = 300 + 26; // within three radii
-    mine->targetY = 300;
-    mine->Act();
-    EXPECT_NE(mine->GetTargetX() * 10000 + mine->GetTargetY(), 326 * 10000 + 300);
-    EXPECT_EQ(mine->wanderTimer, 0);
+    far->targetX = 1000;
+    far->targetY = 700;
+    far->wanderTimer = 4000;
+    far->Act(); // neither near nor overdue
+    EXPECT_EQ(far->GetTargetX(), 1000);
+    far->targetX = 812 + 26;
+    far->targetY = 384;
+    far->Act();
+    EXPECT_NE(far->GetTargetX() * 10000 + far->GetTargetY(), 838 * 10000 + 384);
+    EXPECT_EQ(far->wanderTimer, 0);
 }
 
 } // namespace
