@@ -12,7 +12,7 @@ namespace {
 using namespace qvtest;
 
 constexpr double Pi = 3.14159265358979;
-constexpr UINT KeyUp = 38, KeyRight = 39;
+constexpr UINT KeyUp = 38;
 
 // A game whose player's ship the test builds itself.
 struct Ships : ::testing::Test {
@@ -170,43 +170,6 @@ TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndFireOnlyOnTheScreen)
             EXPECT_NEAR(enemy->facing, 3 * Pi / 2, 1e-3); // aimed at the player to its left
         }
     }
-}
-
-TEST_F(Ships, AScriptedPlayerTurnsFiresAndBreaksAnAsteroid)
-{
-    // Engine, two jets, an energy system and one Parallel laser strong enough for a medium asteroid.
-    CEngine engine = Engine(3000, 40, 1000);
-    CJet jet = Jet(500, 2, 50);
-    CEnergySystem plant = Plant(300, 60);
-    CLaser laser = Laser({.speed = 300, .containment = 2000, .shots = 1, .damage = 400, .delay = 300,
-                          .energyUse = 10, .pattern = CLaser::Parallel});
-    Fit(*player, {&engine, &jet, &jet, &plant, &laser});
-    auto* rock = new CBody;
-    rock->SetVector(At(512 + 160, 384 - 40));
-    rock->SetAsteroid(2);
-    world.AddObject(rock);
-    const double bearing = std::atan2(160.0, 40.0); // as a facing: clockwise from up
-
-    int frames = 0;
-    t->SetGameState(StatePlaying); // keys reach the ship only in play
-    t->OnKey(KeyRight, true);
-    for (; player->facing < bearing && frames < 200; ++frames)
-        world.StepObjects(16);
-    t->OnKey(KeyRight, false);
-    ASSERT_LT(frames, 200) << "the ship never came round";
-    EXPECT_NEAR(player->facing, bearing, 0.1);
-
-    t->OnKey('F', true);
-    world.StepObjects(16);
-    t->OnKey('F', false);
-    ASSERT_EQ(CountObjects(world, ObjectProjectile), 1);
-    for (int i = 0; i < 90 && rock->IsAlive(); ++i)
-        world.StepObjects(16);
-    ASSERT_FALSE(rock->IsAlive());
-    int fragments = 0; // the medium asteroid breaks into three small ones
-    for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
-        fragments += n->GetData()->GetType() == ObjectBody && n->GetData()->GetRadius() == 7;
-    EXPECT_EQ(fragments, 3);
 }
 
 } // namespace
