@@ -41,22 +41,6 @@ struct Bodies : ::testing::Test {
     }
 };
 
-TEST_F(Bodies, AsteroidsExplodeOnlyBelowOneHullPointAndHandOnTheirContactDamage)
-{
-    OpenBody* rock = Asteroid(1);
-    OpenObject shooter(0, 0);
-    shooter.team = TeamPlayer;
-    shooter.diesOnHit = false;
-    rock->OnHit(74, nullptr);
-    EXPECT_TRUE(rock->IsAlive());
-    EXPECT_EQ(rock->GetHull(), 1);
-    rock->OnHit(1, &shooter);
-    EXPECT_FALSE(rock->IsAlive());
-    EXPECT_FALSE(rock->Update(0)); // gone at its next update
-    EXPECT_EQ(shooter.hits, 1);
-    EXPECT_EQ(shooter.lastDamage, 0);
-}
-
 TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebrisAndSometimesAPowerup)
 {
     struct Case {
@@ -78,24 +62,6 @@ TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebrisAndSometimesAPowerup)
         powerups += CountObjects(world, ObjectPowerup);
     }
     EXPECT_TRUE(powerups > 100 && powerups < 200) << powerups;
-}
-
-TEST_F(Bodies, MinesBlowUpOnTouchingAShipOfTheOtherSideOnly)
-{
-    world.NewGame(1);
-    CShip& player = *world.GetPlayer();
-    auto* turret = new CShip;
-    turret->SetTurret(TeamEnemy);
-    world.AddObject(turret);
-    CGameObject* others[] = {&player, turret, Asteroid(1, 500, 500)};
-    for (CGameObject* other : others) {
-        OpenBody* mine = Mine(2, 100, 100);
-        mine->SetContactDamage(40);
-        mine->OnHit(5, other);
-        EXPECT_EQ(mine->IsAlive(), other != &player);
-    }
-    EXPECT_EQ(player.GetHull(), 60);
-    EXPECT_EQ(turret->GetHull(), 100);
 }
 
 // A wandering mine keeps its target until it is within three radii of it or

@@ -107,36 +107,4 @@ TEST_F(Fitting, LasersTakeTheFirstFreeFireKeyRespectingKeysTheDesignScreenChange
     EXPECT_EQ(Keys(), "SFD");
 }
 
-TEST_F(Fitting, MassAndHullFollowTheArmourStack)
-{
-    CEngine engine = Engine(1000, 50);
-    CArmour heavy = Armour(20, 30), light = Armour(10, 40);
-    Fit({&engine, &heavy, &heavy, &light});
-    // 1.0 + 0.5 engine + 2 x 0.2 x 1.1 + 1 x 0.1 x 1.1
-    EXPECT_NEAR(ship.GetMass(), 2.05f, 1e-5);
-    EXPECT_EQ(ship.GetHullMax(), 200);
-    EXPECT_EQ(ship.GetHull(), 200);
-}
-
-TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
-{
-    CEngine engine = Engine(1000, 0, 500);
-    Fit({&engine});
-    EXPECT_EQ(ship.GetMaxSpeed(), 50); // no sails, whatever the engine
-    for (const auto& [sailSpeed, topSpeed] : {std::pair(10, 75), std::pair(30, 87), std::pair(150, 149)}) {
-        OpenShip s;
-        s.SetPlayerShip();
-        CSubspaceSail sail = Sail(100, 0, sailSpeed);
-        s.AddComponent(&sail);
-        EXPECT_EQ(s.GetMaxSpeed(), topSpeed) << sailSpeed;
-    }
-
-    EXPECT_EQ(ship.GetTurnRate(), 0.0); // no jets: cannot turn
-    CJet ten = Jet(100, 0, 10), ninety = Jet(100, 0, 45);
-    Fit({&ten});
-    EXPECT_NEAR(ship.GetTurnRate(), 0.000742, 1e-6);
-    Fit({&ninety, &ninety});
-    EXPECT_NEAR(ship.GetTurnRate(), 0.00525, 1e-5);
-}
-
 } // namespace

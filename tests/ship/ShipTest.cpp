@@ -12,7 +12,6 @@ namespace {
 using namespace qvtest;
 
 constexpr double Pi = 3.14159265358979;
-constexpr UINT KeyUp = 38;
 
 // A game whose player's ship the test builds itself.
 struct Ships : ::testing::Test {
@@ -104,21 +103,6 @@ TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
         EXPECT_FLOAT_EQ(ship.GetExactEnergy(), energyAfter) << rate << " " << energy << " " << damage;
         EXPECT_EQ(ship.GetHull(), hullAfter) << rate << " " << energy << " " << damage;
     }
-}
-
-TEST_F(Ships, ThrustAddsTheSameSpeedEveryFrameUpToTheTopSpeed)
-{
-    CEngine engine = Engine(1000, 0, 1000); // thrust 10
-    CSubspaceSail sail = Sail(100, 0, 150); // top speed 149
-    Fit(*player, {&engine, &sail});
-    player->facing = Pi / 2;
-    player->PlayerKey(KeyUp, true);
-    for (int ms : {16, 16, 40, 8, 16})
-        player->Update(ms);
-    EXPECT_NEAR(player->vector.GetXSpeed(), 50.0f, 1e-3); // 10 a frame, whatever its length
-    for (int i = 0; i < 50; ++i)
-        player->Update(16);
-    EXPECT_NEAR(player->vector.GetXSpeed(), 149.0f, 1e-2);
 }
 
 // Recharge is milliseconds a unit: the energy systems of the highest
