@@ -67,26 +67,6 @@ TEST_F(Levels, TimingsGrowTighterLevelByLevelAndTurretsComeFromLevelFive)
     EXPECT_EQ(static_cast<CShip*>(Newest())->GetController(), ControllerComputer);
 }
 
-TEST_F(Levels, TheAsteroidClockSpawnsOnTheFirstFramePastAThresholdDrawnAroundItsInterval)
-{
-    Open(1);
-    t->SetGameState(StatePlaying);
-    std::int32_t spawns = 0;
-    double waited = world.GetAsteroidClock().accumulated; // it runs on from level to level
-    for (int frame = 0; frame < 2000 && t->GetGameState() == StatePlaying; ++frame, waited += 16.0) {
-        const double threshold = world.GetAsteroidClock().threshold;
-        world.Update(16.0);
-        if (world.GetAsteroidClock().accumulated == 0.0) {
-            EXPECT_TRUE(waited + 16.0 > threshold && waited <= threshold) << waited << " " << threshold;
-            const double next = world.GetAsteroidClock().threshold;
-            EXPECT_TRUE(next >= 550.0 && next <= 1650.0 && next == std::trunc(next)) << next;
-            waited = -16.0;
-            ++spawns;
-        }
-    }
-    EXPECT_GT(spawns, 20);
-}
-
 TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
 {
     world.NewGame(1);
@@ -136,67 +116,10 @@ TEST_F(Levels, TheOfferGrowsWithTheLevelAndThePowerupsTaken)
     }
 }
 
-TEST_F(Levels, KitsFillEachEnemysSpaceAndEnemiesCarryWhatTheyFit)
-{
-    Open(4);
-    // The sail count is the least that fills the space: one fewer falls short.
-    auto fills = [](const std::vector<CComponent*>& kit, std::size_t sail, std::int32_t space) {
-        std::int32_t total = 0;
-        for (const CComponent* c : kit)
-            total += c->GetSize() * (c == kit[sail] ? c->GetCount() : 1);
-        return total >= space && total - kit[sail]->GetSize() < space;
-    };
-    EXPECT_TRUE(fills(world.GetMineKit1(), 1, 4000));
-    EXPECT_TRUE(fills(world.GetMineKit2(), 1, 6000));
-    EXPECT_TRUE(fills(world.GetTurretKit(), world.GetTurretKit().size() - 6, 8000));
-    EXPECT_EQ(world.GetMineKit1().size(), 4u);  // engine, sail, 2 armour
-    EXPECT_EQ(world.GetMineKit2().size(), 12u); // engine, sail, 10 armour
-
-    t->SetGameState(StatePlaying);
-    for (int i = 0; i < 6; ++i) {
-        world.SpawnMines(1);
-        auto* mine = static_cast<CBody*>(Newest());
-        std::vector<CComponent*> carried;
-        mine->ListComponents(carried);
-        EXPECT_TRUE(carried.back()->GetCount() == 2 || carried.back()->GetCount() == 10);
-        EXPECT_EQ(mine->GetContactDamage(), mine->GetSpaceLeft() / 8 + 4 * 5);
-    }
-    world.SpawnTurrets(1);
-    auto* ship = static_cast<CShip*>(Newest());
-    EXPECT_TRUE(ship->GetLasers().size() >= 1 && ship->GetLasers().size() <= 3);
-    EXPECT_FLOAT_EQ(ship->GetExactEnergy(), 0.75f * static_cast<float>(ship->GetEnergyMax()));
-}
-
 // A game in its first, half-second level, with the world running.
 struct PlayingWorld : Levels {
     PlayingWorld() { t->NewGame(); }
-
-    OpenObject* Add(OpenObject* o)
-    {
-        world.AddObject(o);
-        return o;
-    }
 };
-
-TEST_F(PlayingWorld, ObjectsAddedDuringTheWalkAreUpdatedInTheSameFrameAndActAfterIt)
-{
-    OpenObject* parent = Add(new OpenObject(100, 100));
-    OpenObject* child = nullptr;
-    std::vector<OpenObject*> order;
-    parent->onUpdate = [&] {
-        if (!child)
-            world.AddObject(child = new OpenObject(50, 200)); // left of its parent: the master list is unsorted
-        world.AddToActionList(child);
-        world.AddToActionList(parent);
-    };
-    parent->onAct = [&] { order.push_back(parent); };
-    world.Update(16.0);
-    ASSERT_NE(child, nullptr);
-    EXPECT_EQ(child->updates, 1);
-    child->onAct = [&] { order.push_back(child); };
-    world.Update(16.0);
-    EXPECT_EQ(order, (std::vector<OpenObject*>{parent, child, parent})); // in the order asked, emptied each frame
-}
 
 TEST_F(PlayingWorld, TheLevelOutlastsItsTimeUntilTheLastEnemyIsGone)
 {
@@ -236,21 +159,6 @@ TEST_F(PlayingWorld, EnemiesScoreByLevel)
             world.Update(16.0);
         EXPECT_EQ(world.GetScore(), points) << turret;
     }
-}
-
-TEST_F(PlayingWorld, ThePlayersDeathEndsTheGameAtOnce)
-{
-    world.SpawnMines(1); // holds the level open past its half second
-    world.GetPlayer()->OnHit(1000, nullptr); // explodes, and dies once the explosion has shown
-    world.Update(16.0);
-    ASSERT_EQ(t->GetGameState(), StatePlaying);
-    // Added after the ship, so later in the update order: neither updated nor acting that frame.
-    OpenObject* after = Add(new OpenObject(700, 100));
-    after->onAct = [] { FAIL() << "no action pass after the player's death"; };
-    world.AddToActionList(after);
-    world.Update(900.0);
-    EXPECT_EQ(t->GetGameState(), StateMenu);
-    EXPECT_EQ(after->updates, 0);
 }
 
 TEST(OddStartLevels, PlayWithoutFault)
