@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <set>
 
 namespace {
@@ -39,33 +38,6 @@ struct Levels : ::testing::Test {
 
     CGameObject* Newest() { return world.GetMasterList().GetTail()->GetData(); }
 };
-
-// The first level is short; mines come faster level by level, turrets
-// shorten their spacing from level 4, and from level 5 the turret clock starts
-// full, so that a turret comes at once.
-TEST_F(Levels, TimingsGrowTighterLevelByLevelAndTurretsComeFromLevelFive)
-{
-    world.NewGame(1);
-    const struct {
-        std::int32_t level;
-        double mine, turret;
-    } cases[] = {{1, 120000, 120000}, {2, 60000, 120000}, {3, 40000, 120000}, {4, 30000, 91000},
-                 {5, std::sqrt(24.0) * 21109 / 3, std::sqrt(50.0) * 55402 / 5}, {10, 21109, 55402}};
-    for (const auto& c : cases) {
-        while (world.GetLevel() < c.level)
-            world.BeginNextLevel();
-        EXPECT_EQ(world.GetTimeLeft(), c.level == 1 ? 60000 : 120000) << c.level;
-        EXPECT_DOUBLE_EQ(world.GetMineClock().threshold, c.mine) << c.level;
-        EXPECT_DOUBLE_EQ(world.GetTurretClock().interval, c.turret) << c.level;
-        EXPECT_EQ(world.GetTurretClock().accumulated, c.level >= 5 ? 120000.0 : 0.0) << c.level;
-    }
-
-    Open(5);
-    t->SetGameState(StatePlaying);
-    world.Update(16.0);
-    EXPECT_EQ(world.GetEnemiesLeft(), 1);
-    EXPECT_EQ(static_cast<CShip*>(Newest())->GetController(), ControllerComputer);
-}
 
 TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
 {
