@@ -126,22 +126,6 @@ TEST(GameObject, BounceReflectsOneAxisPerFrame)
     EXPECT_FLOAT_EQ(corner.vector.GetYSpeed(), 60.0f);
 }
 
-TEST(GameObject, HoldsBothBandNodesOnlyWhileStraddlingABorder)
-{
-    TestApp t;
-    OpenObject o(300, 100, 0.0f, 1000.0f, 10);
-    // y 100: band 1 (76..151) alone; y 145 spans 135..155 into band 2; y 165 is wholly in band 2.
-    const struct {
-        std::int32_t ms, band, band2;
-    } steps[] = {{0, 1, -1}, {45, 1, 2}, {20, 2, -1}};
-    for (const auto& step : steps) {
-        ASSERT_TRUE(o.Update(step.ms));
-        EXPECT_EQ(o.GetBandItem()->GetOwner(), &t->world.GetBand(step.band)) << o.GetY();
-        EXPECT_EQ(o.GetBandItem2()->GetOwner(), step.band2 < 0 ? nullptr : &t->world.GetBand(step.band2)) << o.GetY();
-    }
-    EXPECT_EQ(t->world.GetBand(1).GetCount(), 0);
-}
-
 TEST(Volleys, EachPatternPlacesAndAimsItsShots)
 {
     TestApp t;
