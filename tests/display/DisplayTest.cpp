@@ -111,7 +111,6 @@ protected:
         SurfaceDesc desc{DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, 32, 24, 0, DDSCAPS_OFFSCREENPLAIN};
         ASSERT_EQ(device->CreateSurface(desc, surface), DD_OK);
     }
-    void TearDown() override { Platform::ClearDisplayFaults(); }
     std::uint16_t Pixel(int x, int y) { return DisplayApp::PixelAt(*surface, x, y); }
     // An entry of the palette loaded from "art/palette.bmp", as red, green, blue and flags.
     static std::vector<int> Entry(const PalettePtr& palette, int i)
