@@ -1,9 +1,7 @@
-// The world: its levels and their clocks, spawns and offers, the frame's
-// update and action passes, scoring, and games started at levels the options
-// screen never offers. The start level comes from a settings file players may
-// edit by hand, and a level read from the file is kept whatever it is: such
-// games must still play without a fault.
-#include "ship/Laser.h"
+// The world: its spawns, the end of a level, scoring, and games started at
+// levels the options screen never offers. The start level comes from a
+// settings file players may edit by hand, and a level read from the file is
+// kept whatever it is: such games must still play without a fault.
 #include "support/GameDriver.h"
 #include "support/TestApp.h"
 #include "support/WorldObjects.h"
@@ -19,23 +17,6 @@ using namespace qvtest;
 struct Levels : ::testing::Test {
     TestApp t;
     CWorld& world = t->world;
-
-    // Plays the opening half second of a game, which ends on the design screen.
-    void Open(std::int32_t startLevel)
-    {
-        world.NewGame(startLevel);
-        t->SetGameState(StatePlaying);
-        world.Update(501.0);
-    }
-
-    std::vector<std::int32_t> Kinds(const std::vector<CComponent*>& components)
-    {
-        std::vector<std::int32_t> kinds;
-        for (const CComponent* c : components)
-            kinds.push_back(c->GetKind());
-        return kinds;
-    }
-
     CGameObject* Newest() { return world.GetMasterList().GetTail()->GetData(); }
 };
 
@@ -64,28 +45,6 @@ TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
     world.SpawnTurrets(1);
     EXPECT_EQ(world.GetMasterList().GetCount(), 1);
     EXPECT_EQ(world.GetEnemiesLeft(), 0);
-}
-
-TEST_F(Levels, TheOfferGrowsWithTheLevelAndThePowerupsTaken)
-{
-    Open(1); // the first level opens on the design screen
-    EXPECT_EQ(t->GetGameState(), StateDesign);
-    EXPECT_EQ(Kinds(world.GetStock()), (std::vector<std::int32_t>{KindEngine, KindJet, KindSubspaceSail}));
-    world.AddPowerup(); // powerups of level 1 bring nothing for level 2
-    world.BeginNextLevel();
-    EXPECT_EQ(Kinds(world.GetStock()), (std::vector<std::int32_t>{KindEngine, KindJet, KindSubspaceSail,
-                                                                   KindEnergySystem, KindLaser, KindShield}));
-    for (int i = 0; i < 3; ++i)
-        world.AddPowerup();
-    world.BeginNextLevel();
-    ASSERT_EQ(world.GetStock().size(), 9u);
-    for (std::size_t i = 6; i < 9; ++i) // one bonus component for each powerup taken
-        EXPECT_TRUE(world.GetStock()[i]->GetTechLevel() >= 1600 && world.GetStock()[i]->GetTechLevel() <= 2001);
-
-    for (int i = 0; i < 40; ++i) { // the offered laser is never a Radiating one
-        world.RegenerateStock();
-        ASSERT_NE(static_cast<const CLaser*>(world.GetStock()[4])->GetPattern(), CLaser::Radiating);
-    }
 }
 
 // A game in its first, half-second level, with the world running.
