@@ -10,8 +10,7 @@
 namespace {
 
 struct Obj : CGameObject {
-    explicit Obj(int x) { MoveTo(x); }
-    void MoveTo(int x)
+    explicit Obj(int x)
     {
         CVector v;
         v.Set(x, 0, 0, 0);
@@ -98,22 +97,6 @@ TEST_F(ListTest, TheMiddleFollowsInsertsAndRemoves)
     ASSERT_EQ(list.GetMiddle(), o[1]->Node());
     list.Remove(list.GetMiddle());
     EXPECT_EQ(list.GetMiddle(), o[2]->Node()); // the 3, which moved up
-    ExpectConsistent();
-}
-
-TEST_F(ListTest, ResortMovesAChangedKeyPastItsNeighboursKeepingPositions)
-{
-    Obj* a = Add({1, 2, 3, 10, 11})[0];
-    const int middlePos = MiddlePosition();
-    const int offset = list.GetMidOffset();
-    a->MoveTo(5);
-    list.Resort(a->Node());
-    EXPECT_EQ(Order()[2], a);
-    EXPECT_EQ(MiddlePosition(), middlePos);
-    EXPECT_EQ(list.GetMidOffset(), offset);
-    a->MoveTo(3); // equal keys are not passed
-    list.Resort(a->Node());
-    EXPECT_EQ(Order()[2], a);
     ExpectConsistent();
 }
 
