@@ -47,6 +47,23 @@ TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
     EXPECT_EQ(world.GetEnemiesLeft(), 0);
 }
 
+// From level 3 the offer holds a bonus component, of a higher technology,
+// for each powerup taken in the level before; those of level 1 bring nothing.
+TEST_F(Levels, EachPowerupTakenAddsABonusToTheNextOfferFromLevelThree)
+{
+    world.NewGame(1);
+    world.BeginNextLevel();
+    world.AddPowerup();
+    world.BeginNextLevel();
+    EXPECT_EQ(world.GetStock().size(), 6u);
+    for (int i = 0; i < 3; ++i)
+        world.AddPowerup();
+    world.BeginNextLevel();
+    ASSERT_EQ(world.GetStock().size(), 9u);
+    for (std::size_t i = 6; i < 9; ++i)
+        EXPECT_TRUE(world.GetStock()[i]->GetTechLevel() >= 1600 && world.GetStock()[i]->GetTechLevel() <= 2001) << i;
+}
+
 // A game in its first, half-second level, with the world running.
 struct PlayingWorld : Levels {
     PlayingWorld() { t->NewGame(); }
