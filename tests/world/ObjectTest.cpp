@@ -111,21 +111,6 @@ TEST(GameObject, DiesPastItsLifetimeOrPastTheScreenEdgeByMoreThanItsRadius)
     EXPECT_TRUE(free.Update(16));
 }
 
-TEST(GameObject, BounceReflectsOneAxisPerFrame)
-{
-    TestApp t;
-    // Out on two sides at once: the x wall first, the y wall next frame.
-    OpenObject corner(2, 2, -50.0f, -60.0f, 10);
-    corner.boundsMode = BoundsBounce;
-    ASSERT_TRUE(corner.Update(0));
-    EXPECT_EQ(corner.GetX(), 11);
-    EXPECT_FLOAT_EQ(corner.vector.GetXSpeed(), 50.0f);
-    EXPECT_EQ(corner.GetY(), 2);
-    ASSERT_TRUE(corner.Update(0));
-    EXPECT_EQ(corner.GetY(), 11);
-    EXPECT_FLOAT_EQ(corner.vector.GetYSpeed(), 60.0f);
-}
-
 TEST(Volleys, EachPatternPlacesAndAimsItsShots)
 {
     TestApp t;
