@@ -15,18 +15,6 @@ CVector At(int x, int y, float xs = 0, float ys = 0)
     return v;
 }
 
-TEST(Vector, HeadingsAtTheAxesAndTheMirrorOffAHorizontalWall)
-{
-    EXPECT_DOUBLE_EQ(CVector::HeadingOf(0, 1), 0.0);
-    EXPECT_DOUBLE_EQ(CVector::HeadingOf(1, 0), std::atan(1000.0));
-    EXPECT_DOUBLE_EQ(CVector::HeadingOf(-1, 0), 6.2831855 + std::atan(-1000.0));
-    EXPECT_NEAR(CVector::HeadingOf(0, -1), Pi, 1e-6);
-    // x kept, y reversed.
-    EXPECT_NEAR(CVector::MirrorHeading(0), Pi, 1e-6);
-    EXPECT_NEAR(std::sin(CVector::MirrorHeading(1.2)), std::sin(1.2), 1e-6);
-    EXPECT_NEAR(std::cos(CVector::MirrorHeading(1.2)), -std::cos(1.2), 1e-6);
-}
-
 TEST(Vector, MovesBySecondsAndTruncatesPositionsTowardZero)
 {
     CVector v = At(100, 200, 30, -40);

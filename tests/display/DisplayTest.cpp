@@ -33,52 +33,48 @@ TEST(DisplayInit, TracesEachStepAndRetriesTheFlippingChainOnceWithoutVideoMemory
     }
 }
 
-struct FailingStep {
-    DisplayOp op;
-    int skip;
-    const char* lastTrace;
-};
-
-class DisplayInitFailure : public ::testing::TestWithParam<FailingStep> {};
-
-TEST_P(DisplayInitFailure, StopsAtTheFailingStepWithItsCode)
+// A step that fails ends the start with its code, after its own trace, and
+// the display holds nothing afterwards.
+TEST(DisplayInit, StopsAtTheFailingStepWithItsCode)
 {
-    const FailingStep step = GetParam();
-    DisplayApp t;
-    qvtest::WriteBlankArt();
-    HWND window = t.OpenWindow();
-    constexpr Result code = 0x88761234;
-    Platform::InjectDisplayFault(step.op, code, step.skip);
-    TraceRecorder trace;
-    EXPECT_EQ(t->display.Init(window), code);
-    ASSERT_FALSE(trace.lines.empty());
-    EXPECT_EQ(trace.lines.back().text, step.lastTrace);
-    EXPECT_EQ(t->display.GetBack(), nullptr);
-    t->Shutdown(); // gives up what was held; a second time does nothing
-    t->Shutdown();
-    EXPECT_FALSE(t->display.HasDevice());
+    const struct {
+        DisplayOp op;
+        int skip;
+        const char* lastTrace;
+    } steps[] = {{DisplayOp::Create, 0, "Creating direct draw object"},
+                 {DisplayOp::QueryDevice2, 0, "Finding DD v3 interface"},
+                 {DisplayOp::SetCooperativeLevel, 0, "Setting Cooperative Level, exclusive, fullscreen"},
+                 {DisplayOp::SetDisplayMode, 0, "Screen Width"},
+                 {DisplayOp::CreateSurface, 0, "Screen Width"},
+                 {DisplayOp::GetAttachedSurface, 0, "Screen Width"},
+                 {DisplayOp::QuerySurface2, 0, "Error getting DirectDraw2 Surface!"},
+                 {DisplayOp::QuerySurface2, 1, "Error getting DirectDraw2 Surface!"}};
+    for (const auto& step : steps) {
+        DisplayApp t;
+        qvtest::WriteBlankArt();
+        HWND window = t.OpenWindow();
+        constexpr Result code = 0x88761234;
+        Platform::InjectDisplayFault(step.op, code, step.skip);
+        TraceRecorder trace;
+        EXPECT_EQ(t->display.Init(window), code) << &step - steps;
+        ASSERT_FALSE(trace.lines.empty()) << &step - steps;
+        EXPECT_EQ(trace.lines.back().text, step.lastTrace) << &step - steps;
+        EXPECT_EQ(t->display.GetBack(), nullptr) << &step - steps;
+        t->Shutdown(); // gives up what was held; a second time does nothing
+        t->Shutdown();
+        EXPECT_FALSE(t->display.HasDevice()) << &step - steps;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EachStep, DisplayInitFailure,
-    ::testing::Values(FailingStep{DisplayOp::Create, 0, "Creating direct draw object"},
-                      FailingStep{DisplayOp::QueryDevice2, 0, "Finding DD v3 interface"},
-                      FailingStep{DisplayOp::SetCooperativeLevel, 0, "Setting Cooperative Level, exclusive, fullscreen"},
-                      FailingStep{DisplayOp::SetDisplayMode, 0, "Screen Width"},
-                      FailingStep{DisplayOp::CreateSurface, 0, "Screen Width"},
-                      FailingStep{DisplayOp::GetAttachedSurface, 0, "Screen Width"},
-                      FailingStep{DisplayOp::QuerySurface2, 0, "Error getting DirectDraw2 Surface!"},
-                      FailingStep{DisplayOp::QuerySurface2, 1, "Error getting DirectDraw2 Surface!"}));
-
-TEST(DisplayInit, AMissingBlankBitmapFailsTheStart) // a missing art folder: see the next test
-{
-    DisplayApp noFile;
-    qvtest::WriteBitmap("art/title_screen.bmp", 2, 2, [](int, int) { return RGB(9, 9, 9); });
-    EXPECT_EQ(noFile->display.Init(noFile.OpenWindow()), ERROR_FILE_NOT_FOUND);
-}
-
+// A missing blank bitmap fails the start; a failed start shows the error and
+// ends start-up.
 TEST(DisplayInit, AFailedStartShowsTheErrorAndEndsStartUp)
 {
+    {
+        DisplayApp noFile;
+        qvtest::WriteBitmap("art/title_screen.bmp", 2, 2, [](int, int) { return RGB(9, 9, 9); });
+        EXPECT_EQ(noFile->display.Init(noFile.OpenWindow()), ERROR_FILE_NOT_FOUND);
+    }
     DisplayApp t;
     std::vector<std::string> boxes;
     Platform::SetMessageBoxHandler([&](HWND, const std::string& text, const std::string& caption, UINT) {
@@ -115,7 +111,6 @@ protected:
         SurfaceDesc desc{DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT, 32, 24, 0, DDSCAPS_OFFSCREENPLAIN};
         ASSERT_EQ(device->CreateSurface(desc, surface), DD_OK);
     }
-    void TearDown() override { Platform::ClearDisplayFaults(); }
     std::uint16_t Pixel(int x, int y) { return DisplayApp::PixelAt(*surface, x, y); }
     // An entry of the palette loaded from "art/palette.bmp", as red, green, blue and flags.
     static std::vector<int> Entry(const PalettePtr& palette, int i)
@@ -154,7 +149,10 @@ TEST_F(BitmapsTest, DrawBitmapFileChangesOnlyItsRectangle)
     EXPECT_EQ(DrawBitmapFile(nullptr, "art/red.bmp", 4, 4, 0, 0), 0u); // loaded, drawn nowhere
 }
 
-TEST_F(BitmapsTest, PaletteFromAnEightBitBitmapSwapsItsColoursAndKeepsTheBytesAfterThem)
+// An eight-bit bitmap gives its colour table, swapped to red, green, blue,
+// and the bytes after it; a true-colour one its bytes as they are. Once the
+// file has ended the rest is the default cube.
+TEST_F(BitmapsTest, PaletteFromEightBitAndTrueColourBitmaps)
 {
     std::vector<COLORREF> colours;
     for (int i = 0; i < 16; ++i)
@@ -168,20 +166,17 @@ TEST_F(BitmapsTest, PaletteFromAnEightBitBitmapSwapsItsColoursAndKeepsTheBytesAf
     EXPECT_EQ(Entry(palette, 5), (std::vector<int>{80, 5, 200, 0}));
     // Entry 16 holds the first four bytes after the table, unswapped.
     EXPECT_EQ(Entry(palette, 16), (std::vector<int>{118, 119, 120, 121}));
-    // The file ends after 8 pixel bytes: the rest is the default cube (entry 255 is white).
+    // The file ends after 8 pixel bytes (entry 255 of the cube is white).
     EXPECT_EQ(Entry(palette, 18), (std::vector<int>{0, 145, 170, 0}));
     EXPECT_EQ(Entry(palette, 255)[0], 255);
-}
 
-TEST_F(BitmapsTest, PaletteFromATrueColourBitmapTakesItsBytesAsTheyAre)
-{
     qvtest::WriteBitmap("art/palette.bmp", 2, 1, [](int x, int) { return x ? RGB(1, 2, 3) : RGB(4, 5, 6); });
-    PalettePtr palette = LoadPalette(device.get(), "art/palette.bmp");
+    palette = LoadPalette(device.get(), "art/palette.bmp");
     ASSERT_TRUE(palette);
     // Pixel bytes are blue, green, red: 6 5 4 3 2 1, then row padding 0 0.
     EXPECT_EQ(Entry(palette, 0), (std::vector<int>{6, 5, 4, 3}));
     EXPECT_EQ(Entry(palette, 1), (std::vector<int>{2, 1, 0, 0}));
-    EXPECT_EQ(Entry(palette, 2)[2], 170); // the file has ended: cube entry 2 is red 0, green 0, blue 170
+    EXPECT_EQ(Entry(palette, 2)[2], 170); // cube entry 2 is red 0, green 0, blue 170
 }
 
 } // namespace

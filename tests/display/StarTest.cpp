@@ -18,20 +18,6 @@ std::string Describe(const CStar& star)
            (star.IsRising() ? " rising" : " falling");
 }
 
-// The brightness after each twinkle, until the star has turned twice.
-std::vector<std::int32_t> TwinkleSequence(CStar star)
-{
-    std::vector<std::int32_t> seen;
-    for (int turns = 0; turns < 2;) {
-        const bool wasRising = star.IsRising();
-        star.Twinkle();
-        seen.push_back(star.GetBrightness());
-        turns += star.IsRising() != wasRising;
-    }
-    return seen;
-}
-
-
 // The lowest and highest draws, then the brightness after each twinkle until
 // the star has turned twice: it turns just past each end.
 TEST(StarTwinkle, DrawsAtTheEndsOfTheirRangesAndTurnsJustPastEachEnd)
@@ -44,7 +30,14 @@ TEST(StarTwinkle, DrawsAtTheEndsOfTheirRangesAndTurnsJustPastEachEnd)
     using Draws = std::array<std::int32_t, 5>;
     for (const auto& [draws, first, last] :
          {std::tuple(Draws{0, 0, 32767, 32767, 32767}, 222, 98), std::tuple(Draws{0, 0, 32767, 0, 0}, 98, 222)}) {
-        const auto seen = TwinkleSequence(CStar::FromDraws(draws, 1024, 768));
+        CStar star = CStar::FromDraws(draws, 1024, 768);
+        std::vector<std::int32_t> seen;
+        for (int turns = 0; turns < 2;) {
+            const bool wasRising = star.IsRising();
+            star.Twinkle();
+            seen.push_back(star.GetBrightness());
+            turns += star.IsRising() != wasRising;
+        }
         EXPECT_TRUE(seen.front() == first && seen.back() == last && seen.size() == 63u) << first;
     }
 }

@@ -92,61 +92,19 @@ TEST_F(Fitting, ArmourStopsAtTenPiecesHoweverItIsSplit)
     EXPECT_EQ(ship.GetSpaceLeft(), 10000);
 }
 
-TEST_F(Fitting, LasersTakeTheFirstFreeFireKey)
+TEST_F(Fitting, LasersTakeTheFirstFreeFireKeyRespectingKeysTheDesignScreenChanged)
 {
-    CLaser laser = Laser({}), another = Laser({});
+    CLaser laser = Laser({}), another = Laser({}), third = Laser({});
     Fit({&laser, &laser, &laser, &laser}); // the same offered laser, up to three times
     EXPECT_EQ(Keys(), "FDS");
+    static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
     ship.RemoveComponent(laser); // the first matching entry goes
-    EXPECT_EQ(Keys(), "DS");
     Fit({&another});
     EXPECT_EQ(another.GetFireKey(), 'F'); // the handed laser itself is given the key
-    EXPECT_EQ(Keys(), "DSF");
-}
-
-TEST_F(Fitting, KeysTheDesignScreenChangedAreRespected)
-{
-    CLaser a = Laser({}), b = Laser({}), c = Laser({}), d = Laser({});
-    Fit({&a, &b});
-    static_cast<CLaser*>(Listed()[0])->SetFireKey('A');
-    static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
-    Fit({&c});
-    EXPECT_EQ(Keys(), "AGF");
-    ship.RemoveComponent(a); // 'A' is free again, but 'F' and 'G' are taken
-    Fit({&d});
-    EXPECT_EQ(Keys(), "GFD");
-}
-
-TEST_F(Fitting, MassAndHullFollowTheArmourStack)
-{
-    CEngine engine = Engine(1000, 50);
-    CArmour heavy = Armour(20, 30), light = Armour(10, 40);
-    Fit({&engine, &heavy, &heavy, &light});
-    // 1.0 + 0.5 engine + 2 x 0.2 x 1.1 + 1 x 0.1 x 1.1
-    EXPECT_NEAR(ship.GetMass(), 2.05f, 1e-5);
-    EXPECT_EQ(ship.GetHullMax(), 200);
-    EXPECT_EQ(ship.GetHull(), 200);
-}
-
-TEST_F(Fitting, TopSpeedFollowsTheSailsAndTurnRateTheJets)
-{
-    CEngine engine = Engine(1000, 0, 500);
-    Fit({&engine});
-    EXPECT_EQ(ship.GetMaxSpeed(), 50); // no sails, whatever the engine
-    for (const auto& [sailSpeed, topSpeed] : {std::pair(10, 75), std::pair(30, 87), std::pair(150, 149)}) {
-        OpenShip s;
-        s.SetPlayerShip();
-        CSubspaceSail sail = Sail(100, 0, sailSpeed);
-        s.AddComponent(&sail);
-        EXPECT_EQ(s.GetMaxSpeed(), topSpeed) << sailSpeed;
-    }
-
-    EXPECT_EQ(ship.GetTurnRate(), 0.0); // no jets: cannot turn
-    CJet ten = Jet(100, 0, 10), ninety = Jet(100, 0, 45);
-    Fit({&ten});
-    EXPECT_NEAR(ship.GetTurnRate(), 0.000742, 1e-6);
-    Fit({&ninety, &ninety});
-    EXPECT_NEAR(ship.GetTurnRate(), 0.00525, 1e-5);
+    EXPECT_EQ(Keys(), "GSF");
+    ship.RemoveComponent(laser);
+    Fit({&third}); // 'D' is free again, and comes before 'A'
+    EXPECT_EQ(Keys(), "SFD");
 }
 
 } // namespace

@@ -5,14 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 using namespace qvtest;
 
 constexpr double Pi = 3.14159265358979;
-constexpr UINT KeyUp = 38, KeyRight = 39;
 
 // A game whose player's ship the test builds itself.
 struct Ships : ::testing::Test {
@@ -106,21 +104,6 @@ TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
     }
 }
 
-TEST_F(Ships, ThrustAddsTheSameSpeedEveryFrameUpToTheTopSpeed)
-{
-    CEngine engine = Engine(1000, 0, 1000); // thrust 10
-    CSubspaceSail sail = Sail(100, 0, 150); // top speed 149
-    Fit(*player, {&engine, &sail});
-    player->facing = Pi / 2;
-    player->PlayerKey(KeyUp, true);
-    for (int ms : {16, 16, 40, 8, 16})
-        player->Update(ms);
-    EXPECT_NEAR(player->vector.GetXSpeed(), 50.0f, 1e-3); // 10 a frame, whatever its length
-    for (int i = 0; i < 50; ++i)
-        player->Update(16);
-    EXPECT_NEAR(player->vector.GetXSpeed(), 149.0f, 1e-2);
-}
-
 // Recharge is milliseconds a unit: the energy systems of the highest
 // technology levels need 0 ms or less, and still give no energy in no time.
 TEST_F(Ships, EnergyRechargesTowardItsStorageAndStaysANumberAtEveryRecharge)
@@ -170,43 +153,6 @@ TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndFireOnlyOnTheScreen)
             EXPECT_NEAR(enemy->facing, 3 * Pi / 2, 1e-3); // aimed at the player to its left
         }
     }
-}
-
-TEST_F(Ships, AScriptedPlayerTurnsFiresAndBreaksAnAsteroid)
-{
-    // Engine, two jets, an energy system and one Parallel laser strong enough for a medium asteroid.
-    CEngine engine = Engine(3000, 40, 1000);
-    CJet jet = Jet(500, 2, 50);
-    CEnergySystem plant = Plant(300, 60);
-    CLaser laser = Laser({.speed = 300, .containment = 2000, .shots = 1, .damage = 400, .delay = 300,
-                          .energyUse = 10, .pattern = CLaser::Parallel});
-    Fit(*player, {&engine, &jet, &jet, &plant, &laser});
-    auto* rock = new CBody;
-    rock->SetVector(At(512 + 160, 384 - 40));
-    rock->SetAsteroid(2);
-    world.AddObject(rock);
-    const double bearing = std::atan2(160.0, 40.0); // as a facing: clockwise from up
-
-    int frames = 0;
-    t->SetGameState(StatePlaying); // keys reach the ship only in play
-    t->OnKey(KeyRight, true);
-    for (; player->facing < bearing && frames < 200; ++frames)
-        world.StepObjects(16);
-    t->OnKey(KeyRight, false);
-    ASSERT_LT(frames, 200) << "the ship never came round";
-    EXPECT_NEAR(player->facing, bearing, 0.1);
-
-    t->OnKey('F', true);
-    world.StepObjects(16);
-    t->OnKey('F', false);
-    ASSERT_EQ(CountObjects(world, ObjectProjectile), 1);
-    for (int i = 0; i < 90 && rock->IsAlive(); ++i)
-        world.StepObjects(16);
-    ASSERT_FALSE(rock->IsAlive());
-    int fragments = 0; // the medium asteroid breaks into three small ones
-    for (CLinkedItem* n = world.GetMasterList().GetHead(); n; n = n->GetNext())
-        fragments += n->GetData()->GetType() == ObjectBody && n->GetData()->GetRadius() == 7;
-    EXPECT_EQ(fragments, 3);
 }
 
 } // namespace

@@ -60,17 +60,6 @@ TEST_F(Collisions, CirclesTouchBelowTheSumOfTheRadiiOnlyAndBigOnesAcrossTheSweep
     }
 }
 
-TEST_F(Collisions, HeadOnEqualMassesSwapTheirMotionAndSplitTheImpact)
-{
-    // Moving diagonally so that neither heading is bent by a zero difference.
-    OpenObject* a = Make(300, 300, 100.0f, 100.0f, 10);
-    OpenObject* b = Make(310, 310, -100.0f, -100.0f, 10);
-    Pass();
-    EXPECT_EQ(a->lastDamage, static_cast<std::int32_t>(2 * 100.0 * std::sqrt(2.0)) / 2);
-    EXPECT_EQ(b->lastDamage, a->lastDamage);
-    EXPECT_NEAR(a->vector.GetXSpeed(), -100.0f, 0.01);
-}
-
 TEST_F(Collisions, AnObjectAtRestAddsNothingToTheImpactAndAPairMeetsOncePerFrame)
 {
     OpenObject* mover = Make(300, 300, 0.0f, 120.0f, 10);
@@ -88,34 +77,6 @@ TEST_F(Collisions, AnObjectAtRestAddsNothingToTheImpactAndAPairMeetsOncePerFrame
     EXPECT_EQ(a->hits, 1);
     Pass();
     EXPECT_EQ(a->hits, 2);
-}
-
-TEST_F(Collisions, ShotsOfOneSideCrossAndPowerupsTouchOnlyThePlayersShip)
-{
-    auto shot = [&](std::int32_t x, std::int32_t team) {
-        OpenObject* o = Make(x, 300, 0, 0, 2);
-        o->type = ObjectProjectile;
-        o->team = team;
-        return o;
-    };
-    OpenObject* p1 = shot(300, TeamPlayer);
-    OpenObject* p2 = shot(301, TeamPlayer);
-    OpenObject* e1 = shot(600, TeamEnemy);
-    OpenObject* p3 = shot(601, TeamPlayer);
-    Pass();
-    EXPECT_EQ(p1->hits + p2->hits, 0);
-    EXPECT_EQ(e1->hits + p3->hits, 2);
-
-    t->world.NewGame(1); // the player's ship sits at (512, 384)
-    auto* gold = new CPowerup;
-    gold->SetVector(qvtest::At(512, 380));
-    t->world.AddObject(gold);
-    OpenObject* rock = Make(500, 380, 0, 0, 10);
-    Pass();
-    EXPECT_EQ(rock->hits, 1); // met the ship, passed through the gold
-    EXPECT_FALSE(gold->IsAlive());
-    Pass(); // no longer collidable: collected once
-    EXPECT_EQ(t->world.GetPowerupsTaken(), 1);
 }
 
 TEST(Powerup, PickupGivesEnergyUpToTheShipsStorage)
@@ -148,54 +109,6 @@ TEST(GameObject, DiesPastItsLifetimeOrPastTheScreenEdgeByMoreThanItsRadius)
     EXPECT_TRUE(edge.Update(0));
     EXPECT_FALSE(beyond.Update(0));
     EXPECT_TRUE(free.Update(16));
-}
-
-TEST(GameObject, BounceReflectsOneAxisPerFrame)
-{
-    TestApp t;
-    // Out on two sides at once: the x wall first, the y wall next frame.
-    OpenObject corner(2, 2, -50.0f, -60.0f, 10);
-    corner.boundsMode = BoundsBounce;
-    ASSERT_TRUE(corner.Update(0));
-    EXPECT_EQ(corner.GetX(), 11);
-    EXPECT_FLOAT_EQ(corner.vector.GetXSpeed(), 50.0f);
-    EXPECT_EQ(corner.GetY(), 2);
-    ASSERT_TRUE(corner.Update(0));
-    EXPECT_EQ(corner.GetY(), 11);
-    EXPECT_FLOAT_EQ(corner.vector.GetYSpeed(), 60.0f);
-}
-
-TEST(GameObject, HoldsBothBandNodesOnlyWhileStraddlingABorder)
-{
-    TestApp t;
-    OpenObject o(300, 100, 0.0f, 1000.0f, 10);
-    // y 100: band 1 (76..151) alone; y 145 spans 135..155 into band 2; y 165 is wholly in band 2.
-    const struct {
-        std::int32_t ms, band, band2;
-    } steps[] = {{0, 1, -1}, {45, 1, 2}, {20, 2, -1}};
-    for (const auto& step : steps) {
-        ASSERT_TRUE(o.Update(step.ms));
-        EXPECT_EQ(o.GetBandItem()->GetOwner(), &t->world.GetBand(step.band)) << o.GetY();
-        EXPECT_EQ(o.GetBandItem2()->GetOwner(), step.band2 < 0 ? nullptr : &t->world.GetBand(step.band2)) << o.GetY();
-    }
-    EXPECT_EQ(t->world.GetBand(1).GetCount(), 0);
-}
-
-TEST(GameObject, AHitActsOnceAndHandsDamageOnlyToAnotherTeam)
-{
-    TestApp t;
-    OpenObject target(0, 0);
-    target.team = TeamEnemy;
-    target.diesOnHit = false;
-    for (std::int32_t team : {TeamPlayer, TeamEnemy}) {
-        OpenObject shot(0, 0);
-        shot.team = team;
-        shot.contactDamage = 9;
-        shot.OnHit(3, &target);
-        shot.OnHit(3, &target);
-    }
-    EXPECT_EQ(target.hits, 1);
-    EXPECT_EQ(target.lastDamage, 9);
 }
 
 TEST(Volleys, EachPatternPlacesAndAimsItsShots)

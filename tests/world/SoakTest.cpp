@@ -21,22 +21,14 @@ using qvtest::TestApp;
 constexpr UINT KeyLeft = 37, KeyUp = 38, KeyRight = 39, KeyDown = 40;
 constexpr std::int32_t DeathsBeforeMovingOn = 2;
 
-std::int32_t SoakLevels()
-{
-    const char* text = std::getenv("QV_SOAK_LEVELS");
-    const int levels = text ? std::atoi(text) : 0;
-    return levels > 0 ? levels : 2;
-}
-
 // What an enemy is worth when it dies, or 0 for anything that is no enemy.
 std::int32_t EnemyValue(const CGameObject& o, std::int32_t level)
 {
     if (o.GetType() == ObjectBody && static_cast<const CBody&>(o).GetBodyKind() == BodyMine)
         return level * 100;
-    if (o.GetType() == ObjectShip && o.GetTeam() == TeamEnemy &&
-        static_cast<const CShip&>(o).GetController() == ControllerComputer)
-        return static_cast<std::int32_t>((level + 10.0) * 20.0);
-    return 0;
+    const bool turret = o.GetType() == ObjectShip && o.GetTeam() == TeamEnemy &&
+                        static_cast<const CShip&>(o).GetController() == ControllerComputer;
+    return turret ? static_cast<std::int32_t>((level + 10.0) * 20.0) : 0;
 }
 
 std::map<const CGameObject*, std::int32_t> Enemies(const CWorld& world)
@@ -54,24 +46,16 @@ void CheckLists(CGameApp& app)
 {
     const CWorld& world = app.world;
     const CLinkedList& master = world.GetMasterList();
-    std::int32_t walked = 0;
-    std::int32_t looks = 0;
+    std::int32_t walked = 0, looks = 0;
     const CLinkedItem* previous = nullptr;
-    for (CLinkedItem* n = master.GetHead(); n; n = n->GetNext()) {
-        ASSERT_EQ(n->GetPrev(), previous);
-        ASSERT_EQ(n->GetOwner(), &master);
+    for (CLinkedItem* n = master.GetHead(); n; previous = n, n = n->GetNext(), ++walked) {
+        ASSERT_TRUE(n->GetPrev() == previous && n->GetOwner() == &master);
         const CGameObject* o = n->GetData();
         // Only the player's ship, which died of old age at the end of its explosion, is left without a look.
-        if (o->GetSprite())
-            ++looks;
-        else
-            ASSERT_EQ(o, world.GetPlayerObject());
-        for (auto [node, band] : {std::pair{o->GetBandItem(), o->GetBand()}, {o->GetBandItem2(), o->GetBand2()}}) {
-            const CLinkedList* expected = band == CGameObject::NoBand ? nullptr : &world.GetBand(band);
-            ASSERT_EQ(node->GetOwner(), expected);
-        }
-        previous = n;
-        ++walked;
+        ASSERT_TRUE(o->GetSprite() || o == world.GetPlayerObject());
+        looks += o->GetSprite() != nullptr;
+        for (auto [node, band] : {std::pair{o->GetBandItem(), o->GetBand()}, {o->GetBandItem2(), o->GetBand2()}})
+            ASSERT_EQ(node->GetOwner(), band == CGameObject::NoBand ? nullptr : &world.GetBand(band));
     }
     ASSERT_EQ(master.GetTail(), previous);
     ASSERT_EQ(walked, master.GetCount());
@@ -79,85 +63,59 @@ void CheckLists(CGameApp& app)
     ASSERT_EQ(static_cast<std::int32_t>(app.liveSprites.size()), looks) << "a look outlived its object";
 
     for (std::int32_t b = 0; b < CWorld::BandCount; ++b) {
-        const CLinkedList& band = world.GetBand(b);
         std::int32_t inBand = 0;
-        for (CLinkedItem* n = band.GetHead(); n; n = n->GetNext()) {
+        for (CLinkedItem* n = world.GetBand(b).GetHead(); n; n = n->GetNext(), ++inBand) {
             const CGameObject* o = n->GetData();
             ASSERT_EQ(o->GetMasterItem()->GetOwner(), &master);
             ASSERT_TRUE((n == o->GetBandItem() && o->GetBand() == b) || (n == o->GetBandItem2() && o->GetBand2() == b));
-            if (n->GetNext()) {
-                ASSERT_LE(o->GetX(), n->GetNext()->GetData()->GetX());
-            }
-            ++inBand;
+            ASSERT_TRUE(!n->GetNext() || o->GetX() <= n->GetNext()->GetData()->GetX());
         }
-        ASSERT_EQ(inBand, band.GetCount());
+        ASSERT_EQ(inBand, world.GetBand(b).GetCount());
     }
 }
 
-// Steers toward the nearest enemy and holds the fire keys when it is ahead;
-// now and then a random key goes down or up.
-class CPilot {
-public:
-    CPilot(CGameDriver& gameDriver, std::uint32_t seed) : driver(gameDriver), noise(seed) {}
-
-    void Fly()
-    {
-        CShip* ship = driver.Player();
-        if (!ship)
-            return;
-        double distance = 0.0;
-        const CGameObject* target = Nearest(*ship, distance);
-        double turn = 0.0;
-        bool flee = false;
-        if (target) {
-            double bearing = std::atan2(target->GetX() - ship->GetX(), -(target->GetY() - ship->GetY())); // a facing
-            // Too close: turn tail and run; otherwise face it and shoot.
-            flee = distance < 120.0;
-            if (flee)
-                bearing += M_PI;
-            turn = std::remainder(bearing - ship->GetFacing(), 2 * M_PI);
-        }
-        driver.Key(KeyRight, turn > 0.1);
-        driver.Key(KeyLeft, turn < -0.1);
-        driver.Key(KeyUp, flee && std::fabs(turn) < 0.5);
-        for (UINT fire : {'F', 'D', 'S'})
-            driver.Key(fire, target && !flee && std::fabs(turn) < 0.3);
-        if (std::uniform_int_distribution<int>(0, 19)(noise) == 0) {
-            const UINT keys[] = {KeyLeft, KeyUp, KeyRight, KeyDown, 'F', 'D', 'S', 'A', 'G', 'Q', '7', ' '};
-            const UINT key = keys[std::uniform_int_distribution<int>(0, 11)(noise)];
-            driver.Key(key, std::uniform_int_distribution<int>(0, 1)(noise) == 1);
-        }
+// Steers toward the nearest live enemy or body and holds the fire keys when
+// it is ahead, or turns tail and runs when it is too close; now and then a
+// random key goes down or up.
+void Fly(CGameDriver& driver, std::minstd_rand& noise)
+{
+    const CShip* ship = driver.Player();
+    if (!ship)
+        return;
+    const CGameObject* target = nullptr;
+    double distance = 1e18;
+    for (CLinkedItem* n = driver.World().GetMasterList().GetHead(); n; n = n->GetNext()) {
+        const CGameObject* o = n->GetData();
+        const double d = std::hypot(o->GetX() - ship->GetX(), o->GetY() - ship->GetY());
+        if (o->IsAlive() && (o->GetTeam() == TeamEnemy || o->GetType() == ObjectBody) && d < distance)
+            target = o, distance = d;
     }
-
-private:
-    // The nearest live enemy or body, and how far it is.
-    const CGameObject* Nearest(const CShip& ship, double& bestDistance) const
-    {
-        const CGameObject* best = nullptr;
-        bestDistance = 1e18;
-        for (CLinkedItem* n = driver.World().GetMasterList().GetHead(); n; n = n->GetNext()) {
-            const CGameObject* o = n->GetData();
-            const double d = std::hypot(o->GetX() - ship.GetX(), o->GetY() - ship.GetY());
-            if (o->IsAlive() && (o->GetTeam() == TeamEnemy || o->GetType() == ObjectBody) && d < bestDistance) {
-                bestDistance = d;
-                best = o;
-            }
-        }
-        return best;
+    const bool flee = target && distance < 120.0;
+    double turn = 0.0;
+    if (target) // the bearing as a facing
+        turn = std::remainder(std::atan2(target->GetX() - ship->GetX(), -(target->GetY() - ship->GetY())) +
+                                  (flee ? M_PI : 0.0) - ship->GetFacing(), 2 * M_PI);
+    driver.Key(KeyRight, turn > 0.1);
+    driver.Key(KeyLeft, turn < -0.1);
+    driver.Key(KeyUp, flee && std::fabs(turn) < 0.5);
+    for (UINT fire : {'F', 'D', 'S'})
+        driver.Key(fire, target && !flee && std::fabs(turn) < 0.3);
+    if (std::uniform_int_distribution<int>(0, 19)(noise) == 0) {
+        const UINT keys[] = {KeyLeft, KeyUp, KeyRight, KeyDown, 'F', 'D', 'S', 'A', 'G', 'Q', '7', ' '};
+        const UINT key = keys[std::uniform_int_distribution<int>(0, 11)(noise)];
+        driver.Key(key, std::uniform_int_distribution<int>(0, 1)(noise) == 1);
     }
-
-    CGameDriver& driver;
-    std::minstd_rand noise;
-};
+}
 
 TEST(Soak, AutopilotedGamesKeepTheWorldsBooksStraight)
 {
-    const std::int32_t target = SoakLevels();
+    const char* levels = std::getenv("QV_SOAK_LEVELS");
+    const std::int32_t target = levels && std::atoi(levels) > 0 ? std::atoi(levels) : 2;
     std::vector<CReplay> replays;
     {
         TestApp t(20240611);
         CGameDriver driver(*t);
-        CPilot pilot(driver, 77);
+        std::minstd_rand noise(77);
         std::minstd_rand frameTimes(5);
         std::uniform_real_distribution<double> frameMs(8.0, 34.0);
 
@@ -171,12 +129,9 @@ TEST(Soak, AutopilotedGamesKeepTheWorldsBooksStraight)
         while (highestLevel <= target) {
             CWorld& world = driver.World();
             if (driver.GetGameState() == StateDesign) {
-                if (world.GetLevel() > highestLevel) {
-                    highestLevel = world.GetLevel();
-                    deathsHere = 0;
-                }
-                if (!opening)
-                    ++levelsCompleted;
+                if (world.GetLevel() > highestLevel)
+                    highestLevel = world.GetLevel(), deathsHere = 0;
+                levelsCompleted += !opening;
                 opening = false;
                 driver.Refit();
                 driver.StartLevel();
@@ -184,16 +139,14 @@ TEST(Soak, AutopilotedGamesKeepTheWorldsBooksStraight)
             }
             if (driver.GetGameState() == StateMenu) { // the ship was lost: play on from the same level
                 ++games;
-                const std::int32_t level = world.GetLevel();
-                driver.StartGame(++deathsHere >= DeathsBeforeMovingOn ? level + 1 : level);
+                driver.StartGame(world.GetLevel() + (++deathsHere >= DeathsBeforeMovingOn));
                 replays.push_back(t->recorder.GetFinished());
                 opening = true;
                 continue;
             }
 
-            pilot.Fly();
-            const std::int32_t levelBefore = world.GetLevel();
-            const std::int32_t scoreBefore = world.GetScore();
+            Fly(driver, noise);
+            const std::int32_t levelBefore = world.GetLevel(), scoreBefore = world.GetScore();
             const auto enemiesBefore = Enemies(world);
             const double ms = frameMs(frameTimes);
             driver.Frame(ms);
@@ -206,8 +159,7 @@ TEST(Soak, AutopilotedGamesKeepTheWorldsBooksStraight)
             if (world.GetLevel() == levelBefore) {
                 std::int32_t earned = 0;
                 for (const auto& [enemy, value] : enemiesBefore)
-                    if (!enemiesAfter.count(enemy))
-                        earned += value;
+                    earned += enemiesAfter.count(enemy) ? 0 : value;
                 ASSERT_EQ(world.GetScore() - scoreBefore, earned) << "frame " << frames;
             }
             ASSERT_LT(frames, 5000000) << "the soak never got through its levels";
