@@ -1,18 +1,9 @@
-"""Plays the real game the way a player does, for the end-to-end tests.
-
-A flow is a file test_<flow>.py here, registered by CMake as the CTest test
-e2e.<flow>. `Game` starts `quelvarion` on an X server of its own (Xvfb) in a
-scratch folder whose data files link to the built game data, presses real
-keys (xdotool) and takes screenshots (ImageMagick) as `Screen`s, whose
-`at_game` picks a rectangle of the game's own 1024 x 768 picture wherever the
-letterbox puts it. With `record=True` the game plays through SDL's disk audio
-driver and `Recording` measures what it played. Runs that end before a game
-begins go through `run_program`. Every wait is on a condition (`wait_until`)
-with a generous bound: the machine may be busy.
-
-Environment, set by CTest: QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR (the built
-game data), QV_BUILD_DIR and QV_ASSETGEN (the data generator).
-"""
+"""Plays the real game the way a player does, for the end-to-end flows
+(test_<flow>.py, the CTest test e2e.<flow>): `Game` starts it on an X server
+of its own, presses keys and takes screenshots (`Screen`); `Recording` is what
+it played; `run_program` runs what ends before a game begins. Every wait is
+on a condition, with a generous bound: the machine may be busy. CTest sets
+QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR, QV_BUILD_DIR and QV_ASSETGEN."""
 
 import array
 import ctypes
@@ -170,9 +161,6 @@ class Recording:
 
     def seconds(self):
         return len(self.peaks) / 100
-
-    def at_full_scale(self):
-        return sum(self.samples.count(v) for v in (FULL_SCALE, -FULL_SCALE, -FULL_SCALE - 1))
 
     def silences(self, start=0.0, end=None):
         """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
@@ -425,11 +413,10 @@ class Game:
         """Asks the window to close as a window manager does (WM_DELETE_WINDOW)."""
         x11 = ctypes.CDLL(ctypes.util.find_library("X11"))
         x11.XOpenDisplay.restype = ctypes.c_void_p
-        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
         x11.XInternAtom.restype = ctypes.c_ulong
         x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
         x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
-        x11.XFlush.argtypes = x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
         connection = x11.XOpenDisplay(self.display.encode())
         if not connection:
             fail("cannot reach the X server")
@@ -438,8 +425,7 @@ class Game:
                                message_type=x11.XInternAtom(connection, b"WM_PROTOCOLS", 0), format=32)
         event.data[0] = x11.XInternAtom(connection, b"WM_DELETE_WINDOW", 0)
         x11.XSendEvent(connection, event.window, 0, 0, ctypes.byref(event))
-        x11.XFlush(connection)
-        x11.XCloseDisplay(connection)
+        x11.XCloseDisplay(connection)  # which sends the event on
 
     def window_size(self):
         shell = self.x("xdotool", "getwindowgeometry", "--shell", self.current_window())
@@ -558,19 +544,21 @@ class XServer:
         return False
 
 
+def on_display(display, *command, timeout=10):
+    return subprocess.run(command, env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
+                          timeout=timeout).stdout
+
+
 def find_window(display, title):
     """The newest visible window of that title on display, or None."""
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
-                           env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
-                           timeout=10).stdout.split()
+    found = on_display(display, "xdotool", "search", "--onlyvisible", "--name", f"^{title}$").split()
     return found[-1] if found else None
 
 
 def find_error_box(display):
     # The box's title is typed UTF-8, which xdotool's search by name does not read.
-    tree = subprocess.run(["xwininfo", "-root", "-tree"], env=dict(os.environ, DISPLAY=display),
-                          capture_output=True, text=True, timeout=10).stdout
-    found = [line.split()[0] for line in tree.splitlines() if '"ERROR"' in line]
+    found = [line.split()[0] for line in on_display(display, "xwininfo", "-root", "-tree").splitlines()
+             if '"ERROR"' in line]
     return found[-1] if found else None
 
 
@@ -586,14 +574,11 @@ def wait_error_box(display, process):
 def dismiss_error_box(display, process):
     """Presses Enter on the error box a failed start shows until the program has
     ended and its box is gone, so that no later program is taken for it."""
-    env = dict(os.environ, DISPLAY=display)
-
     def answered():
         box = find_error_box(display)
         try:  # a key that reached the box before it could take it is pressed again
             if box:
-                subprocess.run(["xdotool", "windowfocus", "--sync", box, "key", "Return"], env=env,
-                               capture_output=True, timeout=2)
+                on_display(display, "xdotool", "windowfocus", "--sync", box, "key", "Return", timeout=2)
         except subprocess.TimeoutExpired:
             pass
         return not box and process.poll() is not None

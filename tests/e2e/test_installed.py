@@ -12,7 +12,7 @@ import subprocess
 import tempfile
 
 from quelvarion_e2e import (SETTINGS_FILE, Game, as_ordinary_user, expect_equal, expect_normal_end, fail,
-                            run, settings_text, showing_title, unprivileged_user)
+                            run, settings_text, unprivileged_user)
 
 SETTINGS = settings_text({"Start Level": "2", "Sound FX": "Off"}, [("IDA", 1700)])
 # What a played game leaves in the folder it ran in.
@@ -107,7 +107,6 @@ def installed():
         check_installation(prefix)
         check_launcher_folders(prefix)
         with Game(settings=SETTINGS, installed=prefix) as game:
-            game.wait_for_screen(showing_title)
             game.wait_title_pause()
             game.terminate()
             expect_normal_end(game, SETTINGS)
