@@ -181,10 +181,8 @@ class HeldOpen:
 
 def check_interrupted(replay, number, what):
     """A replay being checked ends at a signal, leaving nothing behind. The
-    check is caught at its opening of the replay, its scratch folder made,
-    and stopped there, so that the signal finds it at work as it would find
-    the check of a replay hours long. The replay at hand is short: a check
-    let go may finish before its signal is heard."""
+    check is stopped at its opening of the replay, its scratch folder made, so
+    that the signal finds it at work (a short check let go may finish first)."""
     beside = sorted(os.listdir(os.path.dirname(replay)))
     temporary = tempfile.mkdtemp(dir=os.path.dirname(replay))
     held = HeldOpen(replay)
@@ -243,7 +241,24 @@ def box_faults(scratch):
             wait_until(gone, f"{what}: the box's process {helpers} ended with the program", timeout=5)
 
 
-def replace(name, make):
+def sparse(path):
+    with open(path, "wb") as f:
+        f.truncate(SPARSE_BYTES)
+
+
+# Hostile files: (what, the file, what stands in its place, the name the line
+# gives). The game starts all the same, names the file, stays small, and
+# leaves it as it was.
+HOSTILE_FILES = [
+    ("settings linked to /dev/zero", SETTINGS_FILE, lambda path: os.symlink("/dev/zero", path), SETTINGS_FILE),
+    ("settings a folder", SETTINGS_FILE, os.mkdir, "it is a folder"),
+    ("sprite list a pipe", "sprite.ini", os.mkfifo, "sprite.ini"),
+    ("sprite list of 2 GB", "sprite.ini", sparse, "sprite.ini"),
+    ("start-up sound a pipe", "startup.wav", os.mkfifo, "startup.wav"),
+]
+
+
+def in_place_of(name, make):
     def prepare(folder):
         path = os.path.join(folder, name)
         if os.path.lexists(path):
@@ -252,33 +267,13 @@ def replace(name, make):
     return prepare
 
 
-def sparse(path):
-    with open(path, "wb") as f:
-        f.truncate(SPARSE_BYTES)
-
-
-def to_zero(path):
-    os.symlink("/dev/zero", path)
-
-
-# Hostile files: (what, prepare the folder, the name the line gives). The game
-# starts all the same, names the file, stays small, and leaves it as it was.
-HOSTILE_FILES = [
-    ("settings linked to /dev/zero", replace(SETTINGS_FILE, to_zero), SETTINGS_FILE),
-    ("settings a folder", replace(SETTINGS_FILE, os.mkdir), "it is a folder"),
-    ("sprite list a pipe", replace("sprite.ini", os.mkfifo), "sprite.ini"),
-    ("sprite list of 2 GB", replace("sprite.ini", sparse), "sprite.ini"),
-    ("start-up sound a pipe", replace("startup.wav", os.mkfifo), "startup.wav"),
-]
-
-
 def hostile_files(scratch):
-    for what, prepare, words in HOSTILE_FILES:
-        with Game(prepare=prepare) as game:
+    for what, name, make, words in HOSTILE_FILES:
+        with Game(prepare=in_place_of(name, make)) as game:
             game.wait_said(words)
             game.terminate()
             expect_ended(game.game, (0, ENDED_AT_ONCE + signal.SIGTERM), what, prompt=False, memory=True)
-            if what.startswith("settings") and os.path.isfile(game.settings_path()):
+            if name == SETTINGS_FILE and os.path.isfile(game.settings_path()):
                 fail(f"{what}: replaced by a file")
     for what, make in (("replay a pipe", os.mkfifo), ("replay of 2 GB", sparse), ("replay a folder", os.mkdir)):
         path = os.path.join(scratch, "hostile.qvr")
