@@ -95,12 +95,12 @@ class Screen:
     def game_picture(self):
         return self.crop(*self.game_area())
 
-    def bars(self):
-        """The letterbox bars around the game's picture, as screens (possibly empty)."""
-        ax, ay, aw, ah = self.game_area()
-        parts = [self.crop(0, 0, self.width, ay), self.crop(0, ay + ah, self.width, self.height - ay - ah),
-                 self.crop(0, 0, ax, self.height), self.crop(ax + aw, 0, self.width - ax - aw, self.height)]
-        return [p for p in parts if p.width and p.height]
+    def drawn_box(self):
+        """x, y, width and height of the smallest rectangle holding every pixel that is not black."""
+        found = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
+                                "-format", "%@", "info:"], input=self.pixels, capture_output=True, check=True).stdout
+        width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
+        return x, y, width, height
 
     def brightest(self):
         return max(self.pixels) if self.pixels else 0

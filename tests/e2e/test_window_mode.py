@@ -7,7 +7,6 @@ remembered too, as are the volume keys' steps. F12 keeps the game's frame as
 a PNG, and keys of the player's own stand for the game's."""
 import os
 import re
-import subprocess
 import tempfile
 
 from quelvarion_e2e import (NO_STARS, SCREEN_HEIGHT, SCREEN_WIDTH, TITLE_PAUSE_S, Game, expect_equal, fail,
@@ -57,25 +56,17 @@ def window_mode():
                     check_trace(game.log_path())
 
 
-def drawn_box(shot):
-    """x, y, width and height of the smallest rectangle holding every pixel that is not black."""
-    found = subprocess.run(["convert", "-size", f"{shot.width}x{shot.height}", "-depth", "8", "rgb:-",
-                            "-format", "%@", "info:"], input=shot.pixels, capture_output=True, check=True).stdout
-    width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
-    return x, y, width, height
-
-
 def expect_picture_in(game, box, what):
     """Waits until all that is drawn lies in box and reaches across most of it."""
     x, y, w, h = box
 
     def fits(shot):
-        dx, dy, dw, dh = drawn_box(shot)
+        dx, dy, dw, dh = shot.drawn_box()
         return dx >= x and dy >= y and dx + dw <= x + w and dy + dh <= y + h and dw > 0.9 * w and dh > 0.9 * h
     try:
         game.wait_for_screen(fits, timeout=20, every=0.5)
     except AssertionError:
-        fail(f"{what}: the picture is not in {box} but in {drawn_box(game.screenshot())}")
+        fail(f"{what}: the picture is not in {box} but in {game.screenshot().drawn_box()}")
 
 
 def scaling():
