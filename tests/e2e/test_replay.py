@@ -85,14 +85,13 @@ def record(replay_file, snapshots):
 
 def compare_pictures(recorded, replayed, frame):
     ours, theirs = (picture_file(path, GAME_WIDTH, GAME_HEIGHT) for path in (recorded, replayed))
-    marker_top = GAME_HEIGHT - MARKER_HEIGHT
-    for where, box in (("above the marker", (0, 0, GAME_WIDTH, marker_top)),
-                       ("beside the marker", (MARKER_WIDTH, marker_top, GAME_WIDTH - MARKER_WIDTH, MARKER_HEIGHT))):
-        if ours.crop(*box).pixels != theirs.crop(*box).pixels:
-            fail(f"frame {frame}: the replay's picture differs from the game's {where}")
-    if ours.crop(0, marker_top, MARKER_WIDTH, MARKER_HEIGHT).pixels == theirs.crop(0, marker_top, MARKER_WIDTH,
-                                                                                   MARKER_HEIGHT).pixels:
-        fail(f"frame {frame}: no replay marker in the bottom left corner")
+    top = GAME_HEIGHT - MARKER_HEIGHT
+    # (where, the part of the picture, whether the game's and the replay's are the same there)
+    for where, box, same in (("above the marker", (0, 0, GAME_WIDTH, top), True),
+                             ("beside the marker", (MARKER_WIDTH, top, GAME_WIDTH - MARKER_WIDTH, MARKER_HEIGHT), True),
+                             ("in the marker's corner", (0, top, MARKER_WIDTH, MARKER_HEIGHT), False)):
+        if (ours.crop(*box).pixels == theirs.crop(*box).pixels) != same:
+            fail(f"frame {frame}: the replay's picture {'differs from' if same else 'is'} the game's {where}")
 
 
 def replay_flow():
