@@ -26,6 +26,10 @@ SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
 TITLE_PAUSE_S = 6
 SETTINGS_FILE = "quelvarion.ini"
 LAST_GAME = "last-game.qvr"
+# What a game played in a folder leaves there. The installation flow puts them
+# in the build's game data for a while: a flow beside it must not link them,
+# or its game saves through the link into the build's data, for good.
+PLAYER_FILES = (SETTINGS_FILE, LAST_GAME, ".quelvarion.lock", f"{SETTINGS_FILE}.4242.tmp", "trace.log")
 MAIN_MENU = ["New Game", "Help", "About", "Options", "High Scores", "Exit Game"]
 OPTIONS = ["Start Level", "Music", "Sound FX", "Background Stars", "Ship/Turrent Stats"]
 NO_STARS = {"Background Stars": "Off"}
@@ -320,11 +324,9 @@ class Game:
 
     def copy_game_for_ordinary_user(self):
         # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
-        for name in os.listdir(self.data):
-            if name != SETTINGS_FILE and not name.startswith("."):
-                source = os.path.join(self.data, name)
-                copy = shutil.copytree if os.path.isdir(source) else shutil.copy
-                copy(source, os.path.join(self.folder, name))
+        for name in game_data(self.data):
+            source = os.path.join(self.data, name)
+            (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, os.path.join(self.folder, name))
         self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
 
     def start(self, command, **streams):
@@ -598,13 +600,16 @@ def as_ordinary_user(command):
     return ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--"] + command
 
 
+def game_data(data):
+    """The names of the game's own files in data, the player's left out."""
+    return [name for name in os.listdir(data) if name not in PLAYER_FILES and not name.startswith(".")]
+
+
 def link_game_data(folder, tune=None):
     """Links to every file of the built game data; tune, when given, stands for the background tune."""
     data = os.environ["QV_GAME_DIR"]
-    for name in os.listdir(data):
-        if name != SETTINGS_FILE and not name.startswith("."):
-            source = tune if name == "background.mid" and tune else os.path.join(data, name)
-            os.symlink(source, os.path.join(folder, name))
+    for name in game_data(data):
+        os.symlink(tune if name == "background.mid" and tune else os.path.join(data, name), os.path.join(folder, name))
 
 
 def replace_art(folder, blank=None):

@@ -10,12 +10,10 @@ import shutil
 import subprocess
 import tempfile
 
-from quelvarion_e2e import (SETTINGS_FILE, Game, as_ordinary_user, expect_equal, expect_normal_end, fail,
+from quelvarion_e2e import (PLAYER_FILES, SETTINGS_FILE, Game, as_ordinary_user, expect_equal, expect_normal_end, fail,
                             run, settings_text, unprivileged_user)
 
 SETTINGS = settings_text({"Start Level": "2", "Sound FX": "Off"}, [("IDA", 1700)])
-# What a played game leaves in the folder it ran in.
-PLAYER_FILES = (SETTINGS_FILE, "last-game.qvr", ".quelvarion.lock", f"{SETTINGS_FILE}.4242.tmp", "trace.log")
 VALIDATORS = [["desktop-file-validate", "share/applications/quelvarion.desktop"],
               ["appstreamcli", "validate", "--no-net", "share/metainfo/io.github.quelvarion.Quelvarion.metainfo.xml"]]
 
