@@ -1,18 +1,9 @@
-"""Plays the real game the way a player does, for the end-to-end tests.
-
-A flow is a file test_<flow>.py here, registered by CMake as the CTest test
-e2e.<flow>. `Game` starts `quelvarion` on an X server of its own (Xvfb) in a
-scratch folder whose data files link to the built game data, presses real
-keys (xdotool) and takes screenshots (ImageMagick) as `Screen`s, whose
-`at_game` picks a rectangle of the game's own 1024 x 768 picture wherever the
-letterbox puts it. With `record=True` the game plays through SDL's disk audio
-driver and `Recording` measures what it played. Runs that end before a game
-begins go through `run_program`. Every wait is on a condition (`wait_until`)
-with a generous bound: the machine may be busy.
-
-Environment, set by CTest: QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR (the built
-game data), QV_BUILD_DIR and QV_ASSETGEN (the data generator).
-"""
+"""Plays the real game the way a player does, for the end-to-end flows
+(test_<flow>.py, the CTest test e2e.<flow>): `Game` starts it on an X server
+of its own, presses keys and takes screenshots (`Screen`); `Recording` is what
+it played; `run_program` runs what ends before a game begins. Every wait is
+on a condition, with a generous bound: the machine may be busy. CTest sets
+QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR, QV_BUILD_DIR and QV_ASSETGEN."""
 
 import array
 import ctypes
@@ -35,6 +26,10 @@ SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
 TITLE_PAUSE_S = 6
 SETTINGS_FILE = "quelvarion.ini"
 LAST_GAME = "last-game.qvr"
+# What a game played in a folder leaves there. The installation flow puts them
+# in the build's game data for a while: a flow beside it must not link them,
+# or its game saves through the link into the build's data, for good.
+PLAYER_FILES = (SETTINGS_FILE, LAST_GAME, ".quelvarion.lock", f"{SETTINGS_FILE}.4242.tmp", "trace.log")
 MAIN_MENU = ["New Game", "Help", "About", "Options", "High Scores", "Exit Game"]
 OPTIONS = ["Start Level", "Music", "Sound FX", "Background Stars", "Ship/Turrent Stats"]
 NO_STARS = {"Background Stars": "Off"}
@@ -104,12 +99,12 @@ class Screen:
     def game_picture(self):
         return self.crop(*self.game_area())
 
-    def bars(self):
-        """The letterbox bars around the game's picture, as screens (possibly empty)."""
-        ax, ay, aw, ah = self.game_area()
-        parts = [self.crop(0, 0, self.width, ay), self.crop(0, ay + ah, self.width, self.height - ay - ah),
-                 self.crop(0, 0, ax, self.height), self.crop(ax + aw, 0, self.width - ax - aw, self.height)]
-        return [p for p in parts if p.width and p.height]
+    def drawn_box(self):
+        """x, y, width and height of the smallest rectangle holding every pixel that is not black."""
+        found = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
+                                "-format", "%@", "info:"], input=self.pixels, capture_output=True, check=True).stdout
+        width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
+        return x, y, width, height
 
     def brightest(self):
         return max(self.pixels) if self.pixels else 0
@@ -170,9 +165,6 @@ class Recording:
 
     def seconds(self):
         return len(self.peaks) / 100
-
-    def at_full_scale(self):
-        return sum(self.samples.count(v) for v in (FULL_SCALE, -FULL_SCALE, -FULL_SCALE - 1))
 
     def silences(self, start=0.0, end=None):
         """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
@@ -332,11 +324,9 @@ class Game:
 
     def copy_game_for_ordinary_user(self):
         # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
-        for name in os.listdir(self.data):
-            if name != SETTINGS_FILE and not name.startswith("."):
-                source = os.path.join(self.data, name)
-                copy = shutil.copytree if os.path.isdir(source) else shutil.copy
-                copy(source, os.path.join(self.folder, name))
+        for name in game_data(self.data):
+            source = os.path.join(self.data, name)
+            (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, os.path.join(self.folder, name))
         self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
 
     def start(self, command, **streams):
@@ -425,11 +415,10 @@ class Game:
         """Asks the window to close as a window manager does (WM_DELETE_WINDOW)."""
         x11 = ctypes.CDLL(ctypes.util.find_library("X11"))
         x11.XOpenDisplay.restype = ctypes.c_void_p
-        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
         x11.XInternAtom.restype = ctypes.c_ulong
         x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
         x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
-        x11.XFlush.argtypes = x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
         connection = x11.XOpenDisplay(self.display.encode())
         if not connection:
             fail("cannot reach the X server")
@@ -438,8 +427,7 @@ class Game:
                                message_type=x11.XInternAtom(connection, b"WM_PROTOCOLS", 0), format=32)
         event.data[0] = x11.XInternAtom(connection, b"WM_DELETE_WINDOW", 0)
         x11.XSendEvent(connection, event.window, 0, 0, ctypes.byref(event))
-        x11.XFlush(connection)
-        x11.XCloseDisplay(connection)
+        x11.XCloseDisplay(connection)  # which sends the event on
 
     def window_size(self):
         shell = self.x("xdotool", "getwindowgeometry", "--shell", self.current_window())
@@ -558,19 +546,21 @@ class XServer:
         return False
 
 
+def on_display(display, *command, timeout=10):
+    return subprocess.run(command, env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
+                          timeout=timeout).stdout
+
+
 def find_window(display, title):
     """The newest visible window of that title on display, or None."""
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
-                           env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
-                           timeout=10).stdout.split()
+    found = on_display(display, "xdotool", "search", "--onlyvisible", "--name", f"^{title}$").split()
     return found[-1] if found else None
 
 
 def find_error_box(display):
     # The box's title is typed UTF-8, which xdotool's search by name does not read.
-    tree = subprocess.run(["xwininfo", "-root", "-tree"], env=dict(os.environ, DISPLAY=display),
-                          capture_output=True, text=True, timeout=10).stdout
-    found = [line.split()[0] for line in tree.splitlines() if '"ERROR"' in line]
+    found = [line.split()[0] for line in on_display(display, "xwininfo", "-root", "-tree").splitlines()
+             if '"ERROR"' in line]
     return found[-1] if found else None
 
 
@@ -586,14 +576,11 @@ def wait_error_box(display, process):
 def dismiss_error_box(display, process):
     """Presses Enter on the error box a failed start shows until the program has
     ended and its box is gone, so that no later program is taken for it."""
-    env = dict(os.environ, DISPLAY=display)
-
     def answered():
         box = find_error_box(display)
         try:  # a key that reached the box before it could take it is pressed again
             if box:
-                subprocess.run(["xdotool", "windowfocus", "--sync", box, "key", "Return"], env=env,
-                               capture_output=True, timeout=2)
+                on_display(display, "xdotool", "windowfocus", "--sync", box, "key", "Return", timeout=2)
         except subprocess.TimeoutExpired:
             pass
         return not box and process.poll() is not None
@@ -613,13 +600,16 @@ def as_ordinary_user(command):
     return ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--"] + command
 
 
+def game_data(data):
+    """The names of the game's own files in data, the player's left out."""
+    return [name for name in os.listdir(data) if name not in PLAYER_FILES and not name.startswith(".")]
+
+
 def link_game_data(folder, tune=None):
     """Links to every file of the built game data; tune, when given, stands for the background tune."""
     data = os.environ["QV_GAME_DIR"]
-    for name in os.listdir(data):
-        if name != SETTINGS_FILE and not name.startswith("."):
-            source = tune if name == "background.mid" and tune else os.path.join(data, name)
-            os.symlink(source, os.path.join(folder, name))
+    for name in game_data(data):
+        os.symlink(tune if name == "background.mid" and tune else os.path.join(data, name), os.path.join(folder, name))
 
 
 def replace_art(folder, blank=None):

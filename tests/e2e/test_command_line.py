@@ -13,7 +13,6 @@ import tempfile
 from quelvarion_e2e import XServer, expect_equal, fail, link_game_data, replace_art, run, run_program
 
 SOURCE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
-DRAW_FAILED = "cannot start the display: Direct Draw Init Failed"
 
 
 def options_in(lines, pattern):
@@ -34,27 +33,17 @@ def expect_documented(help_text):
                  "the manual page's options against --help")
 
 
-def linked(breaks=None):
-    """A folder with the game's data, broken by breaks."""
-    return lambda folder: (link_game_data(folder), breaks and breaks(folder))
-
-
 # (what, arguments, folder set-up (none: empty), on a display, exit status, what stdout starts with,
-#  what the one "quelvarion: " line on stderr says)
+#  what the one "quelvarion: " line on stderr says). Which mistakes are refused,
+#  and the line for each failure of the display, are the unit tests' business.
 RUNS = [
     ("--help", ["--help"], None, False, 0, "Usage: quelvarion", None),
     ("--version", ["--version"], None, False, 0, "quelvarion ", None),
     ("an unknown option", ["--bogus"], None, False, 2, "", "unknown option '--bogus'"),
-    ("an argument", ["level3"], None, False, 2, "", "unexpected argument 'level3'"),
-    ("a value to a switch", ["--trace=yes"], None, False, 2, "", "--trace"),
-    ("two window modes", ["--windowed", "--fullscreen"], None, False, 2, "", "--fullscreen"),
-    ("no display", [], linked(), False, 1, "", "cannot open the game's window"),
+    ("no display", [], link_game_data, False, 1, "", "cannot open the game's window"),
     ("a folder without data", [], None, True, 1, "", "no game data in"),
-    ("no blank bitmap", [], linked(replace_art), True, 1, "", DRAW_FAILED + " (00000002)"),
-    ("a broken blank bitmap", [], linked(lambda f: replace_art(f, b"BM not a picture")), True, 1, "",
-     DRAW_FAILED + " (0000000d)"),
-    ("no art folder", [], linked(lambda f: os.remove(os.path.join(f, "art"))), True, 1, "",
-     DRAW_FAILED + " (00000003)"),
+    ("no blank bitmap", [], lambda folder: (link_game_data(folder), replace_art(folder)), True, 1, "",
+     "cannot start the display: Direct Draw Init Failed (00000002)"),
 ]
 
 

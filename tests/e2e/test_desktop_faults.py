@@ -72,68 +72,74 @@ def all_stopped(pid):
     return states and all(state == "T" for state in states)
 
 
-# Ending faults in a running game: (what, settings, act on the game, status, its line, kept).
-def in_level(act):
-    return lambda game: (game.start_new_game(), act(game))
-
-
-def kill_display(game):
-    game.xvfb.kill()
-
-
 # A table of losing scores and a level no new ship outlives for long: the
 # game ends in the table, asking for a name.
 LOSING_OPTIONS = {"Start Level": "99", "Background Stars": "Off"}
 OLD_SCORES = [("OLD", -100 - place) for place in range(10)]
 LOSING = settings_text(LOSING_OPTIONS, OLD_SCORES)
+# The lost game on top of the table, under the two letters typed.
+NAMED = settings_text(LOSING_OPTIONS, [("AD", 0)] + OLD_SCORES[:9])
 
 
-def half_named(end):
-    def act(game):
-        game.fly()  # and lose
-        game.wait_for_screen(showing_box_screen_title, timeout=60)
-        game.keys("a", "d")
-        end(game)
-    return act
+def name_entry(game):
+    game.wait_title_pause()
+    game.fly()  # and lose
+    game.wait_for_screen(showing_box_screen_title, timeout=60)
+    game.keys("a", "d")
 
 
-def with_name(name):
-    """The losing table with the lost game on top under name, whatever it scored."""
-    expected = settings_text(LOSING_OPTIONS, [(name, 0)] + OLD_SCORES[:9])
-    return lambda saved: re.sub(rb"(?m)^" + name.encode() + rb" = \d+", name.encode() + b" = 0", saved) == expected
+def stop_and_continue(game):
+    """A level stopped for longer than a second comes back paused, not lost to the time it did not run."""
+    game.game.send_signal(signal.SIGSTOP)
+    wait_until(lambda: all_stopped(game.game.pid), "the game stopped")
+    time.sleep(3)  # the length of the stop, not a wait
+    game.game.send_signal(signal.SIGCONT)
+    game.wait_for_screen(showing_main_menu, timeout=30)
+    if newly_lit_cells(game) > 0:
+        fail("the level went on after the stop instead of pausing")
+    game.terminate()
 
 
-def unchanged(saved):
-    return saved == SETTINGS
-
-
+PHASES = {"the title pause": lambda game: game.wait_for_screen(showing_title),
+          "the menus": Game.wait_title_pause,
+          "the design screen": lambda game: (game.wait_title_pause(), game.start_new_game()),
+          "flight": lambda game: (game.wait_title_pause(), game.fly(), play_on(game)),
+          "name entry": name_entry}
 LOST = "the display went away"
+# Faults in a running game: (how it ends, in which phase, its exit status). A
+# game begun is kept as the last game; the settings are kept, a name half typed included.
 RUNNING_FAULTS = [
-    ("display killed in a level", SETTINGS, in_level(kill_display), DISPLAY_LOST, LOST, unchanged),
-    ("display killed in the menus", SETTINGS, kill_display, DISPLAY_LOST, LOST, unchanged),
-    ("display killed in name entry", LOSING, half_named(kill_display), DISPLAY_LOST, LOST, with_name("AD")),
-    ("SIGTERM in name entry", LOSING, half_named(Game.terminate), 0, None, with_name("AD")),
-    ("SIGTERM in the menus", SETTINGS, Game.terminate, 0, None, unchanged),
-    ("window closed in the menus", SETTINGS, Game.close_window, 0, None, unchanged),
-    ("SIGHUP in a level", SETTINGS, in_level(lambda g: g.game.send_signal(signal.SIGHUP)), 0, None, unchanged),
-    ("SIGINT in a level", SETTINGS, in_level(lambda g: g.game.send_signal(signal.SIGINT)), 0, None, unchanged),
+    ("display killed", "the design screen", DISPLAY_LOST),
+    ("display killed", "the menus", DISPLAY_LOST),
+    ("display killed", "name entry", DISPLAY_LOST),
+    ("SIGTERM", "name entry", 0),
+    ("SIGTERM", "the title pause", ENDED_AT_ONCE + signal.SIGTERM),
+    ("window closed", "the menus", 0),
+    ("SIGHUP", "the design screen", 0),
+    ("stopped 3 s, then SIGTERM", "flight", 0),
 ]
+ENDS = {"display killed": lambda game: game.xvfb.kill(), "SIGTERM": Game.terminate,
+        "window closed": Game.close_window, "SIGHUP": lambda game: game.game.send_signal(signal.SIGHUP),
+        "stopped 3 s, then SIGTERM": stop_and_continue}
 
 
 def running_faults(scratch):
     """Returns the replay the game that lost its display in name entry kept."""
-    for what, settings, act, status, words, kept in RUNNING_FAULTS:
-        with Game(settings=settings) as game:
-            game.wait_title_pause()
-            act(game)
+    for end, phase, status in RUNNING_FAULTS:
+        what = f"{end} in {phase}"
+        with Game(settings=LOSING if phase == "name entry" else SETTINGS) as game:
+            PHASES[phase](game)
+            ENDS[end](game)
             expect_ended(game.game, (status,), what)
-            if not kept(game.settings_saved()):
-                fail(f"{what}: quelvarion.ini reads {game.settings_saved()!r}")
+            saved = game.settings_saved()
+            if phase == "name entry":
+                saved = re.sub(rb"(?m)^AD = \d+", b"AD = 0", saved)  # whatever it scored
+            expect_equal(saved, NAMED if phase == "name entry" else SETTINGS, f"{what}: quelvarion.ini")
             expect_folder_free(game.folder)
-            if words:
-                game.wait_said(words)
+            if status == DISPLAY_LOST:
+                game.wait_said(LOST)
             replay = os.path.join(game.folder, LAST_GAME)
-            if "menus" not in what and not os.path.isfile(replay):
+            if phase not in ("the title pause", "the menus") and not os.path.isfile(replay):
                 fail(f"{what}: the game's replay was not kept")
             if what == "display killed in name entry":
                 kept_replay = shutil.copy(replay, os.path.join(scratch, "name-entry.qvr"))
@@ -175,10 +181,8 @@ class HeldOpen:
 
 def check_interrupted(replay, number, what):
     """A replay being checked ends at a signal, leaving nothing behind. The
-    check is caught at its opening of the replay, its scratch folder made,
-    and stopped there, so that the signal finds it at work as it would find
-    the check of a replay hours long. The replay at hand is short: a check
-    let go may finish before its signal is heard."""
+    check is stopped at its opening of the replay, its scratch folder made, so
+    that the signal finds it at work (a short check let go may finish first)."""
     beside = sorted(os.listdir(os.path.dirname(replay)))
     temporary = tempfile.mkdtemp(dir=os.path.dirname(replay))
     held = HeldOpen(replay)
@@ -200,22 +204,13 @@ def check_interrupted(replay, number, what):
 
 
 def replay_signals(replay):
-    for interrupted, doing in ((watch_interrupted, "watching"), (check_interrupted, "checking")):
-        for number in (signal.SIGTERM, signal.SIGINT):
-            what = f"{signal.Signals(number).name} {doing} a replay"
-            try:
-                interrupted(replay, number, what)
-            except PermissionError:
-                print(f"skipped {what}: the check cannot be held at work here (fanotify needs root)")
-
-
-def title_pause_signal():
-    with Game(settings=SETTINGS) as game:
-        game.wait_for_screen(showing_title)  # the pause under way
-        game.terminate()
-        expect_ended(game.game, (ENDED_AT_ONCE + signal.SIGTERM,), "SIGTERM in the title pause")
-        expect_equal(game.settings_saved(), SETTINGS, "SIGTERM in the title pause: quelvarion.ini")
-        expect_folder_free(game.folder)
+    for interrupted, number, doing in ((watch_interrupted, signal.SIGTERM, "watching"),
+                                       (check_interrupted, signal.SIGINT, "checking")):
+        what = f"{signal.Signals(number).name} {doing} a replay"
+        try:
+            interrupted(replay, number, what)
+        except PermissionError:
+            print(f"skipped {what}: the check cannot be held at work here (fanotify needs root)")
 
 
 # The error boxes of a start that failed: (what, folder set-up, how it is ended, status).
@@ -246,7 +241,24 @@ def box_faults(scratch):
             wait_until(gone, f"{what}: the box's process {helpers} ended with the program", timeout=5)
 
 
-def replace(name, make):
+def sparse(path):
+    with open(path, "wb") as f:
+        f.truncate(SPARSE_BYTES)
+
+
+# Hostile files: (what, the file, what stands in its place, the name the line
+# gives). The game starts all the same, names the file, stays small, and
+# leaves it as it was.
+HOSTILE_FILES = [
+    ("settings linked to /dev/zero", SETTINGS_FILE, lambda path: os.symlink("/dev/zero", path), SETTINGS_FILE),
+    ("settings a folder", SETTINGS_FILE, os.mkdir, "it is a folder"),
+    ("sprite list a pipe", "sprite.ini", os.mkfifo, "sprite.ini"),
+    ("sprite list of 2 GB", "sprite.ini", sparse, "sprite.ini"),
+    ("start-up sound a pipe", "startup.wav", os.mkfifo, "startup.wav"),
+]
+
+
+def in_place_of(name, make):
     def prepare(folder):
         path = os.path.join(folder, name)
         if os.path.lexists(path):
@@ -255,36 +267,13 @@ def replace(name, make):
     return prepare
 
 
-def sparse(path):
-    with open(path, "wb") as f:
-        f.truncate(SPARSE_BYTES)
-
-
-def to_zero(path):
-    os.symlink("/dev/zero", path)
-
-
-# Hostile files: (what, prepare the folder, the name the line gives). The game
-# starts all the same, names the file, stays small, and leaves it as it was.
-HOSTILE_FILES = [
-    ("settings linked to /dev/zero", replace(SETTINGS_FILE, to_zero), SETTINGS_FILE),
-    ("settings a pipe", replace(SETTINGS_FILE, os.mkfifo), SETTINGS_FILE),
-    ("settings a folder", replace(SETTINGS_FILE, os.mkdir), "it is a folder"),
-    ("sprite list linked to /dev/zero", replace("sprite.ini", to_zero), "sprite.ini"),
-    ("sprite list a pipe", replace("sprite.ini", os.mkfifo), "sprite.ini"),
-    ("sprite list of 2 GB", replace("sprite.ini", sparse), "sprite.ini"),
-    ("start-up sound a pipe", replace("startup.wav", os.mkfifo), "startup.wav"),
-    ("settings of 2 GB", replace(SETTINGS_FILE, sparse), SETTINGS_FILE),
-]
-
-
 def hostile_files(scratch):
-    for what, prepare, words in HOSTILE_FILES:
-        with Game(prepare=prepare) as game:
+    for what, name, make, words in HOSTILE_FILES:
+        with Game(prepare=in_place_of(name, make)) as game:
             game.wait_said(words)
             game.terminate()
             expect_ended(game.game, (0, ENDED_AT_ONCE + signal.SIGTERM), what, prompt=False, memory=True)
-            if SETTINGS_FILE in what and os.path.isfile(game.settings_path()):
+            if name == SETTINGS_FILE and os.path.isfile(game.settings_path()):
                 fail(f"{what}: replaced by a file")
     for what, make in (("replay a pipe", os.mkfifo), ("replay of 2 GB", sparse), ("replay a folder", os.mkdir)):
         path = os.path.join(scratch, "hostile.qvr")
@@ -293,23 +282,6 @@ def hostile_files(scratch):
                                    stderr=subprocess.DEVNULL)
         expect_ended(process, (3,), what, prompt=False, memory=True)
         subprocess.run(["rm", "-rf", path], check=True)
-
-
-def stop_and_continue():
-    """A level stopped for longer than a second comes back paused, not lost to the time it did not run."""
-    with Game(settings=SETTINGS) as game:
-        game.wait_title_pause()
-        game.fly()
-        play_on(game)  # things move
-        game.game.send_signal(signal.SIGSTOP)
-        wait_until(lambda: all_stopped(game.game.pid), "the game stopped")
-        time.sleep(3)  # the length of the stop, not a wait
-        game.game.send_signal(signal.SIGCONT)
-        game.wait_for_screen(showing_main_menu, timeout=30)
-        if newly_lit_cells(game) > 0:
-            fail("the level went on after the stop instead of pausing")
-        game.terminate()
-        expect_ended(game.game, (0,), "stopped 3 s in a level", prompt=False)
 
 
 def full_disk(scratch):
@@ -347,10 +319,8 @@ def desktop_faults():
     scratch = tempfile.mkdtemp(prefix="qv-e2e-faults-")
     try:
         replay_signals(running_faults(scratch))
-        title_pause_signal()
         box_faults(scratch)
         hostile_files(scratch)
-        stop_and_continue()
         full_disk(scratch)
     finally:
         subprocess.run(["rm", "-rf", scratch])

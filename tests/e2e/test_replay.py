@@ -1,10 +1,10 @@
-"""A game played with --record is checked with --verify (it plays as recorded),
-a copy with one key changed is checked again (it goes its own way from the
-frame that key came before), a damaged copy is refused, and --replay shows the
-same pictures: the frames kept from the game and from its replay are the same
-pixel for pixel, but for the REPLAY marker in the bottom left corner. A
-recording takes its recorded time to watch, at any pace it was recorded in,
-and --export writes it as a video."""
+"""A game played with --record is checked with --verify (it plays as
+recorded), a damaged copy is refused, and --replay shows the same pictures:
+the frames kept from the game and from its replay are the same pixel for
+pixel, but for the REPLAY marker in the bottom left corner. A recording takes
+its recorded time to watch, at any pace it was recorded in, and --export
+writes it as a video. (How a changed replay goes its own way is the unit
+tests' business.)"""
 import array
 import math
 import os
@@ -13,7 +13,6 @@ import subprocess
 import sys
 import tempfile
 import time
-import zlib
 
 from quelvarion_e2e import (GAME_HEIGHT, GAME_WIDTH, LAST_GAME, SETTINGS_FILE, Game, expect_equal, fail,
                             link_game_data, pause, picture_file, run, run_program, settings_text,
@@ -28,7 +27,6 @@ SNAPSHOT_FRAMES = [20, 150, 250, 400, 600, 900]
 PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
 # The corner the marker is written in: it must differ there and nowhere else.
 MARKER_WIDTH, MARKER_HEIGHT = 80, 24
-KEY_DOWN, VK_UP, VK_DOWN = 0x100, 0x26, 0x28
 END_HOLD_S = 3
 FORMAT_1_END_BYTES = 19
 GOLDEN = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "replay", "golden")
@@ -48,38 +46,26 @@ def varint(data, at):
             return value, at
 
 
-def records(data):
-    """The replay's inputs and runs of idle frames, after its header: (offset,
-    tag, frame index, fields: message and key, or how many frames)."""
+def idle_frames(data):
+    """The frames of the replay's runs of idle frames, read past its header."""
     at = 8 + 2
-    at += 1 + data[at]                # the game's version
-    at += 2                           # the rules' version
+    at += 1 + data[at] + 2            # the game's version, the rules' version
     at += 4 + 4 + 4 + 1 + 1 + 2       # random state, serial, start level, options, screen, cursor
     for _ in range(10):               # the high-score table
         at += 1 + data[at] + 4
     stars, at = varint(data, at)
-    at += stars * 14
-    frame = 0
-    while True:
-        start, tag = at, data[at]
-        at += 1
-        if tag == 0x10:
-            message, at = varint(data, at)
-            key, at = varint(data, at)
-            yield start, tag, frame, (message, key)
-        elif tag == 0x01:
-            at = varint(data, at)[1] + 4
-            frame += 1
-        elif tag == 0x02:
-            at += 12
-            frame += 1
-        elif tag == 0x03:                 # a run of idle frames
+    at, frame, idle = at + stars * 14, 0, set()
+    while data[at] in (0x01, 0x02, 0x03, 0x10):
+        tag, at = data[at], at + 1
+        if tag == 0x10:               # an input: its message and key
+            at = varint(data, varint(data, at)[1])[1]
+        elif tag == 0x03:             # a run of idle frames
             count, at = varint(data, at)
-            yield start, tag, frame, (count,)
-            at += 12
-            frame += count
-        else:
-            return
+            idle.update(range(frame, frame + count))
+            at, frame = at + 12, frame + count
+        else:                         # a frame
+            at, frame = (varint(data, at)[1] + 4 if tag == 0x01 else at + 12), frame + 1
+    return idle
 
 
 def record(replay_file, snapshots):
@@ -97,41 +83,26 @@ def record(replay_file, snapshots):
         expect_equal(game.wait_exit(), 0, "exit status of the recorded game")
 
 
-def with_one_key_changed(replay_file, changed_file):
-    """Turns the first forward thrust of the level into a backward one; returns the frame it came before."""
-    data = bytearray(open(replay_file, "rb").read())
-    for offset, tag, frame, fields in records(data):
-        if tag == 0x10 and fields == (KEY_DOWN, VK_UP) and frame > 30:
-            data[offset + 3] = VK_DOWN  # tag, two bytes of message, then the key
-            data[-4:] = zlib.crc32(data[:-4]).to_bytes(4, "little")
-            open(changed_file, "wb").write(data)
-            return frame
-    fail("the recorded game has no forward thrust")
-
-
 def compare_pictures(recorded, replayed, frame):
     ours, theirs = (picture_file(path, GAME_WIDTH, GAME_HEIGHT) for path in (recorded, replayed))
-    marker_top = GAME_HEIGHT - MARKER_HEIGHT
-    for where, box in (("above the marker", (0, 0, GAME_WIDTH, marker_top)),
-                       ("beside the marker", (MARKER_WIDTH, marker_top, GAME_WIDTH - MARKER_WIDTH, MARKER_HEIGHT))):
-        if ours.crop(*box).pixels != theirs.crop(*box).pixels:
-            fail(f"frame {frame}: the replay's picture differs from the game's {where}")
-    if ours.crop(0, marker_top, MARKER_WIDTH, MARKER_HEIGHT).pixels == theirs.crop(0, marker_top, MARKER_WIDTH,
-                                                                                   MARKER_HEIGHT).pixels:
-        fail(f"frame {frame}: no replay marker in the bottom left corner")
+    top = GAME_HEIGHT - MARKER_HEIGHT
+    # (where, the part of the picture, whether the game's and the replay's are the same there)
+    for where, box, same in (("above the marker", (0, 0, GAME_WIDTH, top), True),
+                             ("beside the marker", (MARKER_WIDTH, top, GAME_WIDTH - MARKER_WIDTH, MARKER_HEIGHT), True),
+                             ("in the marker's corner", (0, top, MARKER_WIDTH, MARKER_HEIGHT), False)):
+        if (ours.crop(*box).pixels == theirs.crop(*box).pixels) != same:
+            fail(f"frame {frame}: the replay's picture {'differs from' if same else 'is'} the game's {where}")
 
 
 def replay_flow():
-    work = tempfile.mkdtemp(prefix="qv-replay-")
-    try:
+    with tempfile.TemporaryDirectory(prefix="qv-replay-") as work:
         replay_file = os.path.join(work, "game.qvr")
         recorded, replayed, folder = (os.path.join(work, name) for name in ("recorded", "replayed", "verify"))
         for path in (recorded, replayed, folder):
             os.makedirs(path)
         os.environ["QV_SNAPSHOT_FRAMES"] = ",".join(map(str, SNAPSHOT_FRAMES))
         record(replay_file, recorded)
-        idle = {frame + i for _, tag, frame, fields in records(open(replay_file, "rb").read()) if tag == 0x03
-                for i in range(fields[0])}
+        idle = idle_frames(open(replay_file, "rb").read())
         kept = lambda f: os.path.join(recorded, f"frame-{f}.bmp")
         frames = [f for f in SNAPSHOT_FRAMES if f not in idle and os.path.exists(kept(f))
                   and not showing_main_menu(picture_file(kept(f), GAME_WIDTH, GAME_HEIGHT))]
@@ -139,16 +110,8 @@ def replay_flow():
             fail(f"too few frames recorded to compare: {frames}")
 
         status, out, err = run_program(["--verify", replay_file], folder, timeout=60)
-        expect_equal(status, 0, f"--verify of the recorded game ({err.strip()})")
-        if "plays as recorded" not in out:
-            fail(f"--verify said {out!r}")
+        expect_equal((status, "plays as recorded" in out), (0, True), f"--verify of the recorded game: {out!r} {err!r}")
         expect_equal(os.listdir(folder), [], "files --verify left in its folder")
-        changed = os.path.join(work, "changed.qvr")
-        frame = with_one_key_changed(replay_file, changed)
-        status, _, err = run_program(["--verify", changed], folder, timeout=60)
-        expect_equal(status, 1, "--verify of a replay with one key changed")
-        if f"at frame {frame} " not in err:
-            fail(f"--verify should name frame {frame}: {err!r}")
         damaged_replay_changes_nothing(replay_file, work)
 
         os.environ["QV_SNAPSHOT_DIR"] = replayed
@@ -160,33 +123,27 @@ def replay_flow():
                 fail("the replay was kept as the last game")
         try:
             for f in frames:
-                compare_pictures(os.path.join(recorded, f"frame-{f}.bmp"), os.path.join(replayed, f"frame-{f}.bmp"), f)
+                compare_pictures(kept(f), os.path.join(replayed, f"frame-{f}.bmp"), f)
         except AssertionError:
             keep = os.path.join(os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir()), "qv-e2e-replay-frames")
             shutil.rmtree(keep, ignore_errors=True)
             shutil.copytree(work, keep)
             print(f"the recorded and replayed frames: {keep}", file=sys.stderr)
             raise
-    finally:
-        shutil.rmtree(work, ignore_errors=True)
 
 
 def damaged_replay_changes_nothing(replay_file, work):
     """--replay of a damaged file says so (status 3) and leaves the settings as the player wrote them."""
-    damaged = os.path.join(work, "damaged.qvr")
     data = bytearray(open(replay_file, "rb").read())
     data[len(data) // 2] ^= 0x40
+    damaged, folder = os.path.join(work, "damaged.qvr"), os.path.join(work, "damaged")
     open(damaged, "wb").write(data)
-    folder = os.path.join(work, "damaged")
     os.makedirs(folder)
     link_game_data(folder)
     kept = b"; the player's own note\r\n" + settings_text({"Start Level": "3"})
-    with open(os.path.join(folder, SETTINGS_FILE), "wb") as f:
-        f.write(kept)
+    open(os.path.join(folder, SETTINGS_FILE), "wb").write(kept)
     status, _, err = run_program(["--replay", damaged], folder)
-    expect_equal(status, 3, f"--replay of a damaged file ({err.strip()})")
-    if "damaged" not in err:
-        fail(f"--replay should call the file damaged: {err!r}")
+    expect_equal((status, "damaged" in err), (3, True), f"--replay of a damaged file: {err!r}")
     expect_equal(open(os.path.join(folder, SETTINGS_FILE), "rb").read(), kept, "the settings after --replay")
 
 
@@ -222,16 +179,13 @@ def recorded_pace_flow():
         seconds = watched_seconds(FAST, keys, args)
         if not SANITIZED and (seconds > most or seconds < least):
             fail(f"--replay {' '.join(args)} with keys {keys} took {seconds:.1f} s")
-    work = tempfile.mkdtemp(prefix="qv-replay-pace-")
-    try:
-        # A recording of format 1 (no checksum) with focus lost after its last frame.
+    # A recording of format 1 (no checksum) with focus lost after its last frame.
+    with tempfile.TemporaryDirectory(prefix="qv-replay-pace-") as work:
         data = open(os.path.join(GOLDEN, "hand-level6.qvr"), "rb").read()
         unfocused = os.path.join(work, "unfocused.qvr")
         open(unfocused, "wb").write(data[:-FORMAT_1_END_BYTES] + bytes([0x10, 0x1C, 0x00]) +
                                     data[-FORMAT_1_END_BYTES:])
         watched_seconds(unfocused)
-    finally:
-        shutil.rmtree(work, ignore_errors=True)
 
 
 # Stands in for ffmpeg on the PATH: hands everything on to the real one and
@@ -272,18 +226,15 @@ def export_flow():
     """--export writes the recording as a video of its length, with a sound
     stream, whose pictures are the game's own; without ffmpeg, or with no
     folder for the video, it says so with its own status."""
-    work = tempfile.mkdtemp(prefix="qv-export-")
     path = os.environ["PATH"]
-    try:
+    with tempfile.TemporaryDirectory(prefix="qv-export-") as work:
         link_game_data(work)
-        tools, kept = os.path.join(work, "tools"), os.path.join(work, "kept.rgb")
+        tools, kept, video = (os.path.join(work, name) for name in ("tools", "kept.rgb", "game.mp4"))
         os.makedirs(tools)
-        keeper = os.path.join(tools, "ffmpeg")
-        open(keeper, "w").write(PICTURE_KEEPER)
-        os.chmod(keeper, 0o755)
+        open(os.path.join(tools, "ffmpeg"), "w").write(PICTURE_KEEPER)
+        os.chmod(os.path.join(tools, "ffmpeg"), 0o755)
         os.environ.update(PATH=tools + os.pathsep + path, QV_REAL_FFMPEG=shutil.which("ffmpeg"),
                           QV_KEEP_PICTURE=str(PICTURE_AT), QV_KEPT_PICTURE=kept)
-        video = os.path.join(work, "game.mp4")
         status, _, err = run_program(["--export", video, FAST], work, timeout=300)
         os.environ["PATH"] = path
         expect_equal(status, 0, f"exit status of --export ({err.strip()[-300:]})")
@@ -308,12 +259,8 @@ def export_flow():
                                                       (path, os.path.join(work, "missing", "x.mp4"), 6, "folder")):
             os.environ["PATH"] = tools_on_path
             status, _, err = run_program(["--export", target, os.path.join(GOLDEN, "hand-level1.qvr")], work)
-            expect_equal(status, expected, f"--export to {target} with PATH {tools_on_path}")
-            if said not in err:
-                fail(f"--export should say why: {err!r}")
-    finally:
-        os.environ["PATH"] = path
-        shutil.rmtree(work, ignore_errors=True)
+            os.environ["PATH"] = path
+            expect_equal((status, said in err), (expected, True), f"--export to {target}, PATH {tools_on_path}: {err}")
 
 
 run(replay_flow, recorded_pace_flow, export_flow)

@@ -39,24 +39,19 @@ ID = r"[@#]\d+"
 class Wayland:
     """Weston in an X server of its own, and the game on it."""
 
-    def __init__(self):
-        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-wayland-")
+    def __enter__(self):
+        self.scratch, self.moves = tempfile.mkdtemp(prefix="qv-e2e-wayland-"), 0
         self.runtime, self.folder, self.config, self.log = (
             os.path.join(self.scratch, name) for name in ("run", "game", "config", "game.log"))
-        self.processes = []
-        self.moves = 0
-
-    def __enter__(self):
         os.makedirs(self.runtime, mode=0o700)
         os.makedirs(self.folder)
         link_game_data(self.folder)
         xvfb, self.display = start_xvfb(OUTPUT)
-        self.processes.append(xvfb)
-        self.processes.append(subprocess.Popen(
+        self.processes = [xvfb, subprocess.Popen(
             ["weston", "--backend=x11-backend.so", "--use-pixman", f"--socket={SOCKET}", f"--width={OUTPUT[0]}",
              f"--height={OUTPUT[1]}", "--idle-time=0", "--shell=kiosk-shell.so"],
             env=dict(os.environ, DISPLAY=self.display, XDG_RUNTIME_DIR=self.runtime),
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)]
         wait_until(lambda: os.path.exists(os.path.join(self.runtime, SOCKET)), "weston listens")
         env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "SDL_VIDEODRIVER")}
         env.update(WAYLAND_DISPLAY=SOCKET, XDG_RUNTIME_DIR=self.runtime, SDL_VIDEODRIVER="wayland",
@@ -88,7 +83,7 @@ class Wayland:
             return f.read()
 
     def x(self, *command):
-        return subprocess.run(list(command), env=dict(os.environ, DISPLAY=self.display), capture_output=True,
+        return subprocess.run(command, env=dict(os.environ, DISPLAY=self.display), capture_output=True,
                               check=True, timeout=10).stdout
 
     def has_keyboard(self):
