@@ -215,9 +215,7 @@ TEST_F(GamepadPlayTest, InMenusAndOnTheDesignScreenThePadChoosesTakesAndGoesBack
     Player().ListComponents(fitted);
     EXPECT_EQ(fitted.size(), 1u); // the engine on offer was fitted
     Click(SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
-    EXPECT_EQ(t->designer.GetFocus(), CShipDesigner::FocusShip);
-    Click(SDL_CONTROLLER_BUTTON_B);
-    EXPECT_EQ(t->GetGameState(), StatePlaying); // B, like Escape, starts the level
+    EXPECT_EQ(t->designer.GetFocus(), CShipDesigner::FocusShip); // B starting the level is the flight test's
 }
 
 // The dial itself is NameDial's; here its keys reach the name, a held
