@@ -248,10 +248,16 @@ TEST(Replays, AGameLostAndNamedInTheTableEndsWithTheNameAndPlaysBack)
     EXPECT_EQ(replay.inputs.back(), (CReplay::Input{WM_KEYDOWN, VK_RETURN}));
     ExpectPlaysBack(replay, "lost");
 
-    // The game over is kept in the game's folder too, as it ended.
+    // The game over is kept in the game's folder too, as it ended, and is
+    // checked from there; a file that is no replay, or none, is unreadable.
     t->recorder.WaitForSaves();
     std::ifstream in(CRecorder::LastGameFile, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), replay.Encode());
+    std::ofstream("broken.qvr", std::ios::binary) << "QVREPLAY";
+    qvtest::TestApp v;
+    EXPECT_EQ(v->VerifyReplayFile((t.dir.Path() / CRecorder::LastGameFile).string()), 0);
+    for (const char* unreadable : {"broken.qvr", "missing.qvr"})
+        EXPECT_EQ(v->VerifyReplayFile((t.dir.Path() / unreadable).string()), CGameApp::ReplayUnreadableStatus);
 }
 
 TEST(Replays, OneKeyChangedGoesItsOwnWayFromTheFrameItCameBefore)
@@ -301,24 +307,6 @@ TEST(Replays, ALongPauseCostsOneRecordAndAnAbandonedGameEndsBeforeTheNewOne)
     otherRules.header.rulesVersion = CReplay::RulesVersion + 1;
     qvtest::TestApp v;
     EXPECT_EQ(v->VerifyReplay(otherRules, "other rules"), CGameApp::ReplayDiffersStatus);
-}
-
-TEST(Replays, ReplaysWrittenToAFileAreCheckedFromIt)
-{
-    // A folder of this run's own, which outlives the recording game's.
-    const qvtest::ScopedWorkDir dir;
-    const std::string mine = (dir.Path() / "mine.qvr").string(), broken = (dir.Path() / "broken.qvr").string();
-    {
-        qvtest::TestApp t(11);
-        t->recorder.SetRecordFile(mine);
-        CGameDriver driver(*t);
-        PlayScripted(driver, 11, 2, 500);
-    } // a game still in play when the program ends is kept
-    std::ofstream(broken, std::ios::binary) << "QVREPLAY";
-    qvtest::TestApp v;
-    EXPECT_EQ(v->VerifyReplayFile(mine), 0);
-    EXPECT_EQ(v->VerifyReplayFile(broken), CGameApp::ReplayUnreadableStatus);
-    EXPECT_EQ(v->VerifyReplayFile((dir.Path() / "missing.qvr").string()), CGameApp::ReplayUnreadableStatus);
 }
 
 TEST(Replays, SeekingLandsWherePlayingStraightThereDoes)
