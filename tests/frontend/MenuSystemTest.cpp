@@ -74,24 +74,6 @@ TEST(HighScoreInsertion, TiesGoBelowTheLastEntryDropsOutAndZeroNeverEnters)
     }
 }
 
-TEST(NameEntry, TypedKeysUpToThirtyCharacters)
-{
-    CHighScoreTable table;
-    table.Insert(10);
-    auto type = [&](std::initializer_list<UINT> keys, bool pressed = true) {
-        for (UINT key : keys)
-            table.EnterNameKey(static_cast<std::uint8_t>(key), pressed);
-    };
-    type({'A', VK_SPACE, '7', VK_LEFT, '.', 0xC0, 0});
-    type({'B'}, false); // key-ups type nothing
-    EXPECT_EQ(table.GetName(0), "A 7");
-    type({VK_BACK, VK_BACK, VK_BACK, VK_BACK}); // one more than there is
-    EXPECT_EQ(table.GetName(0), "");
-    for (int i = 0; i < 31; ++i)
-        type({static_cast<UINT>('A' + i % 26)});
-    EXPECT_EQ(table.GetName(0), "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD");
-}
-
 class MenuSystemTest : public ::testing::Test {
 protected:
     CMenuSystem& Menus() { return t->menus; }
@@ -138,13 +120,23 @@ TEST_F(MenuSystemTest, OptionsStayInTheirBounds)
     EXPECT_EQ(Menus().GetOptionsCursor(), 4);
 }
 
+// A finished game's name takes letters, digits and blanks up to thirty
+// characters, before any menu key: arrows and other keys type nothing, nor
+// do key-ups.
 TEST_F(MenuSystemTest, AFinishedGameTakesItsNameBeforeAnyMenuKey)
 {
     Menus().AddHighScore(300);
-    for (UINT key : {UINT('J'), UINT('O'), VK_DOWN, VK_SPACE, UINT('3'), VK_BACK})
+    for (UINT key : {UINT('J'), UINT('O'), VK_DOWN, VK_SPACE, UINT('3'), VK_LEFT, UINT('.'), 0xC0u, 0u})
         Press(key);
-    EXPECT_EQ(Menus().GetHighScores().GetName(0), "JO ");
+    Menus().OnKey('B', false);
+    auto name = [&] { return Menus().GetHighScores().GetName(0); };
+    EXPECT_EQ(name(), "JO 3");
     EXPECT_EQ(Selected(), "New Game"); // the arrow went to the name, not the menu
+    Press(VK_BACK, 5); // one more than there is
+    EXPECT_EQ(name(), "");
+    for (int i = 0; i < 31; ++i)
+        Press(static_cast<UINT>('A' + i % 26));
+    EXPECT_EQ(name(), "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD");
     Press(VK_ESCAPE);
     EXPECT_FALSE(Menus().GetHighScores().IsEditing());
     EXPECT_EQ(Menus().GetScreen(), ScreenHighScores); // Escape ended the name only
