@@ -219,16 +219,6 @@ void ExpectPlaysBack(const CReplay& replay, const std::string& what)
     EXPECT_EQ(again.summary, replay.summary) << what;
 }
 
-TEST(Replays, ScriptedGamesPlayBackExactlyFromSeveralStartLevels)
-{
-    for (const std::int32_t startLevel : {1, 4, 9, 30}) {
-        const CReplay replay = RecordScripted(1000 + startLevel, startLevel, 3000);
-        ASSERT_GT(replay.frames.size(), 100u) << startLevel;
-        EXPECT_EQ(replay.header.startLevel, startLevel);
-        ExpectPlaysBack(replay, "from level " + std::to_string(startLevel));
-    }
-}
-
 TEST(Replays, AGameLostAndNamedInTheTableEndsWithTheNameAndPlaysBack)
 {
     qvtest::TestApp t(99);
