@@ -117,20 +117,6 @@ TEST(GameStates, PauseOnlyBetweenPlayingAndPausedAndOnlyLeavingPlayResetsTheDesi
     EXPECT_EQ(t->designer.GetOfferSelection(), 0);
 }
 
-// Start-up waits out the title's pause and shows the window, which activates
-// the game; closing the window ends the message loop.
-TEST(StartUp, InitInstanceWaitsTheTitlePauseAndClosingEndsTheLoop)
-{
-    DisplayApp t;
-    ASSERT_TRUE(t.Start());
-    EXPECT_EQ(t.clock.SleptMs(), 6000u);
-    EXPECT_EQ(t->active, 1);
-    ASSERT_NE(t->GetMainWindowHandle(), nullptr);
-    t->mainWnd->PostMessage(WM_CLOSE, 0, 0);
-    EXPECT_FALSE(Pump(*t));
-    EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
-}
-
 TEST(KeyRouting, EachStateSendsKeysToItsReceiver)
 {
     struct Case {
@@ -182,15 +168,18 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
     EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>('W'));
 }
 
-// Regaining the focus restores and reloads what was lost and pauses a game in
-// play; a flip that finds its surfaces lost restores them once within the
-// frame. The window hides the pointer and hands on its activation, and its
-// destruction ends the loop.
+// Start-up waits out the title's pause and shows the window, which activates
+// the game. Regaining the focus restores and reloads what was lost and pauses
+// a game in play; a flip that finds its surfaces lost restores them once
+// within the frame. The window hides the pointer and hands on its activation,
+// and closing it ends the loop.
 TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
 {
     DisplayApp t;
     qvtest::WriteFile("sprite.ini", std::string("ship1 8 8\n"));
     ASSERT_TRUE(t.Start());
+    EXPECT_EQ(t.clock.SleptMs(), 6000u);
+    EXPECT_EQ(t->active, 1);
     auto names = [&] { return t->sprites.GetEntries().size(); };
     ASSERT_EQ(names(), 1u);
     t->SetGameState(StatePlaying);
@@ -229,8 +218,9 @@ TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
     EXPECT_EQ(t->active, 0);
     window.WindowProc(WM_ACTIVATEAPP, 7, 0);
     EXPECT_EQ(t->active, 1);
-    window.DestroyWindow();
+    window.PostMessage(WM_CLOSE, 0, 0);
     EXPECT_FALSE(Pump(*t)); // the quit message was posted
+    EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
     EXPECT_EQ(t->display.Flip(), DDERR_GENERIC); // nothing left to show on, and nothing breaks
 }
 

@@ -17,8 +17,6 @@ inline std::vector<uint8_t> ReadBytes(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-inline uint32_t Be16(const std::vector<uint8_t>& b, size_t at) { return (b.at(at) << 8) | b.at(at + 1); }
-inline uint32_t Be32(const std::vector<uint8_t>& b, size_t at) { return (Be16(b, at) << 16) | Be16(b, at + 2); }
 inline std::string Tag(const std::vector<uint8_t>& b, size_t at) {
     return at + 4 <= b.size() ? std::string(b.begin() + at, b.begin() + at + 4) : std::string();
 }

@@ -40,12 +40,6 @@ std::vector<SpriteLine> Sprites() {
     return CSpriteSet::ParseCatalogue(std::string(bytes.begin(), bytes.end()));
 }
 
-SpriteLine Find(const std::string& name) {
-    for (const auto& s : Sprites())
-        if (s.name == name) return s;
-    return {};
-}
-
 SurfacePtr Load(const std::string& file) {
     return SurfacePtr(SDL_LoadBMP((GameDir() / file).string().c_str()), SDL_FreeSurface);
 }
@@ -63,12 +57,12 @@ std::vector<Uint32> Pixels(SDL_Surface* picture) {
 }  // namespace
 
 TEST(SpriteList, ListsEveryBoundSpriteOnceWithItsCollisionSizeAndMotion) {
-    const auto sprites = Sprites();
+    std::map<std::string, std::vector<SpriteLine>> listed;
+    for (const auto& s : Sprites()) listed[s.name].push_back(s);
     for (const auto& [name, bound] : kBoundSprites) {
         SCOPED_TRACE(name);
-        const auto count = std::count_if(sprites.begin(), sprites.end(), [&wanted = name](auto& s) { return s.name == wanted; });
-        ASSERT_EQ(count, 1);
-        const auto s = Find(name);
+        ASSERT_EQ(listed[name].size(), 1u);
+        const SpriteLine& s = listed[name][0];
         EXPECT_EQ(s.width, s.height);
         if (bound.radius > 0) {
             EXPECT_EQ(s.width / 2, bound.radius);
@@ -81,7 +75,7 @@ TEST(SpriteList, ListsEveryBoundSpriteOnceWithItsCollisionSizeAndMotion) {
             EXPECT_GT(s.frameTime, 0);
         }
     }
-    const auto explosion = Find("explosion");
+    const SpriteLine& explosion = listed["explosion"][0];
     EXPECT_LT(explosion.frameCount * explosion.frameTime, kExplosionLifetimeMs);
 }
 

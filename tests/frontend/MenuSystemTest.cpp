@@ -54,44 +54,24 @@ TEST(HighScoreInsertion, TiesGoBelowTheLastEntryDropsOutAndZeroNeverEnters)
     const struct {
         std::vector<std::int32_t> scores;
         std::int32_t score;
-        int at; // where it entered; -1: not at all, and the table is as it was
-        std::vector<std::string> after;
+        int at; // where it entered, nameless, pushing the rest down; -1: not at all
     } cases[] = {
-        {{900, 500, 500, 100, 9, 8, 7, 6, 5, 4}, 500, 3,
-         {"P0|900", "P1|500", "P2|500", "|500", "P3|100", "P4|9", "P5|8", "P6|7", "P7|6", "P8|5"}},
-        {full, 5, -1, {}}, // equal to the last
-        {full, 6, 9, {"P0|90", "P1|80", "P2|70", "P3|60", "P4|50", "P5|40", "P6|30", "P7|20", "P8|10", "|6"}},
-        {{}, 0, -1, {}},
-        {{}, 1, 0, {"|1", "|0", "|0", "|0", "|0", "|0", "|0", "|0", "|0", "|0"}},
+        {{900, 500, 500, 100, 9, 8, 7, 6, 5, 4}, 500, 3}, {full, 5, -1}, {full, 6, 9}, {{}, 0, -1}, {{}, 1, 0},
     };
     for (const auto& c : cases) {
         CHighScoreTable table;
         for (std::size_t i = 0; i < c.scores.size(); ++i)
             table.SetEntry(static_cast<int>(i), "P" + std::to_string(i), c.scores[i]);
-        const std::vector<std::string> before = Table(table);
+        std::vector<std::string> after = Table(table);
+        if (c.at >= 0) {
+            after.insert(after.begin() + c.at, "|" + std::to_string(c.score));
+            after.pop_back();
+        }
         EXPECT_EQ(table.Insert(c.score), c.at >= 0) << c.score;
         EXPECT_EQ(table.GetEditIndex(), c.at >= 0 ? c.at : CHighScoreTable::NotEditing) << c.score;
         EXPECT_EQ(table.IsEditing(), c.at >= 0) << c.score;
-        EXPECT_EQ(Table(table), c.at >= 0 ? c.after : before) << c.score;
+        EXPECT_EQ(Table(table), after) << c.score;
     }
-}
-
-TEST(NameEntry, TypedKeysUpToThirtyCharacters)
-{
-    CHighScoreTable table;
-    table.Insert(10);
-    auto type = [&](std::initializer_list<UINT> keys, bool pressed = true) {
-        for (UINT key : keys)
-            table.EnterNameKey(static_cast<std::uint8_t>(key), pressed);
-    };
-    type({'A', VK_SPACE, '7', VK_LEFT, '.', 0xC0, 0});
-    type({'B'}, false); // key-ups type nothing
-    EXPECT_EQ(table.GetName(0), "A 7");
-    type({VK_BACK, VK_BACK, VK_BACK, VK_BACK}); // one more than there is
-    EXPECT_EQ(table.GetName(0), "");
-    for (int i = 0; i < 31; ++i)
-        type({static_cast<UINT>('A' + i % 26)});
-    EXPECT_EQ(table.GetName(0), "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD");
 }
 
 class MenuSystemTest : public ::testing::Test {
@@ -140,13 +120,23 @@ TEST_F(MenuSystemTest, OptionsStayInTheirBounds)
     EXPECT_EQ(Menus().GetOptionsCursor(), 4);
 }
 
+// A finished game's name takes letters, digits and blanks up to thirty
+// characters, before any menu key: arrows and other keys type nothing, nor
+// do key-ups.
 TEST_F(MenuSystemTest, AFinishedGameTakesItsNameBeforeAnyMenuKey)
 {
     Menus().AddHighScore(300);
-    for (UINT key : {UINT('J'), UINT('O'), VK_DOWN, VK_SPACE, UINT('3'), VK_BACK})
+    for (UINT key : {UINT('J'), UINT('O'), VK_DOWN, VK_SPACE, UINT('3'), VK_LEFT, UINT('.'), 0xC0u, 0u})
         Press(key);
-    EXPECT_EQ(Menus().GetHighScores().GetName(0), "JO ");
+    Menus().OnKey('B', false);
+    auto name = [&] { return Menus().GetHighScores().GetName(0); };
+    EXPECT_EQ(name(), "JO 3");
     EXPECT_EQ(Selected(), "New Game"); // the arrow went to the name, not the menu
+    Press(VK_BACK, 5); // one more than there is
+    EXPECT_EQ(name(), "");
+    for (int i = 0; i < 31; ++i)
+        Press(static_cast<UINT>('A' + i % 26));
+    EXPECT_EQ(name(), "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD");
     Press(VK_ESCAPE);
     EXPECT_FALSE(Menus().GetHighScores().IsEditing());
     EXPECT_EQ(Menus().GetScreen(), ScreenHighScores); // Escape ended the name only
@@ -163,25 +153,35 @@ protected:
     qvtest::ScopedWorkDir dir;
 };
 
-TEST_F(SettingsFileTest, OptionLinesAreFoundByNameAndOnlyACapitalOnCounts)
+// Option lines are found by name in any order, among comments and bare line
+// feeds, and only a capital "On" counts; the table needs all ten lines after
+// its header, and they are entries whatever they hold.
+TEST_F(SettingsFileTest, OptionLinesAreFoundByNameAndTheTableNeedsAllTenLines)
 {
-    WriteSettings("Music = Off");
-    {
+    const struct {
+        std::string text;
+        const char* switches; // music, sound, stars, stats
+        std::int32_t startLevel;
+        std::vector<std::string> table;
+    } cases[] = {
+        {"Music = Off", "0111", 1, EmptyTable},
+        {"! Music = On\n\nSound FX = on\nmy Background Stars\nStart Level =  -7x\nMusic = Off\n"
+         "Start Level\nShip/Turrent Stats = Onward\nStart Level = 99999999999",
+         "0001", 2147483647, EmptyTable},
+        {DefaultOptionLines + "High Scores\r\nANN = 5\r\n" + EmptyLines(8), "1111", 1, EmptyTable},
+        {"High Scores\r\nBob=120\r\nMusic = Off\r\nBob = 120\r\n\r\n! x = 4\r\nStart Level = 9\r\n"
+         "=7\r\n\r\n\r\nEVE = -30\r\nSound FX = Off\r\n",
+         "1011", 1, {"Bob|120", "Music |0", "Bob |120", "|0", "! x |4", "Start Level |9", "|7", "|0", "|0", "EVE |-30"}},
+    };
+    for (const auto& c : cases) {
+        WriteSettings(c.text);
         CMenuSystem menus;
-        EXPECT_FALSE(menus.IsMusicOn());
-        EXPECT_TRUE(menus.IsSoundOn() && menus.IsStarsOn() && menus.IsStatsOn());
-        EXPECT_EQ(menus.GetStartLevel(), 1);
-        EXPECT_EQ(Table(menus.GetHighScores()), EmptyTable);
+        const std::string switches{char('0' + menus.IsMusicOn()), char('0' + menus.IsSoundOn()),
+                                   char('0' + menus.IsStarsOn()), char('0' + menus.IsStatsOn())};
+        EXPECT_EQ(switches, c.switches) << c.text;
+        EXPECT_EQ(menus.GetStartLevel(), c.startLevel) << c.text;
+        EXPECT_EQ(Table(menus.GetHighScores()), c.table) << c.text;
     }
-    // Any order, comments, bare line feeds, a last line without one.
-    WriteSettings("! Music = On\n\nSound FX = on\nmy Background Stars\nStart Level =  -7x\nMusic = Off\n"
-                  "Start Level\nShip/Turrent Stats = Onward\nStart Level = 99999999999");
-    CMenuSystem menus;
-    EXPECT_FALSE(menus.IsMusicOn());
-    EXPECT_FALSE(menus.IsSoundOn());
-    EXPECT_FALSE(menus.IsStarsOn());
-    EXPECT_TRUE(menus.IsStatsOn());
-    EXPECT_EQ(menus.GetStartLevel(), 2147483647);
 }
 
 // A start level beyond the options' range, as the file gave it, stands until
@@ -197,21 +197,6 @@ TEST_F(SettingsFileTest, AStartLevelOutOfRangeStandsUntilTheArrowsBringItBack)
     menus.OnKey(VK_LEFT, true);
     menus.OnKey(VK_RIGHT, true);
     EXPECT_EQ(menus.GetStartLevel(), 24);
-}
-
-TEST_F(SettingsFileTest, TheTableNeedsAllTenLinesAfterItsHeader)
-{
-    WriteSettings(DefaultOptionLines + "High Scores\r\nANN = 5\r\n" + EmptyLines(8));
-    EXPECT_EQ(Table(CMenuSystem().GetHighScores()), EmptyTable);
-    // The ten lines are entries whatever they hold; reading goes on after them.
-    WriteSettings("High Scores\r\nBob=120\r\nMusic = Off\r\nBob = 120\r\n\r\n! x = 4\r\nStart Level = 9\r\n"
-                  "=7\r\n\r\n\r\nEVE = -30\r\nSound FX = Off\r\n");
-    CMenuSystem menus;
-    EXPECT_EQ(Table(menus.GetHighScores()), (std::vector<std::string>{"Bob|120", "Music |0", "Bob |120", "|0", "! x |4",
-                                                                      "Start Level |9", "|7", "|0", "|0", "EVE |-30"}));
-    EXPECT_TRUE(menus.IsMusicOn());
-    EXPECT_EQ(menus.GetStartLevel(), 1);
-    EXPECT_FALSE(menus.IsSoundOn());
 }
 
 TEST_F(SettingsFileTest, AMissingFileIsCreatedEmptyAndWrittenWholeAtTheEnd)
