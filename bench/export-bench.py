@@ -50,7 +50,7 @@ def main():
     folder = tempfile.mkdtemp(prefix="qv-export-bench-")
     try:
         for name in os.listdir(options.data):
-            if not name.startswith(".") and name != "quelvarion.ini":
+            if not name.startswith(".") and name not in ("quelvarion.ini", "last-game.qvr"):
                 os.symlink(os.path.abspath(os.path.join(options.data, name)), os.path.join(folder, name))
         speeds = {replay: [] for replay in REPLAYS}
         for _ in range(options.runs):

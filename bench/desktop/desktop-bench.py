@@ -183,7 +183,7 @@ class Run:
 
     def __enter__(self):
         for name in os.listdir(self.data):
-            if name != SETTINGS_FILE and not name.startswith("."):
+            if name not in (SETTINGS_FILE, "last-game.qvr") and not name.startswith("."):
                 os.symlink(os.path.join(self.data, name), os.path.join(self.scratch, name))
         with open(os.path.join(self.scratch, SETTINGS_FILE), "wb") as f:
             f.write(settings(self.music))
