@@ -36,9 +36,12 @@ CWorldCheckpoint::ListShape CWorldCheckpoint::ShapeOf(const CLinkedList& list, c
     shape.sorted = list.IsSorted();
     shape.midOffset = list.GetMidOffset();
     for (const CLinkedItem* node = list.GetHead(); node; node = node->GetNext()) {
+        const std::int32_t index = IndexOf(indices, node->GetData());
+        if (index == None)
+            continue;
         if (node == list.GetMiddle())
             shape.middle = shape.nodes.size();
-        shape.nodes.push_back(IndexOf(indices, node->GetData()) * NodesPerObject + WhichNode(node));
+        shape.nodes.push_back(index * NodesPerObject + WhichNode(node));
     }
     return shape;
 }
@@ -60,12 +63,9 @@ void CWorldCheckpoint::Keep(const CWorld& world, CSpriteList& liveLooks)
         if (object && indices.emplace(object, static_cast<std::int32_t>(objects.size())).second)
             objects.emplace_back(object->Clone());
     };
+    // The world owns what its master list holds; nothing else is kept.
     for (const CLinkedItem* node = world.masterList.GetHead(); node; node = node->GetNext())
         keep(node->GetData());
-    keep(world.player);
-    for (const CLinkedList& band : world.bands)
-        for (const CLinkedItem* node = band.GetHead(); node; node = node->GetNext())
-            keep(node->GetData());
 
     master = ShapeOf(world.masterList, indices);
     bands.clear();
