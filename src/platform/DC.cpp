@@ -10,6 +10,18 @@
 
 namespace {
 constexpr std::uint8_t FullCoverage = 255;
+
+// The colour laid over the pixel at this coverage out of 255, each channel
+// rounded down as the 5-6-5 pixel keeps it.
+inline void BlendPixel(std::uint16_t& pixel, COLORREF colour, std::uint32_t coverage)
+{
+    const COLORREF under = Platform::UnpackRgb565(pixel);
+    auto mix = [coverage](std::uint32_t over, std::uint32_t below) {
+        return static_cast<std::uint8_t>((over * coverage + below * (FullCoverage - coverage)) / FullCoverage);
+    };
+    pixel = Platform::PackRgb565(RGB(mix(GetRValue(colour), GetRValue(under)), mix(GetGValue(colour), GetGValue(under)),
+                                     mix(GetBValue(colour), GetBValue(under))));
+}
 } // namespace
 
 CDC::CDC(std::uint16_t* surfaceBits, std::int32_t pitchInPixels, std::int32_t w, std::int32_t h)
@@ -145,13 +157,7 @@ SIZE CDC::GetTextExtent(const std::string& text) const
 
 void CDC::Blend(std::int32_t x, std::int32_t y, COLORREF colour, std::uint8_t coverage)
 {
-    const COLORREF under = Platform::UnpackRgb565(At(x, y));
-    auto mix = [coverage](std::uint8_t over, std::uint8_t below) {
-        return static_cast<std::uint8_t>((over * coverage + below * (255 - coverage)) / 255);
-    };
-    At(x, y) = Platform::PackRgb565(RGB(mix(GetRValue(colour), GetRValue(under)),
-                                        mix(GetGValue(colour), GetGValue(under)),
-                                        mix(GetBValue(colour), GetBValue(under))));
+    BlendPixel(At(x, y), colour, coverage);
 }
 
 bool CDC::TextOut(std::int32_t x, std::int32_t y, const std::string& text)
@@ -168,15 +174,17 @@ bool CDC::TextOut(std::int32_t x, std::int32_t y, const std::string& text)
     std::int32_t pen = x;
     for (unsigned char ch : text) {
         const Glyph& glyph = face->GetGlyph(ch);
-        for (std::int32_t gy = 0; gy < glyph.height; ++gy) {
-            for (std::int32_t gx = 0; gx < glyph.width; ++gx) {
-                const std::uint8_t c = glyph.coverage[static_cast<std::size_t>(gy) * glyph.width + gx];
-                if (c == 0 || !OnSurface(pen + gx, y + gy))
-                    continue;
-                if (c == FullCoverage)
-                    At(pen + gx, y + gy) = solid;
-                else
-                    Blend(pen + gx, y + gy, textColour, c);
+        // The part of the letter on the surface.
+        const std::int32_t left = std::max(0, -pen), right = std::min(glyph.width, width - pen);
+        const std::int32_t top = std::max(0, -y), bottom = std::min(glyph.height, height - y);
+        for (std::int32_t gy = top; gy < bottom && left < right; ++gy) {
+            const std::uint8_t* coverage = glyph.coverage.data() + static_cast<std::size_t>(gy) * glyph.width + left;
+            std::uint16_t* row = &At(pen + left, y + gy);
+            for (std::int32_t i = 0; i < right - left; ++i) {
+                if (coverage[i] == FullCoverage)
+                    row[i] = solid;
+                else if (coverage[i] != 0)
+                    BlendPixel(row[i], textColour, coverage[i]);
             }
         }
         pen += glyph.advance;
