@@ -42,8 +42,12 @@ void CLimiter::Process(float* stereo, std::size_t frames)
 // only slows the climb back.
 float CLimiter::ProcessGain(float need)
 {
-    needs[at % needs.size()] = need;
-    const float hold = *std::min_element(needs.begin(), needs.end());
+    // Most frames need nothing: while none in the look-ahead does, the
+    // smallest need is 1 without looking at them.
+    float& slot = needs[at % needs.size()];
+    needing += (need < 1.0f) - (slot < 1.0f);
+    slot = need;
+    const float hold = needing ? *std::min_element(needs.begin(), needs.end()) : 1.0f;
     float& oldest = holds[at % lookAhead];
     holdSum += static_cast<double>(hold) - oldest;
     oldest = hold;

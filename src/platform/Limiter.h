@@ -25,6 +25,7 @@ private:
     double releasePerFrame;
     std::vector<float> delayed; // the frames in the look-ahead, stereo
     std::vector<float> needs;   // the gain each frame in the look-ahead needs, and the newest
+    int needing = 0;            // how many of them are below 1
     std::vector<float> holds;   // the smallest need around each of the last frames
     std::size_t at = 0;
     double holdSum = 0.0;
