@@ -15,6 +15,8 @@ constexpr int SmallGap = 96; // output pixels
 // p weighted by (256 - w) and q by w, each 8-bit channel apart.
 inline std::uint32_t Blend(std::uint32_t p, std::uint32_t q, std::uint32_t w)
 {
+    if (p == q)
+        return p; // the most common case by far: black beside black
     const std::uint32_t v = FullWeight - w;
     const std::uint32_t rb = (((p & RedBlue) * v + (q & RedBlue) * w) >> 8) & RedBlue;
     const std::uint32_t ga = ((((p & GreenAlpha) >> 8) * v + ((q & GreenAlpha) >> 8) * w)) & GreenAlpha;
@@ -34,16 +36,25 @@ std::uint32_t* Row(std::uint32_t* output, int pitch, int y)
 }
 
 // Whether a tile's stretch of two rows is the same: a whole tile compared in
-// four 8-byte words, with no call for every tile of a row that changed.
+// two 8-byte words, with no call for every tile of a row that changed.
 bool SameStretch(const std::uint16_t* a, const std::uint16_t* b, int count)
 {
     if (count != CPictureScaler::TileWidth)
         return std::memcmp(a, b, sizeof(std::uint16_t) * static_cast<std::size_t>(count)) == 0;
-    std::uint64_t x[4], y[4];
+    std::uint64_t x[2], y[2];
     static_assert(sizeof x == sizeof(std::uint16_t) * CPictureScaler::TileWidth);
     std::memcpy(x, a, sizeof x);
     std::memcpy(y, b, sizeof y);
-    return ((x[0] ^ y[0]) | (x[1] ^ y[1]) | (x[2] ^ y[2]) | (x[3] ^ y[3])) == 0;
+    return ((x[0] ^ y[0]) | (x[1] ^ y[1])) == 0;
+}
+
+using TileMask = CPictureScaler::TileMask;
+constexpr int MaskBits = 128;
+
+int TrailingZeros(TileMask mask)
+{
+    const auto low = static_cast<std::uint64_t>(mask);
+    return low ? std::countr_zero(low) : 64 + std::countr_zero(static_cast<std::uint64_t>(mask >> 64));
 }
 
 } // namespace
@@ -99,19 +110,25 @@ void CPictureScaler::Configure(const PictureFit& newFit, int newPictureWidth, in
 
 void CPictureScaler::FindChangedTiles(const std::uint16_t* picture, int picturePitch)
 {
+    // A row is compared in stretches of a few tiles, each at the speed of
+    // memcmp, and only a stretch that differs is looked at tile by tile and
+    // kept: a changed row mostly holds a star or two.
+    constexpr int StretchWidth = 16 * TileWidth;
     std::fill(changed.begin(), changed.end(), 0);
     for (int y = 0; y < pictureHeight; ++y) {
         const std::uint16_t* now = Row(picture, picturePitch, y);
         std::uint16_t* before = previous.data() + static_cast<std::ptrdiff_t>(y) * pictureWidth;
-        if (std::memcmp(now, before, sizeof(std::uint16_t) * pictureWidth) == 0)
-            continue;
-        std::uint64_t& mask = changed[static_cast<std::size_t>(y / TileHeight)];
-        for (int x = 0, tile = 0; x < pictureWidth; x += TileWidth, ++tile) {
-            const int count = std::min(TileWidth, pictureWidth - x);
-            if (!SameStretch(now + x, before + x, count))
-                mask |= std::uint64_t{1} << tile;
+        TileMask& mask = changed[static_cast<std::size_t>(y / TileHeight)];
+        for (int start = 0; start < pictureWidth; start += StretchWidth) {
+            const auto bytes = sizeof(std::uint16_t) * static_cast<std::size_t>(std::min(StretchWidth, pictureWidth - start));
+            if (std::memcmp(now + start, before + start, bytes) == 0)
+                continue;
+            const int end = std::min(start + StretchWidth, pictureWidth);
+            for (int x = start; x < end; x += TileWidth)
+                if (!SameStretch(now + x, before + x, std::min(TileWidth, end - x)))
+                    mask |= TileMask{1} << (x / TileWidth);
+            std::memcpy(before + start, now + start, bytes);
         }
-        std::memcpy(before, now, sizeof(std::uint16_t) * pictureWidth);
     }
 }
 
@@ -120,10 +137,10 @@ void CPictureScaler::DrawAll(std::uint32_t* output, int outputPitch)
     for (int y = 0; y < outputHeight; ++y)
         std::fill_n(Row(output, outputPitch, y), outputWidth, 0u);
     const auto tiles = tileFirstColumn.size();
-    std::fill(changed.begin(), changed.end(), tiles >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << tiles) - 1);
+    std::fill(changed.begin(), changed.end(), tiles >= MaskBits ? ~TileMask{0} : (TileMask{1} << tiles) - 1);
 }
 
-std::uint64_t CPictureScaler::RowMask(int row) const
+TileMask CPictureScaler::RowMask(int row) const
 {
     const Tap& tap = down[static_cast<std::size_t>(row)];
     return changed[static_cast<std::size_t>(tap.first / TileHeight)] |
@@ -142,17 +159,17 @@ std::pair<int, int> CPictureScaler::Columns(int firstTile, int lastTile) const
 
 // Calls use(first, last) for each run of set bits in mask.
 template <typename Use>
-void ForEachRun(std::uint64_t mask, Use use)
+void ForEachRun(TileMask mask, Use use)
 {
     while (mask) {
-        const int first = std::countr_zero(mask);
-        const int length = std::countr_one(mask >> first);
-        use(first, first + length - 1);
-        mask = length + first >= 64 ? 0 : mask & ~((~std::uint64_t{0} >> (64 - length - first)));
+        const int first = TrailingZeros(mask);
+        const int end = first + TrailingZeros(~(mask >> first)); // one past the run
+        use(first, end - 1);
+        mask = end >= MaskBits ? 0 : mask & ~(~TileMask{0} >> (MaskBits - end));
     }
 }
 
-void CPictureScaler::Widen(WideRow& row, std::uint64_t tiles, const std::uint16_t* pictureRow) const
+void CPictureScaler::Widen(WideRow& row, TileMask tiles, const std::uint16_t* pictureRow) const
 {
     const std::uint32_t* colour = colours.data();
     ForEachRun(tiles, [&](int firstTile, int lastTile) {
@@ -166,7 +183,7 @@ void CPictureScaler::Widen(WideRow& row, std::uint64_t tiles, const std::uint16_
     row.done |= tiles;
 }
 
-const std::uint32_t* CPictureScaler::Widened(int source, int other, std::uint64_t mask, const std::uint16_t* picture,
+const std::uint32_t* CPictureScaler::Widened(int source, int other, TileMask mask, const std::uint16_t* picture,
                                              int picturePitch)
 {
     WideRow* row = wide[0].source == source ? &wide[0] : wide[1].source == source ? &wide[1] : nullptr;
@@ -176,7 +193,7 @@ const std::uint32_t* CPictureScaler::Widened(int source, int other, std::uint64_
         row->done = 0;
         row->pixels.resize(static_cast<std::size_t>(fit.width));
     }
-    if (const std::uint64_t missing = mask & ~row->done)
+    if (const TileMask missing = mask & ~row->done)
         Widen(*row, missing, Row(picture, picturePitch, source));
     return row->pixels.data();
 }
@@ -232,7 +249,7 @@ const std::vector<CPictureScaler::Rect>& CPictureScaler::Scale(const std::uint16
         open.clear();
     };
     for (int row = 0; row < fit.height; ++row) {
-        const std::uint64_t mask = RowMask(row);
+        const TileMask mask = RowMask(row);
         spans.clear();
         if (mask) {
             const Tap& v = down[static_cast<std::size_t>(row)];
