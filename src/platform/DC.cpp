@@ -5,6 +5,7 @@
 #include "platform/Surface.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -169,8 +170,21 @@ bool CDC::TextOut(std::int32_t x, std::int32_t y, const std::string& text)
         const SIZE extent = GetTextExtent(text);
         FillRect({x, y, x + extent.cx, y + extent.cy}, bkColour);
     }
-    // A pixel the letter covers wholly is the text colour itself.
+    // A pixel the letter covers wholly is the text colour itself. Most edge
+    // pixels lie over the ground (black, or the opaque background), so the
+    // blend over it is worked out once for each coverage met.
     const std::uint16_t solid = Platform::PackRgb565(textColour);
+    const std::uint16_t ground = bkMode == OPAQUE ? Platform::PackRgb565(bkColour) : 0;
+    std::array<std::uint16_t, FullCoverage> overGround;
+    std::array<bool, FullCoverage> known{};
+    auto blendOverGround = [&](std::uint8_t c) {
+        if (!known[c]) {
+            overGround[c] = ground;
+            BlendPixel(overGround[c], textColour, c);
+            known[c] = true;
+        }
+        return overGround[c];
+    };
     std::int32_t pen = x;
     for (unsigned char ch : text) {
         const Glyph& glyph = face->GetGlyph(ch);
@@ -178,13 +192,22 @@ bool CDC::TextOut(std::int32_t x, std::int32_t y, const std::string& text)
         const std::int32_t left = std::max(0, -pen), right = std::min(glyph.width, width - pen);
         const std::int32_t top = std::max(0, -y), bottom = std::min(glyph.height, height - y);
         for (std::int32_t gy = top; gy < bottom && left < right; ++gy) {
-            const std::uint8_t* coverage = glyph.coverage.data() + static_cast<std::size_t>(gy) * glyph.width + left;
-            std::uint16_t* row = &At(pen + left, y + gy);
-            for (std::int32_t i = 0; i < right - left; ++i) {
-                if (coverage[i] == FullCoverage)
+            const Glyph::Inked& inked = glyph.inked[static_cast<std::size_t>(gy)];
+            const std::int32_t from = std::max(left, inked.first), to = std::min(right, inked.end);
+            if (from >= to)
+                continue;
+            const std::uint8_t* coverage = glyph.coverage.data() + static_cast<std::size_t>(gy) * glyph.width + from;
+            std::uint16_t* row = &At(pen + from, y + gy);
+            for (std::int32_t i = 0; i < to - from; ++i) {
+                const std::uint8_t c = coverage[i];
+                if (c == FullCoverage)
                     row[i] = solid;
-                else if (coverage[i] != 0)
-                    BlendPixel(row[i], textColour, coverage[i]);
+                else if (c == 0)
+                    continue;
+                else if (row[i] == ground)
+                    row[i] = blendOverGround(c);
+                else
+                    BlendPixel(row[i], textColour, c);
             }
         }
         pen += glyph.advance;

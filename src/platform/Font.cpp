@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 struct CFontFace::FontHandle {
@@ -174,6 +175,18 @@ const Glyph& CFontFace::GetGlyph(unsigned char ch)
             SDL_UnlockSurface(argb);
             SDL_FreeSurface(argb);
         }
+    }
+    slot->inked.resize(static_cast<std::size_t>(slot->height));
+    for (std::int32_t y = 0; y < slot->height; ++y) {
+        const auto row = slot->coverage.begin() + static_cast<std::ptrdiff_t>(y) * slot->width;
+        const auto end = row + slot->width;
+        const auto first = std::find_if(row, end, [](std::uint8_t c) { return c != 0; });
+        if (first == end)
+            continue;
+        const auto last = std::find_if(std::make_reverse_iterator(end), std::make_reverse_iterator(first),
+                                       [](std::uint8_t c) { return c != 0; });
+        slot->inked[static_cast<std::size_t>(y)] = {static_cast<std::int32_t>(first - row),
+                                                    static_cast<std::int32_t>(last.base() - row)};
     }
     return *slot;
 }

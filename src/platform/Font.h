@@ -39,6 +39,12 @@ struct Glyph {
     std::int32_t height = 0;
     std::int32_t advance = 0;
     std::vector<std::uint8_t> coverage;
+    // Per row, the columns from the first covered pixel to one past the
+    // last: most of a letter's box is empty, and drawing skips it.
+    struct Inked {
+        std::int32_t first = 0, end = 0;
+    };
+    std::vector<Inked> inked;
 };
 
 // A face chosen and sized for one request. Glyphs are rendered once, on first
