@@ -214,25 +214,27 @@ TEST(Scaling, ModesAreNamedAndSteppedThroughInTurn)
 struct ScaledPicture {
     static constexpr int Width = 64, Height = 48;
     static std::uint32_t Widened(std::uint32_t v) { return (v & 0xFF) * 0x01000001u | (v >> 8) * 0x00010100u; }
-    std::vector<std::uint16_t> pixels = std::vector<std::uint16_t>(Width * Height);
+    int pictureWidth;
+    std::vector<std::uint16_t> pixels;
     int outputWidth, outputHeight;
     PictureFit fit;
     std::vector<std::uint32_t> output;
     CPictureScaler scaler;
 
-    ScaledPicture(ScaleMode mode, int width, int height)
-        : outputWidth(width), outputHeight(height),
-          fit(Platform::FitPicture(mode, Width, Height, width, height)),
+    ScaledPicture(ScaleMode mode, int width, int height, int pictureWidth = Width, int pictureHeight = Height)
+        : pictureWidth(pictureWidth), pixels(static_cast<std::size_t>(pictureWidth * pictureHeight)),
+          outputWidth(width), outputHeight(height),
+          fit(Platform::FitPicture(mode, pictureWidth, pictureHeight, width, height)),
           output(static_cast<std::size_t>(width * height), 0xDEADBEEF)
     {
         std::vector<std::uint32_t> colours(1u << 16);
         for (std::uint32_t v = 0; v < colours.size(); ++v)
             colours[v] = Widened(v);
-        scaler.Configure(fit, Width, Height, width, height, colours);
+        scaler.Configure(fit, pictureWidth, pictureHeight, width, height, colours);
     }
     const std::vector<CPictureScaler::Rect>& Scale()
     {
-        return scaler.Scale(pixels.data(), Width * 2, output.data(), outputWidth * 4);
+        return scaler.Scale(pixels.data(), pictureWidth * 2, output.data(), outputWidth * 4);
     }
 };
 
@@ -255,12 +257,17 @@ TEST(PictureScaler, AWholeMultipleRepeatsEachPixelAndLeavesBlackBars)
 
 // What changed is drawn again, and only it: the picture scaled a change at
 // a time equals the picture scaled afresh, and every output pixel that
-// changed lies in a rectangle said to be drawn.
+// changed lies in a rectangle said to be drawn. The widest picture is the
+// game's own width: a row of the most tiles.
 TEST(PictureScaler, ScalingOnlyWhatChangedEqualsScalingAfresh)
 {
+    struct Size {
+        int width, height, pictureWidth, pictureHeight;
+    };
     for (ScaleMode mode : {ScaleMode::Integer, ScaleMode::Smooth, ScaleMode::Sharp})
-        for (auto [width, height] : {std::pair{300, 170}, std::pair{50, 40}}) {
-            ScaledPicture kept(mode, width, height);
+        for (auto [width, height, pictureWidth, pictureHeight] :
+             {Size{300, 170, 64, 48}, Size{50, 40, 64, 48}, Size{1500, 30, 1024, 16}}) {
+            ScaledPicture kept(mode, width, height, pictureWidth, pictureHeight);
             kept.Scale();
             std::mt19937 random(11);
             for (int frame = 0; frame < 20; ++frame) {
@@ -268,7 +275,7 @@ TEST(PictureScaler, ScalingOnlyWhatChangedEqualsScalingAfresh)
                 for (int n = 0; n < 5; ++n) // a few stars move
                     kept.pixels[random() % kept.pixels.size()] = static_cast<std::uint16_t>(random());
                 const auto drawn = kept.Scale();
-                ScaledPicture fresh(mode, width, height);
+                ScaledPicture fresh(mode, width, height, pictureWidth, pictureHeight);
                 fresh.pixels = kept.pixels;
                 fresh.Scale();
                 ASSERT_EQ(kept.output, fresh.output) << Platform::ScaleModeName(mode) << " " << width << ", frame " << frame;
