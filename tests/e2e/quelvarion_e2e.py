@@ -10,6 +10,7 @@ import ctypes
 import ctypes.util
 import math
 import os
+import pathlib
 import pwd
 import re
 import shutil
@@ -106,9 +107,6 @@ class Screen:
         width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
         return x, y, width, height
 
-    def brightest(self):
-        return max(self.pixels) if self.pixels else 0
-
     def lit_pixels(self, threshold=40):
         """How many pixels have a channel above threshold: what is drawn over black."""
         p = self.pixels
@@ -154,9 +152,7 @@ class Recording:
     STEP = AUDIO_RATE // 100
 
     def __init__(self, path):
-        self.samples = array.array("h")
-        with open(path, "rb") as f:
-            self.samples.frombytes(f.read())
+        self.samples = array.array("h", pathlib.Path(path).read_bytes())
         if self.samples.itemsize != 2 or sys.byteorder != "little":
             fail("the recording is not read as it was written")
         step = 2 * self.STEP
@@ -217,7 +213,7 @@ class _ClientMessage(ctypes.Structure):
 
 
 def showing_title(screen):
-    return screen.game_picture().brightest() > 100
+    return max(screen.game_picture().pixels) > 100
 
 
 def menu_entry(screen):
@@ -299,12 +295,15 @@ class Game:
             if settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
         elif ordinary_user and unprivileged_user():
-            self.copy_game_for_ordinary_user()
+            # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
+            for name in game_data(self.data):
+                source = os.path.join(self.data, name)
+                (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, os.path.join(self.folder, name))
+            self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
         else:
             link_game_data(self.folder, tune=tune)
         if settings is not None:
-            with open(self.settings_path(), "wb") as f:
-                f.write(settings)
+            pathlib.Path(self.settings_path()).write_bytes(settings)
         if ordinary_user:
             os.chmod(self.scratch, 0o777)  # the player's folder is theirs
         self.log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
@@ -322,23 +321,12 @@ class Game:
             raise
         return self
 
-    def copy_game_for_ordinary_user(self):
-        # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
-        for name in game_data(self.data):
-            source = os.path.join(self.data, name)
-            (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, os.path.join(self.folder, name))
-        self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
-
     def start(self, command, **streams):
         """Starts a program in the game's folder, on its display, as its player."""
         if self.ordinary_user:
             command = as_ordinary_user(command)
-        # In a sanitizer build, leaks are the unit tests' business: on a real X
-        # server SDL's system libraries keep memory the leak checker cannot tell from the game's.
-        audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record \
-            else {"SDL_AUDIODRIVER": "dummy"}
-        env = self.env(ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0",
-                       XDG_DATA_HOME=self.scratch, XDG_CONFIG_HOME=self.config_home, **audio)
+        audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record else {}
+        env = game_env(self.display, self.config_home, XDG_DATA_HOME=self.scratch, **audio)
         return subprocess.Popen(command, cwd=self.scratch, env=env, stdout=subprocess.DEVNULL, **streams)
 
     def __exit__(self, kind, value, trace):
@@ -351,18 +339,13 @@ class Game:
         shutil.rmtree(self.scratch, ignore_errors=True)
         return False
 
-    def env(self, **extra):
-        env = dict(os.environ, DISPLAY=self.display, **extra)
-        env.pop("SDL_VIDEODRIVER", None)
-        return env
-
-    def x(self, *command, check=True):
-        return subprocess.run(list(command), env=self.env(), capture_output=True, text=True, check=check,
-                              timeout=10).stdout
+    def x(self, *command):
+        return on_display(self.display, *command, check=True)
 
     def current_window(self):
-        """The game's window now: the first one SDL makes may be replaced by another."""
-        return find_window(self.display, "Quelvarion")
+        """The game's newest visible window: the first one SDL makes may be replaced by another."""
+        found = on_display(self.display, "xdotool", "search", "--onlyvisible", "--name", "^Quelvarion$").split()
+        return found[-1] if found else None
 
     def wait_for_window(self, timeout=20):
         def shown():
@@ -448,8 +431,7 @@ class Game:
     # What a player sees.
 
     def screenshot(self):
-        raw = subprocess.run(["import", "-window", "root", "-depth", "8", "rgb:-"], env=self.env(),
-                             capture_output=True, check=True).stdout
+        raw = on_display(self.display, "import", "-window", "root", "-depth", "8", "rgb:-", check=True, text=False)
         width, height = self.screen_size
         if len(raw) != 3 * width * height:
             fail(f"a screenshot of {len(raw)} bytes for a {width}x{height} screen")
@@ -471,8 +453,7 @@ class Game:
         return os.path.join(self.folder, SETTINGS_FILE)
 
     def settings_saved(self):
-        with open(self.settings_path(), "rb") as f:
-            return f.read()
+        return pathlib.Path(self.settings_path()).read_bytes()
 
     def recording_path(self):
         return os.path.join(self.scratch, "output.raw")
@@ -494,8 +475,7 @@ class Game:
 
     def said(self):
         """What the game has written on stderr so far."""
-        with open(self.log_path(), encoding="utf-8", errors="replace") as f:
-            return f.read()
+        return pathlib.Path(self.log_path()).read_text(encoding="utf-8", errors="replace")
 
     def wait_said(self, words, timeout=10):
         wait_until(lambda: words in self.said(), f"the game said {words!r} (it said {self.said()!r})", timeout, 0.1)
@@ -546,15 +526,10 @@ class XServer:
         return False
 
 
-def on_display(display, *command, timeout=10):
-    return subprocess.run(command, env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
-                          timeout=timeout).stdout
-
-
-def find_window(display, title):
-    """The newest visible window of that title on display, or None."""
-    found = on_display(display, "xdotool", "search", "--onlyvisible", "--name", f"^{title}$").split()
-    return found[-1] if found else None
+def on_display(display, *command, timeout=10, check=False, text=True):
+    """What an X tool run on display prints."""
+    return subprocess.run(command, env=dict(os.environ, DISPLAY=display), capture_output=True, text=text,
+                          check=check, timeout=timeout).stdout
 
 
 def find_error_box(display):
@@ -622,18 +597,25 @@ def replace_art(folder, blank=None):
         if name != "blank.bmp":
             os.symlink(os.path.join(source, name), os.path.join(art, name))
     if blank is not None:
-        with open(os.path.join(art, "blank.bmp"), "wb") as f:
-            f.write(blank)
+        pathlib.Path(art, "blank.bmp").write_bytes(blank)
+
+
+def game_env(display, config_home, **extra):
+    """The environment of a game on display (or on none at all), with no sound unless extra says otherwise."""
+    env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
+    if display:
+        env["DISPLAY"] = display
+    # In a sanitizer build, leaks are the unit tests' business: the system libraries SDL
+    # loads keep memory the leak checker cannot tell from the game's.
+    env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=config_home,
+               ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
+    return dict(env, **extra)
 
 
 def start_program(args, folder, display=None, **streams):
     """The game started in folder, on display (or with none at all), with no sound."""
-    env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
-    if display:
-        env["DISPLAY"] = display
-    env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=os.path.join(folder, ".config-test"),
-               ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
-    return subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env, **streams)
+    return subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder,
+                            env=game_env(display, os.path.join(folder, ".config-test")), **streams)
 
 
 def run_program(args, folder, display=None, answer_box=False, timeout=30):
