@@ -8,6 +8,7 @@ QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR, QV_BUILD_DIR and QV_ASSETGEN."""
 import array
 import ctypes
 import ctypes.util
+import itertools
 import math
 import os
 import pathlib
@@ -100,10 +101,14 @@ class Screen:
     def game_picture(self):
         return self.crop(*self.game_area())
 
+    def convert(self, *args):
+        """What ImageMagick's convert makes of this picture."""
+        return subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-", *args],
+                              input=self.pixels, capture_output=True, check=True).stdout
+
     def drawn_box(self):
         """x, y, width and height of the smallest rectangle holding every pixel that is not black."""
-        found = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
-                                "-format", "%@", "info:"], input=self.pixels, capture_output=True, check=True).stdout
+        found = self.convert("-format", "%@", "info:")
         width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
         return x, y, width, height
 
@@ -120,9 +125,8 @@ class Screen:
 
     def lit_cells(self, columns, rows, threshold=6):
         """The (column, row) cells of a grid over the screen in which something is drawn."""
-        raw = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
-                              "-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
-                              "-depth", "8", "gray:-"], input=self.pixels, capture_output=True, check=True).stdout
+        raw = self.convert("-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
+                           "-depth", "8", "gray:-")
         return {(i % columns, i // columns) for i, level in enumerate(raw) if level > threshold}
 
     def mean_difference(self, other, step=1):
@@ -135,8 +139,7 @@ class Screen:
         return total / (3 * len(indices))
 
     def save(self, path):
-        subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-", path],
-                       input=self.pixels, check=True)
+        self.convert(path)
 
 
 def picture_file(path, width, height):
@@ -165,16 +168,9 @@ class Recording:
     def silences(self, start=0.0, end=None):
         """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
         first, last = int(start * 100), min(int((end if end is not None else self.seconds()) * 100), len(self.peaks))
-        runs, begun = [], None
-        for i in range(first, last):
-            if self.peaks[i] < SILENT_PEAK:
-                begun = i if begun is None else begun
-            elif begun is not None:
-                runs.append((begun / 100, (i - begun) / 100))
-                begun = None
-        if begun is not None:
-            runs.append((begun / 100, (last - begun) / 100))
-        return runs
+        silent = lambda i: self.peaks[i] < SILENT_PEAK
+        runs = [list(run) for quiet, run in itertools.groupby(range(first, last), silent) if quiet]
+        return [(run[0] / 100, len(run) / 100) for run in runs]
 
     def sound_after_silence(self, at_least):
         """When sound starts again after the first silence of at least that many seconds."""
@@ -210,6 +206,14 @@ class _ClientMessage(ctypes.Structure):
     _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
                 ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
                 ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("pad", ctypes.c_long * 12)]
+
+
+def wait_for_screen(screenshot, accept, what="the screen showed what was expected", timeout=20, every=0.2):
+    """The first screenshot() that `accept` takes, within timeout seconds."""
+    def accepted():
+        shot = screenshot()
+        return shot if accept(shot) else None
+    return wait_until(accepted, what, timeout, every)
 
 
 def showing_title(screen):
@@ -438,11 +442,7 @@ class Game:
         return Screen(width, height, raw)
 
     def wait_for_screen(self, accept, timeout=20, every=0.2):
-        """The first screenshot that `accept` takes, within timeout seconds."""
-        def accepted():
-            shot = self.screenshot()
-            return shot if accept(shot) else None
-        return wait_until(accepted, "the screen showed what was expected", timeout, every)
+        return wait_for_screen(self.screenshot, accept, timeout=timeout, every=every)
 
     def art(self, name, width, height):
         return picture_file(os.path.join(self.data, "art", name), width, height)

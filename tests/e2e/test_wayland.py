@@ -24,12 +24,11 @@ import subprocess
 import tempfile
 import time
 
-from quelvarion_e2e import (expect_equal, fail, game_env, link_game_data, on_display, run, start_xvfb,
-                            wait_until)
+from quelvarion_e2e import (Screen, expect_equal, fail, game_env, link_game_data, menu_entry, on_display, run,
+                            showing_main_menu, start_xvfb, wait_for_screen, wait_until)
 
 OUTPUT = (1280, 1024)
 SOCKET = "qv-wayland"
-MENU_STEP = 50  # pixels between two entries of the main menu, whose chosen entry is yellow
 # The median time between two pictures: never faster than the output's 60 Hz,
 # and drawing on. How near 60 a second it comes on a busy machine, where the
 # compositor draws in software too and every message is logged, is printed,
@@ -70,8 +69,7 @@ class Wayland:
     def __exit__(self, kind, value, trace):
         if kind is not None:
             keep = os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir())
-            subprocess.run(["import", "-window", "root", os.path.join(keep, "qv-e2e-test_wayland.png")],
-                           env=dict(os.environ, DISPLAY=self.display), check=False)
+            self.screenshot().save(os.path.join(keep, "qv-e2e-test_wayland.png"))
             print(self.protocol()[-3000:])
         for process in self.processes:
             if process.poll() is None:
@@ -119,16 +117,8 @@ class Wayland:
             except AssertionError:
                 pass
 
-    def chosen_entry(self):
-        """The height of the yellow on the screen (the menu's chosen entry), or None: the
-        compositor places the window where it likes."""
-        width, height = OUTPUT
-        band = 300  # wide, about the middle, where the entries' names are
-        raw = self.x("import", "-window", "root", "-crop", f"{band}x{height}+{(width - band) // 2}+0", "-depth", "8",
-                     "rgb:-")
-        rows = [i // 3 // band for i in range(0, len(raw) - 2, 3)
-                if raw[i] > 200 and raw[i + 1] > 200 and raw[i + 2] < 100]
-        return statistics.mean(rows) if len(rows) > 50 else None
+    def screenshot(self):
+        return Screen(*OUTPUT, self.x("import", "-window", "root", "-depth", "8", "rgb:-"))
 
     def frame_intervals(self):
         """The milliseconds between the game window's next PICTURES pictures."""
@@ -153,9 +143,9 @@ def wayland():
             fail("no title")
         # The title gives way to the menu once the window has the keyboard.
         w.give_keyboard()
-        first = wait_until(w.chosen_entry, "the main menu", timeout=60)
+        first = menu_entry(wait_for_screen(w.screenshot, showing_main_menu, "the main menu", timeout=60))
         w.x("xdotool", "key", "Down")
-        wait_until(lambda: (w.chosen_entry() or 0) > first + MENU_STEP / 2, "Down reached the menu", timeout=10)
+        wait_for_screen(w.screenshot, lambda shot: menu_entry(shot) == first + 1, "Down reached the menu", timeout=10)
 
         intervals = w.frame_intervals()
         median = statistics.median(intervals)
