@@ -8,8 +8,10 @@ QV_GAME, QV_SNAPSHOT_GAME, QV_GAME_DIR, QV_BUILD_DIR and QV_ASSETGEN."""
 import array
 import ctypes
 import ctypes.util
+import itertools
 import math
 import os
+import pathlib
 import pwd
 import re
 import shutil
@@ -99,15 +101,16 @@ class Screen:
     def game_picture(self):
         return self.crop(*self.game_area())
 
+    def convert(self, *args):
+        """What ImageMagick's convert makes of this picture."""
+        return subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-", *args],
+                              input=self.pixels, capture_output=True, check=True).stdout
+
     def drawn_box(self):
         """x, y, width and height of the smallest rectangle holding every pixel that is not black."""
-        found = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
-                                "-format", "%@", "info:"], input=self.pixels, capture_output=True, check=True).stdout
+        found = self.convert("-format", "%@", "info:")
         width, height, x, y = map(int, re.match(rb"(\d+)x(\d+)\+(\d+)\+(\d+)", found).groups())
         return x, y, width, height
-
-    def brightest(self):
-        return max(self.pixels) if self.pixels else 0
 
     def lit_pixels(self, threshold=40):
         """How many pixels have a channel above threshold: what is drawn over black."""
@@ -122,9 +125,8 @@ class Screen:
 
     def lit_cells(self, columns, rows, threshold=6):
         """The (column, row) cells of a grid over the screen in which something is drawn."""
-        raw = subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-",
-                              "-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
-                              "-depth", "8", "gray:-"], input=self.pixels, capture_output=True, check=True).stdout
+        raw = self.convert("-colorspace", "gray", "-filter", "box", "-resize", f"{columns}x{rows}!",
+                           "-depth", "8", "gray:-")
         return {(i % columns, i // columns) for i, level in enumerate(raw) if level > threshold}
 
     def mean_difference(self, other, step=1):
@@ -137,8 +139,7 @@ class Screen:
         return total / (3 * len(indices))
 
     def save(self, path):
-        subprocess.run(["convert", "-size", f"{self.width}x{self.height}", "-depth", "8", "rgb:-", path],
-                       input=self.pixels, check=True)
+        self.convert(path)
 
 
 def picture_file(path, width, height):
@@ -154,9 +155,7 @@ class Recording:
     STEP = AUDIO_RATE // 100
 
     def __init__(self, path):
-        self.samples = array.array("h")
-        with open(path, "rb") as f:
-            self.samples.frombytes(f.read())
+        self.samples = array.array("h", pathlib.Path(path).read_bytes())
         if self.samples.itemsize != 2 or sys.byteorder != "little":
             fail("the recording is not read as it was written")
         step = 2 * self.STEP
@@ -169,16 +168,9 @@ class Recording:
     def silences(self, start=0.0, end=None):
         """Every run of silent hundredths between start and end seconds, as (start, length) in seconds."""
         first, last = int(start * 100), min(int((end if end is not None else self.seconds()) * 100), len(self.peaks))
-        runs, begun = [], None
-        for i in range(first, last):
-            if self.peaks[i] < SILENT_PEAK:
-                begun = i if begun is None else begun
-            elif begun is not None:
-                runs.append((begun / 100, (i - begun) / 100))
-                begun = None
-        if begun is not None:
-            runs.append((begun / 100, (last - begun) / 100))
-        return runs
+        silent = lambda i: self.peaks[i] < SILENT_PEAK
+        runs = [list(run) for quiet, run in itertools.groupby(range(first, last), silent) if quiet]
+        return [(run[0] / 100, len(run) / 100) for run in runs]
 
     def sound_after_silence(self, at_least):
         """When sound starts again after the first silence of at least that many seconds."""
@@ -216,8 +208,16 @@ class _ClientMessage(ctypes.Structure):
                 ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("pad", ctypes.c_long * 12)]
 
 
+def wait_for_screen(screenshot, accept, what="the screen showed what was expected", timeout=20, every=0.2):
+    """The first screenshot() that `accept` takes, within timeout seconds."""
+    def accepted():
+        shot = screenshot()
+        return shot if accept(shot) else None
+    return wait_until(accepted, what, timeout, every)
+
+
 def showing_title(screen):
-    return screen.game_picture().brightest() > 100
+    return max(screen.game_picture().pixels) > 100
 
 
 def menu_entry(screen):
@@ -299,12 +299,15 @@ class Game:
             if settings is not None:
                 os.makedirs(self.folder)  # a player coming back; the launcher makes it otherwise
         elif ordinary_user and unprivileged_user():
-            self.copy_game_for_ordinary_user()
+            # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
+            for name in game_data(self.data):
+                source = os.path.join(self.data, name)
+                (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, os.path.join(self.folder, name))
+            self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
         else:
             link_game_data(self.folder, tune=tune)
         if settings is not None:
-            with open(self.settings_path(), "wb") as f:
-                f.write(settings)
+            pathlib.Path(self.settings_path()).write_bytes(settings)
         if ordinary_user:
             os.chmod(self.scratch, 0o777)  # the player's folder is theirs
         self.log = open(self.log_path(), "wb")  # before prepare, which may close the folder to its owner too
@@ -322,23 +325,12 @@ class Game:
             raise
         return self
 
-    def copy_game_for_ordinary_user(self):
-        # The build may lie where that user cannot reach (a checkout in root's home, mode 700).
-        for name in game_data(self.data):
-            source = os.path.join(self.data, name)
-            (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, os.path.join(self.folder, name))
-        self.program = shutil.copy(self.program, os.path.join(self.folder, ".quelvarion-program"))
-
     def start(self, command, **streams):
         """Starts a program in the game's folder, on its display, as its player."""
         if self.ordinary_user:
             command = as_ordinary_user(command)
-        # In a sanitizer build, leaks are the unit tests' business: on a real X
-        # server SDL's system libraries keep memory the leak checker cannot tell from the game's.
-        audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record \
-            else {"SDL_AUDIODRIVER": "dummy"}
-        env = self.env(ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0",
-                       XDG_DATA_HOME=self.scratch, XDG_CONFIG_HOME=self.config_home, **audio)
+        audio = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": self.recording_path()} if self.record else {}
+        env = game_env(self.display, self.config_home, XDG_DATA_HOME=self.scratch, **audio)
         return subprocess.Popen(command, cwd=self.scratch, env=env, stdout=subprocess.DEVNULL, **streams)
 
     def __exit__(self, kind, value, trace):
@@ -351,18 +343,13 @@ class Game:
         shutil.rmtree(self.scratch, ignore_errors=True)
         return False
 
-    def env(self, **extra):
-        env = dict(os.environ, DISPLAY=self.display, **extra)
-        env.pop("SDL_VIDEODRIVER", None)
-        return env
-
-    def x(self, *command, check=True):
-        return subprocess.run(list(command), env=self.env(), capture_output=True, text=True, check=check,
-                              timeout=10).stdout
+    def x(self, *command):
+        return on_display(self.display, *command, check=True)
 
     def current_window(self):
-        """The game's window now: the first one SDL makes may be replaced by another."""
-        return find_window(self.display, "Quelvarion")
+        """The game's newest visible window: the first one SDL makes may be replaced by another."""
+        found = on_display(self.display, "xdotool", "search", "--onlyvisible", "--name", "^Quelvarion$").split()
+        return found[-1] if found else None
 
     def wait_for_window(self, timeout=20):
         def shown():
@@ -448,19 +435,14 @@ class Game:
     # What a player sees.
 
     def screenshot(self):
-        raw = subprocess.run(["import", "-window", "root", "-depth", "8", "rgb:-"], env=self.env(),
-                             capture_output=True, check=True).stdout
+        raw = on_display(self.display, "import", "-window", "root", "-depth", "8", "rgb:-", check=True, text=False)
         width, height = self.screen_size
         if len(raw) != 3 * width * height:
             fail(f"a screenshot of {len(raw)} bytes for a {width}x{height} screen")
         return Screen(width, height, raw)
 
     def wait_for_screen(self, accept, timeout=20, every=0.2):
-        """The first screenshot that `accept` takes, within timeout seconds."""
-        def accepted():
-            shot = self.screenshot()
-            return shot if accept(shot) else None
-        return wait_until(accepted, "the screen showed what was expected", timeout, every)
+        return wait_for_screen(self.screenshot, accept, timeout=timeout, every=every)
 
     def art(self, name, width, height):
         return picture_file(os.path.join(self.data, "art", name), width, height)
@@ -471,8 +453,7 @@ class Game:
         return os.path.join(self.folder, SETTINGS_FILE)
 
     def settings_saved(self):
-        with open(self.settings_path(), "rb") as f:
-            return f.read()
+        return pathlib.Path(self.settings_path()).read_bytes()
 
     def recording_path(self):
         return os.path.join(self.scratch, "output.raw")
@@ -494,8 +475,7 @@ class Game:
 
     def said(self):
         """What the game has written on stderr so far."""
-        with open(self.log_path(), encoding="utf-8", errors="replace") as f:
-            return f.read()
+        return pathlib.Path(self.log_path()).read_text(encoding="utf-8", errors="replace")
 
     def wait_said(self, words, timeout=10):
         wait_until(lambda: words in self.said(), f"the game said {words!r} (it said {self.said()!r})", timeout, 0.1)
@@ -546,15 +526,10 @@ class XServer:
         return False
 
 
-def on_display(display, *command, timeout=10):
-    return subprocess.run(command, env=dict(os.environ, DISPLAY=display), capture_output=True, text=True,
-                          timeout=timeout).stdout
-
-
-def find_window(display, title):
-    """The newest visible window of that title on display, or None."""
-    found = on_display(display, "xdotool", "search", "--onlyvisible", "--name", f"^{title}$").split()
-    return found[-1] if found else None
+def on_display(display, *command, timeout=10, check=False, text=True):
+    """What an X tool run on display prints."""
+    return subprocess.run(command, env=dict(os.environ, DISPLAY=display), capture_output=True, text=text,
+                          check=check, timeout=timeout).stdout
 
 
 def find_error_box(display):
@@ -622,18 +597,25 @@ def replace_art(folder, blank=None):
         if name != "blank.bmp":
             os.symlink(os.path.join(source, name), os.path.join(art, name))
     if blank is not None:
-        with open(os.path.join(art, "blank.bmp"), "wb") as f:
-            f.write(blank)
+        pathlib.Path(art, "blank.bmp").write_bytes(blank)
+
+
+def game_env(display, config_home, **extra):
+    """The environment of a game on display (or on none at all), with no sound unless extra says otherwise."""
+    env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
+    if display:
+        env["DISPLAY"] = display
+    # In a sanitizer build, leaks are the unit tests' business: the system libraries SDL
+    # loads keep memory the leak checker cannot tell from the game's.
+    env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=config_home,
+               ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
+    return dict(env, **extra)
 
 
 def start_program(args, folder, display=None, **streams):
     """The game started in folder, on display (or with none at all), with no sound."""
-    env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER")}
-    if display:
-        env["DISPLAY"] = display
-    env.update(SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=os.path.join(folder, ".config-test"),
-               ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
-    return subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder, env=env, **streams)
+    return subprocess.Popen([os.environ["QV_GAME"]] + list(args), cwd=folder,
+                            env=game_env(display, os.path.join(folder, ".config-test")), **streams)
 
 
 def run_program(args, folder, display=None, answer_box=False, timeout=30):

@@ -7,6 +7,7 @@ failed and what to do; where there is a display, the error box shows as well,
 and without any display the game ends instead of playing unseen. No run leaves
 a file in a folder without the game's data."""
 import os
+import pathlib
 import re
 import tempfile
 
@@ -24,10 +25,10 @@ def options_in(lines, pattern):
 def expect_documented(help_text):
     listed = options_in(help_text.splitlines(), r"  (--[a-z-]+) ?([A-Z]*)")
     expect_equal(len(listed) >= 5, True, f"options --help lists: {help_text!r}")
-    readme = open(os.path.join(SOURCE, "README.md")).read()
+    readme = pathlib.Path(SOURCE, "README.md").read_text()
     table = readme[readme.index("## Command line"):].split("\n\n")[1].splitlines()
     expect_equal(options_in(table, r"\| `(--[a-z-]+)[ =]?([A-Z]*)"), listed, "the README's options against --help")
-    manual = open(os.path.join(SOURCE, "packaging", "quelvarion.6")).read().replace("\\-", "-")
+    manual = pathlib.Path(SOURCE, "packaging", "quelvarion.6").read_text().replace("\\-", "-")
     items = manual[manual.index(".SH OPTIONS"):].split(".SH")[1].split(".TP\n")[1:]
     expect_equal(options_in(items, r"\.BI? (--[a-z-]+)=? ?\"? ?([a-zA-Z]*)"), listed,
                  "the manual page's options against --help")

@@ -5,6 +5,7 @@ ends promptly, keeps what the player had and frees the folder for the next game.
 import ctypes
 import fcntl
 import os
+import pathlib
 import re
 import shutil
 import signal
@@ -60,8 +61,7 @@ def task_states(pid):
     states = []
     try:
         for task in os.listdir(f"/proc/{pid}/task"):
-            with open(f"/proc/{pid}/task/{task}/stat") as f:
-                states.append(f.read().rsplit(")", 1)[1].split()[0])
+            states.append(pathlib.Path(f"/proc/{pid}/task/{task}/stat").read_text().rsplit(")", 1)[1].split()[0])
     except FileNotFoundError:
         pass
     return states
@@ -230,8 +230,8 @@ def box_faults(scratch):
         with XServer() as x:
             game = start_program([], folder, x.display, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             wait_error_box(x.display, game)
-            with open(f"/proc/{game.pid}/task/{game.pid}/children") as f:
-                helpers = [int(child) for child in f.read().split()]
+            children = pathlib.Path(f"/proc/{game.pid}/task/{game.pid}/children").read_text()
+            helpers = [int(child) for child in children.split()]
             if end == "signal":
                 game.terminate()
             else:
@@ -293,8 +293,7 @@ def full_disk(scratch):
         return
     try:
         def prepare(folder):
-            with open(os.path.join(mount, SETTINGS_FILE), "wb") as f:
-                f.write(SETTINGS)
+            pathlib.Path(mount, SETTINGS_FILE).write_bytes(SETTINGS)
             os.remove(os.path.join(folder, SETTINGS_FILE))
             os.symlink(os.path.join(mount, SETTINGS_FILE), os.path.join(folder, SETTINGS_FILE))
 
@@ -309,8 +308,7 @@ def full_disk(scratch):
             game.terminate()
             expect_ended(game.game, (0,), "disk full at the save", prompt=False)
             game.wait_said("the disk is full")
-            with open(os.path.join(mount, SETTINGS_FILE), "rb") as f:
-                expect_equal(f.read(), SETTINGS, "full disk: quelvarion.ini")
+            expect_equal(pathlib.Path(mount, SETTINGS_FILE).read_bytes(), SETTINGS, "full disk: quelvarion.ini")
     finally:
         subprocess.run(["umount", "-l", mount])
 

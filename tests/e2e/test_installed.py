@@ -6,6 +6,7 @@ player's own folder, with links to the installed data, and the player's
 settings stay in that folder. The launcher keeps to the XDG rules."""
 import fcntl
 import os
+import pathlib
 import shutil
 import subprocess
 import tempfile
@@ -22,11 +23,6 @@ def tree(folder):
     return sorted(os.path.relpath(os.path.join(d, n), folder) for d, _, names in os.walk(folder) for n in names)
 
 
-def read(prefix, path):
-    with open(os.path.join(prefix, path)) as f:
-        return f.read()
-
-
 def install_after_play(prefix):
     """Installs with a player's files in the build's game folder, as a game
     played there leaves them; the ones made here are removed again. Another
@@ -37,8 +33,7 @@ def install_after_play(prefix):
         made = [os.path.join(data, n) for n in PLAYER_FILES if not os.path.exists(os.path.join(data, n))]
         try:
             for path in made:
-                with open(path, "w") as f:
-                    f.write("the player's\n")
+                pathlib.Path(path).write_text("the player's\n")
             subprocess.run(["cmake", "--install", os.environ["QV_BUILD_DIR"], "--prefix", prefix],
                            check=True, capture_output=True)
         finally:
@@ -58,14 +53,14 @@ def check_installation(prefix):
         path = os.path.join(prefix, f"share/icons/hicolor/{size}x{size}/apps/quelvarion.png")
         found = subprocess.run(["identify", "-format", "%m %wx%h", path], capture_output=True, text=True).stdout
         expect_equal(found, f"PNG {size}x{size}", f"the {size} px icon")
-    if "<svg" not in read(prefix, "share/icons/hicolor/scalable/apps/quelvarion.svg"):
+    if "<svg" not in pathlib.Path(prefix, "share/icons/hicolor/scalable/apps/quelvarion.svg").read_text():
         fail("the scalable icon is no SVG picture")
     if shutil.which("man"):
         manual = subprocess.run(["man", "-l", os.path.join(prefix, "share/man/man6/quelvarion.6")],
                                 capture_output=True, text=True, env=dict(os.environ, MANWIDTH="80"))
         if manual.returncode != 0 or "--windowed" not in manual.stdout.replace("\u2010", "-"):
             fail(f"the manual page does not read: {manual.stderr!r}")
-    if not read(prefix, "share/doc/quelvarion/LICENSE").startswith("MIT License"):
+    if not pathlib.Path(prefix, "share/doc/quelvarion/LICENSE").read_text().startswith("MIT License"):
         fail("the licence is not the MIT licence the metainfo names")
 
 
@@ -77,8 +72,7 @@ def check_launcher_folders(prefix):
     launch = lambda command, env, cwd="/": subprocess.run(command, env=env, capture_output=True, text=True,
                                                           timeout=30, cwd=cwd)
     with tempfile.TemporaryDirectory(prefix="qv-home-") as home:
-        with open(os.path.join(home, "bad.qvr"), "wb") as f:
-            f.write(b"QVREPLAY")
+        pathlib.Path(home, "bad.qvr").write_bytes(b"QVREPLAY")
         result = launch([launcher, "--verify", "bad.qvr"], dict(os.environ, HOME=home), cwd=home)
         if result.returncode != 3 or os.path.join(home, "bad.qvr") not in result.stderr:
             fail(f"a replay named from the launcher's folder: status {result.returncode}, {result.stderr!r}")

@@ -8,6 +8,7 @@ tests' business.)"""
 import array
 import math
 import os
+import pathlib
 import shutil
 import subprocess
 import sys
@@ -16,13 +17,14 @@ import time
 
 from quelvarion_e2e import (GAME_HEIGHT, GAME_WIDTH, LAST_GAME, SETTINGS_FILE, Game, expect_equal, fail,
                             link_game_data, pause, picture_file, run, run_program, settings_text,
-                            showing_main_menu)
+                            showing_box_screen_title, showing_design_screen, showing_main_menu)
 
 # Those of them played in the level are compared. Frames in a run of idle ones
-# (menus, a paused level) are replayed at the run's mean length, so what
-# animates by time (sprites in place) may be a frame apart from there on in the
-# menus: on a slow machine a late frame pauses the level, and the later frames
-# show the menu over it.
+# (the menus, the design screen, a paused level) are replayed at the run's mean
+# length, so what animates by time (sprites in place) may be a frame apart
+# there: frames that show a menu, a box screen or the design screen are left
+# out (on a slow machine a late frame pauses the level, and the later frames
+# show the menu over it).
 SNAPSHOT_FRAMES = [20, 150, 250, 400, 600, 900]
 PLAY_SECONDS = float(os.environ.get("QV_REPLAY_PLAY_SECONDS", "12"))
 # The corner the marker is written in: it must differ there and nowhere else.
@@ -37,35 +39,9 @@ SANITIZED = os.environ.get("QV_SANITIZED")
 os.environ["QV_GAME"] = os.environ.get("QV_SNAPSHOT_GAME", os.environ["QV_GAME"])
 
 
-def varint(data, at):
-    value = shift = 0
-    while True:
-        value |= (data[at] & 0x7F) << shift
-        shift, at = shift + 7, at + 1
-        if not data[at - 1] & 0x80:
-            return value, at
-
-
-def idle_frames(data):
-    """The frames of the replay's runs of idle frames, read past its header."""
-    at = 8 + 2
-    at += 1 + data[at] + 2            # the game's version, the rules' version
-    at += 4 + 4 + 4 + 1 + 1 + 2       # random state, serial, start level, options, screen, cursor
-    for _ in range(10):               # the high-score table
-        at += 1 + data[at] + 4
-    stars, at = varint(data, at)
-    at, frame, idle = at + stars * 14, 0, set()
-    while data[at] in (0x01, 0x02, 0x03, 0x10):
-        tag, at = data[at], at + 1
-        if tag == 0x10:               # an input: its message and key
-            at = varint(data, varint(data, at)[1])[1]
-        elif tag == 0x03:             # a run of idle frames
-            count, at = varint(data, at)
-            idle.update(range(frame, frame + count))
-            at, frame = at + 12, frame + count
-        else:                         # a frame
-            at, frame = (varint(data, at)[1] + 4 if tag == 0x01 else at + 12), frame + 1
-    return idle
+def in_level(picture):
+    """Whether a kept frame shows the level played with nothing over it."""
+    return not (showing_main_menu(picture) or showing_design_screen(picture) or showing_box_screen_title(picture))
 
 
 def record(replay_file, snapshots):
@@ -102,10 +78,9 @@ def replay_flow():
             os.makedirs(path)
         os.environ["QV_SNAPSHOT_FRAMES"] = ",".join(map(str, SNAPSHOT_FRAMES))
         record(replay_file, recorded)
-        idle = idle_frames(open(replay_file, "rb").read())
         kept = lambda f: os.path.join(recorded, f"frame-{f}.bmp")
-        frames = [f for f in SNAPSHOT_FRAMES if f not in idle and os.path.exists(kept(f))
-                  and not showing_main_menu(picture_file(kept(f), GAME_WIDTH, GAME_HEIGHT))]
+        frames = [f for f in SNAPSHOT_FRAMES if os.path.exists(kept(f))
+                  and in_level(picture_file(kept(f), GAME_WIDTH, GAME_HEIGHT))]
         if len(frames) < 2:
             fail(f"too few frames recorded to compare: {frames}")
 
@@ -134,17 +109,18 @@ def replay_flow():
 
 def damaged_replay_changes_nothing(replay_file, work):
     """--replay of a damaged file says so (status 3) and leaves the settings as the player wrote them."""
-    data = bytearray(open(replay_file, "rb").read())
+    data = bytearray(pathlib.Path(replay_file).read_bytes())
     data[len(data) // 2] ^= 0x40
     damaged, folder = os.path.join(work, "damaged.qvr"), os.path.join(work, "damaged")
-    open(damaged, "wb").write(data)
+    pathlib.Path(damaged).write_bytes(data)
     os.makedirs(folder)
     link_game_data(folder)
     kept = b"; the player's own note\r\n" + settings_text({"Start Level": "3"})
-    open(os.path.join(folder, SETTINGS_FILE), "wb").write(kept)
+    settings = pathlib.Path(folder, SETTINGS_FILE)
+    settings.write_bytes(kept)
     status, _, err = run_program(["--replay", damaged], folder)
     expect_equal((status, "damaged" in err), (3, True), f"--replay of a damaged file: {err!r}")
-    expect_equal(open(os.path.join(folder, SETTINGS_FILE), "rb").read(), kept, "the settings after --replay")
+    expect_equal(settings.read_bytes(), kept, "the settings after --replay")
 
 
 # Watching FAST: (keys pressed once its window is up, arguments, the fewest and most seconds it may
@@ -181,9 +157,9 @@ def recorded_pace_flow():
             fail(f"--replay {' '.join(args)} with keys {keys} took {seconds:.1f} s")
     # A recording of format 1 (no checksum) with focus lost after its last frame.
     with tempfile.TemporaryDirectory(prefix="qv-replay-pace-") as work:
-        data = open(os.path.join(GOLDEN, "hand-level6.qvr"), "rb").read()
+        data = pathlib.Path(GOLDEN, "hand-level6.qvr").read_bytes()
         unfocused = os.path.join(work, "unfocused.qvr")
-        open(unfocused, "wb").write(data[:-FORMAT_1_END_BYTES] + bytes([0x10, 0x1C, 0x00]) +
+        pathlib.Path(unfocused).write_bytes(data[:-FORMAT_1_END_BYTES] + bytes([0x10, 0x1C, 0x00]) +
                                     data[-FORMAT_1_END_BYTES:])
         watched_seconds(unfocused)
 
@@ -231,7 +207,7 @@ def export_flow():
         link_game_data(work)
         tools, kept, video = (os.path.join(work, name) for name in ("tools", "kept.rgb", "game.mp4"))
         os.makedirs(tools)
-        open(os.path.join(tools, "ffmpeg"), "w").write(PICTURE_KEEPER)
+        pathlib.Path(tools, "ffmpeg").write_text(PICTURE_KEEPER)
         os.chmod(os.path.join(tools, "ffmpeg"), 0o755)
         os.environ.update(PATH=tools + os.pathsep + path, QV_REAL_FFMPEG=shutil.which("ffmpeg"),
                           QV_KEEP_PICTURE=str(PICTURE_AT), QV_KEPT_PICTURE=kept)
@@ -246,7 +222,7 @@ def export_flow():
             fail("the video's sound is silent")
         picture = decoded(video, "-vf", f"select=eq(n\\,{PICTURE_AT})", "-vsync", "0", "-frames:v", "1",
                           "-f", "rawvideo", "-pix_fmt", "rgb24")
-        ours = open(kept, "rb").read()
+        ours = pathlib.Path(kept).read_bytes()
         if len(picture) != len(ours) or len(ours) != GAME_WIDTH * GAME_HEIGHT * 3:
             fail(f"pictures of {len(picture)} and {len(ours)} bytes")
         mse = sum((x - y) ** 2 for x, y in zip(picture, ours)) / len(ours)

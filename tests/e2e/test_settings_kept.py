@@ -7,6 +7,7 @@ of a running game says so, on stderr and in its error box, ends with status
 1 and touches nothing; the first plays on and saves as usual. (Settings that
 are a link are the unit tests' business.)"""
 import os
+import pathlib
 import tempfile
 
 from quelvarion_e2e import (MAIN_MENU, NO_STARS, SETTINGS_FILE, Game, dismiss_error_box, expect_equal,
@@ -19,8 +20,7 @@ LEFTOVER = f"{SETTINGS_FILE}.4194305.tmp"
 
 
 def leave_leftover(folder):
-    with open(os.path.join(folder, LEFTOVER), "wb") as f:
-        f.write(b"Start Level = 7\r\n")
+    pathlib.Path(folder, LEFTOVER).write_bytes(b"Start Level = 7\r\n")
 
 
 def read_only_file(folder):

@@ -6,24 +6,29 @@ than 60 pictures a second, and a signal still ends the game in order.
 
 Weston runs nested in an X server of its own: its headless backend offers no
 seat (no keyboard at all), and SDL 2.26 crashes starting its video on a
-compositor without one. Its kiosk shell gives the keyboard to the game's
-window at once and keeps every window over the whole output, so Alt+Enter
-changes what the game asks, not what the compositor shows. What the game asks
+compositor without one. Its kiosk shell keeps every window over the whole
+output, so Alt+Enter changes what the game asks, not what the compositor
+shows. Weston hands the keyboard on to the game only while its own X window
+holds the X keyboard, and only at the moment it gets it: the hand-over is
+repeated until the game is told it has the keyboard. What the game asks
 of the compositor and what it answers is read from the Wayland protocol log
 (WAYLAND_DEBUG)."""
+import itertools
 import os
+import pathlib
 import re
 import shutil
 import signal
 import statistics
 import subprocess
 import tempfile
+import time
 
-from quelvarion_e2e import expect_equal, fail, link_game_data, run, start_xvfb, wait_until
+from quelvarion_e2e import (Screen, expect_equal, fail, game_env, link_game_data, menu_entry, on_display, run,
+                            showing_main_menu, start_xvfb, wait_for_screen, wait_until)
 
 OUTPUT = (1280, 1024)
 SOCKET = "qv-wayland"
-MENU_STEP = 50  # pixels between two entries of the main menu, whose chosen entry is yellow
 # The median time between two pictures: never faster than the output's 60 Hz,
 # and drawing on. How near 60 a second it comes on a busy machine, where the
 # compositor draws in software too and every message is logged, is printed,
@@ -40,7 +45,7 @@ class Wayland:
     """Weston in an X server of its own, and the game on it."""
 
     def __enter__(self):
-        self.scratch, self.moves = tempfile.mkdtemp(prefix="qv-e2e-wayland-"), 0
+        self.scratch = tempfile.mkdtemp(prefix="qv-e2e-wayland-")
         self.runtime, self.folder, self.config, self.log = (
             os.path.join(self.scratch, name) for name in ("run", "game", "config", "game.log"))
         os.makedirs(self.runtime, mode=0o700)
@@ -53,12 +58,8 @@ class Wayland:
             env=dict(os.environ, DISPLAY=self.display, XDG_RUNTIME_DIR=self.runtime),
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)]
         wait_until(lambda: os.path.exists(os.path.join(self.runtime, SOCKET)), "weston listens")
-        env = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "SDL_VIDEODRIVER")}
-        env.update(WAYLAND_DISPLAY=SOCKET, XDG_RUNTIME_DIR=self.runtime, SDL_VIDEODRIVER="wayland",
-                   WAYLAND_DEBUG="client", SDL_AUDIODRIVER="dummy", XDG_CONFIG_HOME=self.config,
-                   XDG_DATA_HOME=self.scratch,
-                   # The Wayland client libraries SDL loads keep memory past the end.
-                   ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0")
+        env = game_env(None, self.config, WAYLAND_DISPLAY=SOCKET, XDG_RUNTIME_DIR=self.runtime,
+                       SDL_VIDEODRIVER="wayland", WAYLAND_DEBUG="client", XDG_DATA_HOME=self.scratch)
         with open(self.log, "wb") as log:
             self.game = subprocess.Popen([os.environ["QV_GAME"], "--windowed"], cwd=self.folder, env=env,
                                          stdout=subprocess.DEVNULL, stderr=log)
@@ -68,8 +69,7 @@ class Wayland:
     def __exit__(self, kind, value, trace):
         if kind is not None:
             keep = os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir())
-            subprocess.run(["import", "-window", "root", os.path.join(keep, "qv-e2e-test_wayland.png")],
-                           env=dict(os.environ, DISPLAY=self.display), check=False)
+            self.screenshot().save(os.path.join(keep, "qv-e2e-test_wayland.png"))
             print(self.protocol()[-3000:])
         for process in self.processes:
             if process.poll() is None:
@@ -79,37 +79,46 @@ class Wayland:
         return False
 
     def protocol(self):
-        with open(self.log, errors="replace") as f:
-            return f.read()
+        return pathlib.Path(self.log).read_text(errors="replace")
 
     def x(self, *command):
-        return subprocess.run(command, env=dict(os.environ, DISPLAY=self.display), capture_output=True,
-                              check=True, timeout=10).stdout
+        return on_display(self.display, *command, check=True, text=False)
 
     def has_keyboard(self):
         focus = re.findall(r"wl_keyboard" + ID + r"\.(enter|leave)\(", self.protocol())
         return bool(focus) and focus[-1] == "enter"
 
-    def give_keyboard(self):
-        """Weston's own window takes the X keyboard, and gives it to the window under
-        the pointer, which must move to be seen. False: it is not given yet."""
-        weston = re.findall(r"(0x[0-9a-f]+) \"Weston Compositor", self.x("xwininfo", "-root", "-children").decode())
-        if weston:
-            self.x("xdotool", "windowfocus", "--sync", weston[0])
-            self.moves += 1
-            self.x("xdotool", "mousemove", str(OUTPUT[0] // 2 + self.moves % 2 * 10), str(OUTPUT[1] // 2))
-        return False
+    def weston_window(self):
+        """Weston's own X window, once it is mapped (focus cannot go to it before)."""
+        found = re.findall(rb"(0x[0-9a-f]+) \"Weston Compositor", self.x("xwininfo", "-root", "-children"))
+        return found and b"IsViewable" in self.x("xwininfo", "-id", found[0]) and found[0].decode()
 
-    def chosen_entry(self):
-        """The height of the yellow on the screen (the menu's chosen entry), or None: the
-        compositor places the window where it likes."""
-        width, height = OUTPUT
-        band = 300  # wide, about the middle, where the entries' names are
-        raw = self.x("import", "-window", "root", "-crop", f"{band}x{height}+{(width - band) // 2}+0", "-depth", "8",
-                     "rgb:-")
-        rows = [i // 3 // band for i in range(0, len(raw) - 2, 3)
-                if raw[i] > 200 and raw[i + 1] > 200 and raw[i + 2] < 100]
-        return statistics.mean(rows) if len(rows) > 50 else None
+    def give_keyboard(self, timeout=60):
+        """Gives the game the keyboard, once its window is drawn: weston's own X window takes
+        the X keyboard and hands it on. A hand-over can be lost, and focusing a window that
+        has the keyboard already changes nothing: a try after the first takes it away first.
+        A click on the game's window, which the game does not heed, has the kiosk shell
+        make it the active one."""
+        wait_until(lambda: ".get_xdg_surface(" in self.protocol() and self.weston_window(), "the game's window")
+        deadline = time.monotonic() + timeout
+        root = re.search(rb"Window id: (0x[0-9a-f]+)", self.x("xwininfo", "-root")).group(1).decode()
+        for tries in itertools.count():
+            if self.has_keyboard():
+                return
+            if time.monotonic() > deadline:
+                fail(f"never: the game had the keyboard (in {timeout} s, {tries} tries)")
+            if tries:
+                print("the keyboard was not handed over: again")
+                self.x("xdotool", "windowfocus", "--sync", root)
+            self.x("xdotool", "windowfocus", "--sync", self.weston_window(), "mousemove",
+                   str(OUTPUT[0] // 2 + 10 * (tries % 2 + 1)), str(OUTPUT[1] // 2), "click", "1")
+            try:
+                wait_until(self.has_keyboard, "wl_keyboard.enter", timeout=5)
+            except AssertionError:
+                pass
+
+    def screenshot(self):
+        return Screen(*OUTPUT, self.x("import", "-window", "root", "-depth", "8", "rgb:-"))
 
     def frame_intervals(self):
         """The milliseconds between the game window's next PICTURES pictures."""
@@ -133,10 +142,10 @@ def wayland():
         if 'set_title("Quelvarion")' not in w.protocol():
             fail("no title")
         # The title gives way to the menu once the window has the keyboard.
-        first = wait_until(lambda: (w.has_keyboard() or w.give_keyboard()) and w.chosen_entry(), "the main menu",
-                           timeout=60)
+        w.give_keyboard()
+        first = menu_entry(wait_for_screen(w.screenshot, showing_main_menu, "the main menu", timeout=60))
         w.x("xdotool", "key", "Down")
-        wait_until(lambda: (w.chosen_entry() or 0) > first + MENU_STEP / 2, "Down reached the menu", timeout=10)
+        wait_for_screen(w.screenshot, lambda shot: menu_entry(shot) == first + 1, "Down reached the menu", timeout=10)
 
         intervals = w.frame_intervals()
         median = statistics.median(intervals)
@@ -146,8 +155,8 @@ def wayland():
 
         if not re.search(r"xdg_toplevel" + ID + rf"\.configure\({OUTPUT[0]}, {OUTPUT[1]}, ", w.protocol()):
             fail("the window never filled the output")
-        mode_file = os.path.join(w.config, "quelvarion", "window-mode")
-        remembered = lambda: open(mode_file).read() if os.path.exists(mode_file) else ""
+        mode_file = pathlib.Path(w.config, "quelvarion", "window-mode")
+        remembered = lambda: mode_file.read_text() if mode_file.exists() else ""
         modes = []
         for _ in range(3):  # each press the other mode from what the window is now
             before = remembered()

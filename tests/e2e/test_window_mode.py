@@ -6,6 +6,7 @@ picture fills the screen as --scale or F10 says, and F10's choice is
 remembered too, as are the volume keys' steps. F12 keeps the game's frame as
 a PNG, and keys of the player's own stand for the game's."""
 import os
+import pathlib
 import re
 import tempfile
 
@@ -21,7 +22,7 @@ TRACED = ["Application Constructor", "Screen Width 1024", "********* Initialisat
 
 
 def check_trace(log_path):
-    traced = [m for m in map(TRACE_LINE.match, open(log_path).read().splitlines()) if m]
+    traced = [m for m in map(TRACE_LINE.match, pathlib.Path(log_path).read_text().splitlines()) if m]
     texts, times = [m.group(2) for m in traced], [float(m.group(1)) for m in traced]
     found = [texts.index(line) if line in texts else None for line in TRACED]
     if None in found or found != sorted(found):
@@ -83,8 +84,7 @@ def scaling():
             game.wait_for_screen(lambda shot: notice(shot) < 10, timeout=20)  # for a moment only
             game.keys("F10")
             expect_picture_in(game, (240, 0, 1440, 1080), "sharp at 1920x1080: fitted")
-        with open(os.path.join(config, "quelvarion", "comforts")) as f:
-            expect_equal(f.read(), "scale = sharp\n", "the comforts file")
+        expect_equal(pathlib.Path(config, "quelvarion", "comforts").read_text(), "scale = sharp\n", "the comforts file")
         # Fitted as the first start's default, smooth, is; F10 goes on from sharp to integer.
         with Game(screen=(1920, 1080), config_home=config) as game:
             expect_picture_in(game, (240, 0, 1440, 1080), "sharp, remembered, at 1920x1080")
@@ -96,9 +96,8 @@ def comforts_keys():
     with tempfile.TemporaryDirectory(prefix="qv-e2e-config-") as config:
         pictures = os.path.join(config, "pictures", "Quelvarion")
         os.makedirs(os.path.join(config, "quelvarion"))
-        comforts = os.path.join(config, "quelvarion", "comforts")
-        with open(comforts, "w") as f:
-            f.write("key-down = K\nkey-up = A\nvolume-music = 3\n")
+        comforts = pathlib.Path(config, "quelvarion", "comforts")
+        comforts.write_text("key-down = K\nkey-up = A\nvolume-music = 3\n")
         os.environ["XDG_PICTURES_DIR"] = os.path.dirname(pictures)
         with Game(args=["--windowed"], screen=WINDOW, config_home=config,
                   settings=settings_text(NO_STARS)) as game:
@@ -115,9 +114,8 @@ def comforts_keys():
                          "the screenshot's pixels against the screen's")
             if "key-up: A is a key a laser fires on; the line is left out" not in game.said():
                 fail("no word about the key line left out")
-        with open(comforts) as f:
-            expect_equal(f.read(), "key-down = K\nkey-up = A\nvolume-music = 4\nvolume-effects = 9\n",
-                         "the comforts file")
+        expect_equal(comforts.read_text(), "key-down = K\nkey-up = A\nvolume-music = 4\nvolume-effects = 9\n",
+                     "the comforts file")
 
 
 run(window_mode, scaling, comforts_keys)

@@ -22,8 +22,7 @@ public:
     CFrameSnapshots(const char* list, const char* dir) : folder(dir)
     {
         std::stringstream in(list);
-        std::string item;
-        while (std::getline(in, item, ','))
+        for (std::string item; std::getline(in, item, ',');)
             if (!item.empty())
                 frames.insert(std::strtoull(item.c_str(), nullptr, 10));
     }
