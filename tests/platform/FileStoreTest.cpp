@@ -101,13 +101,12 @@ TEST_F(SaveFileTest, ASaveKilledAtAnyStepLeavesTheOldOrTheNewFileAndNoLeftoverAf
     };
     for (const Case& c : cases) {
         qvtest::WriteFile("quelvarion.ini", OldText);
-        EXPECT_EQ(InChild([&] {
-                      c.arrange();
-                      Platform::SaveFile("quelvarion.ini", NewText);
-                      return 1; // the save should have been cut short
-                  }),
-                  0)
-            << c.what;
+        const int status = InChild([&] {
+            c.arrange();
+            Platform::SaveFile("quelvarion.ini", NewText);
+            return 1; // the save should have been cut short
+        });
+        EXPECT_EQ(status, 0) << c.what;
         EXPECT_EQ(Read("quelvarion.ini"), c.expected) << c.what;
         Platform::RemoveInterruptedSaves("quelvarion.ini");
         EXPECT_EQ(Names("."), std::vector<std::string>{"quelvarion.ini"}) << c.what;
