@@ -1,5 +1,6 @@
 #include "platform/FileStore.h"
 #include "platform/FileBytes.h"
+#include "platform/FolderLock.h"
 #include "support/BitmapFiles.h"
 #include "support/TestApp.h"
 
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -99,13 +101,12 @@ TEST_F(SaveFileTest, ASaveKilledAtAnyStepLeavesTheOldOrTheNewFileAndNoLeftoverAf
     };
     for (const Case& c : cases) {
         qvtest::WriteFile("quelvarion.ini", OldText);
-        EXPECT_EQ(InChild([&] {
-                      c.arrange();
-                      Platform::SaveFile("quelvarion.ini", NewText);
-                      return 1; // the save should have been cut short
-                  }),
-                  0)
-            << c.what;
+        const int status = InChild([&] {
+            c.arrange();
+            Platform::SaveFile("quelvarion.ini", NewText);
+            return 1; // the save should have been cut short
+        });
+        EXPECT_EQ(status, 0) << c.what;
         EXPECT_EQ(Read("quelvarion.ini"), c.expected) << c.what;
         Platform::RemoveInterruptedSaves("quelvarion.ini");
         EXPECT_EQ(Names("."), std::vector<std::string>{"quelvarion.ini"}) << c.what;
@@ -213,6 +214,41 @@ TEST_F(SaveFileTest, WhatIsNoOrdinaryFileIsRefusedForWhatItIs)
         }
     }
     EXPECT_EQ(Names("."), (std::vector<std::string>{"file", "folder.ini", "huge.ini", "pipe.ini"}));
+}
+
+TEST(FolderLock, OneHolderAtATimeAndTheSystemLetsGoOfAKilledHolder)
+{
+    qvtest::ScopedWorkDir dir;
+    {
+        CFolderLock first;
+        CFolderLock second;
+        EXPECT_EQ(first.Take("."), CFolderLock::Held);
+        EXPECT_EQ(second.Take("."), CFolderLock::HeldElsewhere);
+        first.Release();
+        EXPECT_EQ(second.Take("."), CFolderLock::Held);
+    }
+
+    // Another program holds the folder until it is killed, with no chance to tidy up.
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t holder = ::fork();
+    if (holder == 0) {
+        CFolderLock lock;
+        const char held = lock.Take(".") == CFolderLock::Held ? 'y' : 'n';
+        if (::write(ready[1], &held, 1) == 1)
+            ::pause();
+        ::_exit(0);
+    }
+    char held = 0;
+    ASSERT_EQ(::read(ready[0], &held, 1), 1);
+    EXPECT_EQ(held, 'y');
+    CFolderLock mine;
+    EXPECT_EQ(mine.Take("."), CFolderLock::HeldElsewhere);
+    ::kill(holder, SIGKILL);
+    ::waitpid(holder, nullptr, 0);
+    EXPECT_EQ(mine.Take("."), CFolderLock::Held);
+    ::close(ready[0]);
+    ::close(ready[1]);
 }
 
 } // namespace

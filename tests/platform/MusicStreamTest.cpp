@@ -1,18 +1,25 @@
 // The music stream as the output's mixer drives it: when a tune's end is
-// reported, how a tune started again joins its end, and how a stop cuts.
+// reported, how a tune started again joins its end, and how a stop cuts;
+// and which sound font the synthesiser plays with.
 #include "platform/MusicStream.h"
 #include "platform/AudioChecks.h"
+#include "platform/Synthesiser.h"
+#include "support/AudioFiles.h"
+#include "support/BitmapFiles.h"
 #include "support/MidiBytes.h"
+#include "support/TestApp.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <memory>
 #include <vector>
 
 namespace {
 
+using namespace qvtest;
 using namespace qvtest::midi;
 
 constexpr int Rate = 44100;
@@ -75,7 +82,7 @@ protected:
         }
         return onsets;
     }
-    double Loudest(std::size_t from) const { return qvtest::Peak(output.begin() + 2 * from, output.end()); }
+    double Loudest(std::size_t from) const { return Peak(output.begin() + 2 * from, output.end()); }
 
     std::unique_ptr<CMusicStream> stream;
     std::vector<float> output; // everything taken, interleaved stereo
@@ -122,6 +129,35 @@ TEST_F(MusicStreamTest, AStopCutsAtOnceReportsNoEndAndAFreshStartSoundsAtOnce)
     const std::vector<std::size_t> onsets = Onsets(100);
     ASSERT_FALSE(onsets.empty());
     EXPECT_LT(onsets.back() - started, FluidBlock) << "a start after a stop waits for nothing";
+}
+
+TEST(Synthesiser, ThePlayersFontsComeFirstAndAFontThatWillNotLoadFallsBackToTheGames)
+{
+    const std::vector<std::string> defaults = CSynthesiser::FontCandidates(nullptr);
+    ASSERT_FALSE(defaults.empty());
+    EXPECT_EQ(defaults.front(), "background.sf2") << "the game's own, in its folder";
+    std::vector<std::string> expected{"/one.sf2", "two.sf2", "three.sf2"};
+    expected.insert(expected.end(), defaults.begin(), defaults.end());
+    EXPECT_EQ(CSynthesiser::FontCandidates("/one.sf2:two.sf2;;three.sf2:"), expected);
+
+    ScopedWorkDir dir;
+    std::filesystem::copy_file(QV_GAME_DIR "/background.sf2", "background.sf2");
+    std::filesystem::copy_file("background.sf2", "mine.sf2");
+    WriteFile("broken.sf2", "RIFF, but no sound font");
+    const struct {
+        const char* playerList;
+        std::vector<std::string> loaded;
+    } cases[] = {
+        {"missing.sf2:broken.sf2", {"background.sf2"}},
+        {"broken.sf2:mine.sf2", {"mine.sf2"}},
+        {"mine.sf2;background.sf2", {"mine.sf2", "background.sf2"}},
+    };
+    for (const auto& c : cases) {
+        ScopedEnv fonts("SDL_SOUNDFONTS", c.playerList);
+        const auto synthesiser = CSynthesiser::Create(Rate);
+        ASSERT_TRUE(synthesiser) << c.playerList;
+        EXPECT_EQ(synthesiser->LoadedFonts(), c.loaded) << c.playerList;
+    }
 }
 
 } // namespace

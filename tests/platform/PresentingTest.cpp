@@ -1,6 +1,8 @@
 // How pictures reach the screen: the pacing of presents against the
-// display's refresh, the choice of renderer for the machine, and the
+// display's refresh, the choice of video driver and renderer for the
+// machine, and the
 // picture scaled to the screen.
+#include "platform/App.h"
 #include "platform/FramePacer.h"
 #include "platform/PictureScaler.h"
 #include "platform/RenderChoice.h"
@@ -16,16 +18,21 @@ namespace {
 
 constexpr double Hz60 = 1.0 / 60.0;
 
+// How the machine under a game loop behaves.
+struct Conditions {
+    double oversleep = 0.0;   // how much later than asked a sleep wakes
+    double presentCost = 0.0; // the present's own work
+    bool presentWaits = false;
+    double phase = 0.007;
+};
+
 // A game loop on a simulated clock: each frame takes `work` seconds to
 // compose, then the present, which either returns at once or waits for the
 // display's next refresh (at `phase` + k periods).
-struct SimulatedLoop {
+struct SimulatedLoop : Conditions {
+    explicit SimulatedLoop(Conditions conditions = {}) : Conditions(conditions) {}
     double t = 0.0;
     double work = 0.001;
-    double oversleep = 0.0;       // how much later than asked a sleep wakes
-    double presentCost = 0.0;     // the present's own work
-    bool presentWaits = false;
-    double phase = 0.007;
     double longestWait = 0.0;
     std::vector<double> shown;    // when each picture reached the screen
     std::vector<double> held;     // how long each present waited for its refresh
@@ -76,21 +83,17 @@ struct SimulatedLoop {
 // pacer's lead for its refresh, rather than a whole period.
 TEST(FramePacer, HeldToTheRefreshRateWhetherOrNotThePresentWaits)
 {
-    const struct {
-        double oversleep, presentCost;
-        bool presentWaits;
-        double phase;
-    } cases[] = {{0.0, 0.0, false, 0.0},    {0.00008, 0.0, false, 0.0}, {0.0004, 0.0, false, 0.0},
-                 {0.0, 0.006, false, 0.0},  {0.0, 0.0, true, 0.0},      {0.0, 0.0, true, 0.004},
-                 {0.0, 0.0, true, 0.0166}};
-    for (const auto& c : cases) {
+    const Conditions cases[] = {{},
+                                {.oversleep = 0.00008},
+                                {.oversleep = 0.0004},
+                                {.presentCost = 0.006},
+                                {.presentWaits = true, .phase = 0.0},
+                                {.presentWaits = true, .phase = 0.004},
+                                {.presentWaits = true, .phase = 0.0166}};
+    for (const Conditions& c : cases) {
         SCOPED_TRACE(::testing::Message() << "oversleeping " << c.oversleep << ", presenting " << c.presentCost
                                           << (c.presentWaits ? ", waiting from phase " : ", phase ") << c.phase);
-        SimulatedLoop loop;
-        loop.oversleep = c.oversleep;
-        loop.presentCost = c.presentCost;
-        loop.presentWaits = c.presentWaits;
-        loop.phase = c.phase;
+        SimulatedLoop loop(c);
         loop.RunFor(10.0);
         EXPECT_NEAR(loop.Rate(), 60.0, 0.05);
         EXPECT_GE(loop.ShortestInterval(), Hz60 * (1 - CFramePacer::CatchUpShare) - 1e-9);
@@ -171,6 +174,14 @@ TEST(RenderChoice, SoftwareWhereOpenGlWouldBeASoftwareRasteriser)
         EXPECT_EQ(choice.openGlWindow, c.openGlWindow) << c.what;
         EXPECT_EQ(choice.askForVsync, c.askForVsync) << c.what;
     }
+}
+
+TEST(VideoDrivers, ADriverIsNamedInAListWhateverItsCase)
+{
+    EXPECT_TRUE(Platform::NamedInDriverList("dummy", "DUMMY"));
+    EXPECT_TRUE(Platform::NamedInDriverList("offscreen", "wayland,offscreen"));
+    EXPECT_FALSE(Platform::NamedInDriverList("offscreen", "x11"));
+    EXPECT_FALSE(Platform::NamedInDriverList("dummy", ""));
 }
 
 struct FitCase {

@@ -136,24 +136,27 @@ TEST_F(SurfaceTest, TextOfTheGameFontsFitsItsNominalWidthAndIsTransparentWhenAsk
 TEST(BitmapLoading, MissingFileMissingFolderAndJunkHaveTheirCodes)
 {
     qvtest::ScopedWorkDir dir;
-    CBitmap image;
-    auto truncated = qvtest::Bitmap24(8, 8, [](int, int) { return RGB(1, 2, 3); });
-    truncated.resize(40);
-    qvtest::WriteFile("art/short.bmp", truncated);
-    // A header that claims rows beyond the end of the file is refused.
+    // A small picture whose header claims the given height: rows beyond the
+    // end of the file are refused, and a negative height means top-down rows.
     auto claims = [](std::int32_t height) {
         auto bytes = qvtest::Bitmap24(2, 2, [](int, int) { return RGB(1, 2, 3); });
         for (int i = 0; i < 4; ++i)
             bytes[22 + i] = static_cast<std::uint8_t>(static_cast<std::uint32_t>(height) >> (8 * i));
         return bytes;
     };
+    auto truncated = claims(2);
+    truncated.resize(40); // cut inside the header
+    qvtest::WriteFile("art/short.bmp", truncated);
     qvtest::WriteFile("art/long.bmp", claims(3000));
-    EXPECT_EQ(Platform::LoadImageFile("art/none.bmp", 4, 4, image), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Platform::LoadImageFile("nowhere/none.bmp", 4, 4, image), ERROR_PATH_NOT_FOUND);
-    EXPECT_EQ(Platform::LoadImageFile("art/short.bmp", 4, 4, image), ERROR_INVALID_DATA);
-    EXPECT_EQ(Platform::LoadImageFile("art/long.bmp", 4, 4, image), ERROR_INVALID_DATA);
-    qvtest::WriteFile("art/fine.bmp", claims(-2)); // top-down rows read as well
-    EXPECT_EQ(Platform::LoadImageFile("art/fine.bmp", 4, 4, image), 0);
+    qvtest::WriteFile("art/fine.bmp", claims(-2));
+    const std::pair<const char*, Result> cases[] = {
+        {"art/none.bmp", ERROR_FILE_NOT_FOUND}, {"nowhere/none.bmp", ERROR_PATH_NOT_FOUND},
+        {"art/short.bmp", ERROR_INVALID_DATA},  {"art/long.bmp", ERROR_INVALID_DATA},
+        {"art/fine.bmp", 0},
+    };
+    CBitmap image;
+    for (const auto& [file, expected] : cases)
+        EXPECT_EQ(Platform::LoadImageFile(file, 4, 4, image), expected) << file;
 }
 
 } // namespace

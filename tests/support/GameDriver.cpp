@@ -13,32 +13,6 @@ constexpr std::int32_t RefitOrder[] = {KindEngine, KindEnergySystem, KindLaser, 
 constexpr int MaxRefitPresses = 1000;
 } // namespace
 
-void CGameDriver::Seed(std::uint32_t seed)
-{
-    app.SeedRandom(seed);
-}
-
-void CGameDriver::StartGame(std::int32_t startLevel)
-{
-    app.StartGameAt(startLevel);
-}
-
-void CGameDriver::Key(UINT key, bool pressed)
-{
-    app.OnKeyMessage(key, pressed);
-}
-
-void CGameDriver::Press(UINT key)
-{
-    Key(key, true);
-    Key(key, false);
-}
-
-void CGameDriver::Frame(double elapsedMs)
-{
-    app.AdvanceFrame(elapsedMs);
-}
-
 void CGameDriver::Refit()
 {
     CShip* ship = Player();
@@ -69,24 +43,4 @@ void CGameDriver::Refit()
             Press(VK_RETURN);
         }
     }
-}
-
-void CGameDriver::StartLevel()
-{
-    Press(VK_ESCAPE);
-}
-
-std::int32_t CGameDriver::GetGameState() const
-{
-    return app.GetGameState();
-}
-
-CWorld& CGameDriver::World() const
-{
-    return app.world;
-}
-
-CShip* CGameDriver::Player() const
-{
-    return app.world.GetPlayer();
 }

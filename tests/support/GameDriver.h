@@ -1,11 +1,9 @@
 #pragma once
-#include "platform/Types.h"
+#include "app/GameApp.h"
 
 #include <cstdint>
 
-class CGameApp;
 class CShip;
-class CWorld;
 
 // Plays the game without a display or sound: the real application object,
 // world and game states, fed with key events and frame times. Tests, soak
@@ -14,25 +12,29 @@ class CGameDriver {
 public:
     explicit CGameDriver(CGameApp& application) : app(application) {}
 
-    void Seed(std::uint32_t seed);
+    void Seed(std::uint32_t seed) { app.SeedRandom(seed); }
     // A new game whose first real level is startLevel, already in play.
-    void StartGame(std::int32_t startLevel);
+    void StartGame(std::int32_t startLevel) { app.StartGameAt(startLevel); }
 
     // Keys reach the game as the main window's messages do.
-    void Key(UINT key, bool pressed);
-    void Press(UINT key);
+    void Key(UINT key, bool pressed) { app.OnKeyMessage(key, pressed); }
+    void Press(UINT key)
+    {
+        Key(key, true);
+        Key(key, false);
+    }
     // One frame of the given length: the world advances while a level is played.
-    void Frame(double elapsedMs);
+    void Frame(double elapsedMs) { app.AdvanceFrame(elapsedMs); }
 
     // On the design screen, with its keys: takes everything off the ship,
     // giving it back to the offer, and fits the offer again, best kinds first.
     void Refit();
     // Leaves the design screen for the next level.
-    void StartLevel();
+    void StartLevel() { Press(VK_ESCAPE); }
 
-    std::int32_t GetGameState() const;
-    CWorld& World() const;
-    CShip* Player() const;
+    std::int32_t GetGameState() const { return app.GetGameState(); }
+    CWorld& World() const { return app.world; }
+    CShip* Player() const { return app.world.GetPlayer(); }
 
 private:
     CGameApp& app;

@@ -25,25 +25,6 @@ ScopedWorkDir::~ScopedWorkDir()
     std::filesystem::remove_all(dir, ignored);
 }
 
-FakeClock::FakeClock()
-{
-    Platform::SetClockSource([this] { return now; });
-    Platform::SetSleepHandler([this](std::uint32_t ms) { slept += ms; });
-}
-
-FakeClock::~FakeClock()
-{
-    Platform::SetClockSource(nullptr);
-    Platform::SetSleepHandler(nullptr);
-}
-
-TraceRecorder::TraceRecorder()
-{
-    CGameApp::SetTraceSink([this](const TraceLine& line) { lines.push_back(line); });
-}
-
-TraceRecorder::~TraceRecorder() { CGameApp::SetTraceSink(nullptr); }
-
 std::vector<std::string> TraceRecorder::Texts() const
 {
     std::vector<std::string> texts;

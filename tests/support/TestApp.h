@@ -26,8 +26,16 @@ private:
 // A manual millisecond clock and an instant sleep for the platform layer.
 class FakeClock {
 public:
-    FakeClock();
-    ~FakeClock();
+    FakeClock()
+    {
+        Platform::SetClockSource([this] { return now; });
+        Platform::SetSleepHandler([this](std::uint32_t ms) { slept += ms; });
+    }
+    ~FakeClock()
+    {
+        Platform::SetClockSource(nullptr);
+        Platform::SetSleepHandler(nullptr);
+    }
     void Set(std::uint32_t ms) { now = ms; }
     void Advance(std::uint32_t ms) { now += ms; }
     std::uint32_t Now() const { return now; }
@@ -41,8 +49,8 @@ private:
 // Records every trace call while alive.
 class TraceRecorder {
 public:
-    TraceRecorder();
-    ~TraceRecorder();
+    TraceRecorder() { CGameApp::SetTraceSink([this](const TraceLine& line) { lines.push_back(line); }); }
+    ~TraceRecorder() { CGameApp::SetTraceSink(nullptr); }
     std::vector<TraceLine> lines;
     std::vector<std::string> Texts() const;
 };
