@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+
 namespace {
 
 using namespace qvtest;
@@ -33,17 +35,20 @@ TEST(PadBindings, FireControlsFollowTheFittedLasers)
     CPadBindings bindings;
     EXPECT_EQ(Describe(bindings.Bind(PadControl::LeftTrigger, {Context::Flight, "", {'F', 'Q', '7'}})), "");
     EXPECT_EQ(Describe(bindings.Bind(PadControl::East, {Context::Flight, "", {'F'}})), "");
-    const CPadBindings::Facts fiveLasers{Context::Flight, "", {'F', 'D', 'S', 'A', 'G'}};
-    std::string fired;
-    for (PadControl control : CPadBindings::FireControls)
-        fired += Describe(bindings.Bind(control, fiveLasers)) + ",";
-    EXPECT_EQ(fired, "hold F,hold D,hold S,hold A,hold G,");
+    auto fired = [&](std::span<const PadControl> controls) {
+        std::string held;
+        for (PadControl control : controls)
+            held += Describe(bindings.Bind(control, {Context::Flight, "", {'F', 'D', 'S', 'A', 'G'}})) + ",";
+        return held;
+    };
+    EXPECT_EQ(fired(CPadBindings::FireControls), "hold F,hold D,hold S,hold A,hold G,");
 
     // The player's own fire controls, in the lasers' order; a bad line changes nothing.
+    const PadControl asked[] = {PadControl::North, PadControl::RightShoulder, PadControl::South};
     const struct {
         const char* line;
         const char* problem;
-        const char* fired; // by North, RightShoulder, South
+        const char* fired; // by the controls asked
     } choices[] = {
         {"North, South", "", "hold F,,hold D,"},
         {"North, Up", "no control a laser may fire from is called \"Up\"", "hold F,,hold D,"},
@@ -52,10 +57,7 @@ TEST(PadBindings, FireControlsFollowTheFittedLasers)
     };
     for (const auto& c : choices) {
         EXPECT_EQ(bindings.TakeFireControls(c.line), c.problem) << c.line;
-        fired.clear();
-        for (PadControl control : {PadControl::North, PadControl::RightShoulder, PadControl::South})
-            fired += Describe(bindings.Bind(control, fiveLasers)) + ",";
-        EXPECT_EQ(fired, c.fired) << c.line;
+        EXPECT_EQ(fired(asked), c.fired) << c.line;
     }
 }
 
