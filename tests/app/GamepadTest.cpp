@@ -200,29 +200,10 @@ TEST_F(GamepadPlayTest, InFlightThePadSteersFiresEachLaserAndPauses)
     EXPECT_EQ(t->GetGameState(), StatePlaying);
 }
 
-TEST_F(GamepadPlayTest, InMenusAndOnTheDesignScreenThePadChoosesTakesAndGoesBack)
-{
-    Click(SDL_CONTROLLER_BUTTON_DPAD_DOWN);
-    EXPECT_EQ(t->menus.GetCurrentPage().GetSelectedIndex(), 1); // Help
-    Click(SDL_CONTROLLER_BUTTON_A);
-    EXPECT_EQ(t->menus.GetScreen(), ScreenHelp);
-    Click(SDL_CONTROLLER_BUTTON_B);
-    EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
-
-    t->NewGame();
-    t->world.AddToStock(Engine(100));
-    t->SetGameState(StateDesign);
-    Click(SDL_CONTROLLER_BUTTON_A);
-    std::vector<CComponent*> fitted;
-    Player().ListComponents(fitted);
-    EXPECT_EQ(fitted.size(), 1u); // the engine on offer was fitted
-    Click(SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
-    EXPECT_EQ(t->designer.GetFocus(), CShipDesigner::FocusShip); // B starting the level is the flight test's
-}
-
 // The dial itself is NameDial's; here its keys reach the name, a held
-// control turns on, and the menus have the pad again once the name is in.
-TEST_F(GamepadPlayTest, ANewHighScoreIsNamedWithThePad)
+// control turns on, and the menus have the pad again once the name is in:
+// it chooses, takes and goes back there and on the design screen.
+TEST_F(GamepadPlayTest, ANewHighScoreIsNamedWithThePadAndThenThePadHasTheMenus)
 {
     t->menus.AddHighScore(500);
     ASSERT_TRUE(t->menus.IsEnteringName());
@@ -241,6 +222,22 @@ TEST_F(GamepadPlayTest, ANewHighScoreIsNamedWithThePad)
     EXPECT_EQ(name(), "A");
     Click(SDL_CONTROLLER_BUTTON_B); // the menus have the pad again
     EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
+    Click(SDL_CONTROLLER_BUTTON_DPAD_DOWN);
+    EXPECT_EQ(t->menus.GetCurrentPage().GetSelectedIndex(), 1); // Help
+    Click(SDL_CONTROLLER_BUTTON_A);
+    EXPECT_EQ(t->menus.GetScreen(), ScreenHelp);
+    Click(SDL_CONTROLLER_BUTTON_B);
+    EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
+
+    t->NewGame();
+    t->world.AddToStock(Engine(100));
+    t->SetGameState(StateDesign);
+    Click(SDL_CONTROLLER_BUTTON_A);
+    std::vector<CComponent*> fitted;
+    Player().ListComponents(fitted);
+    EXPECT_EQ(fitted.size(), 1u); // the engine on offer was fitted
+    Click(SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    EXPECT_EQ(t->designer.GetFocus(), CShipDesigner::FocusShip); // B starting the level is the flight test's
 }
 
 } // namespace

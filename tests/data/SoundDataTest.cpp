@@ -41,8 +41,6 @@ Wave Decode(const std::vector<uint8_t>& bytes) {
     return w;
 }
 
-Wave Read(const std::string& name) { return Decode(qvdata::ReadBytes(qvdata::GameDir() / name)); }
-
 }  // namespace
 
 // A plain mono 16-bit PCM file that reads back; a peak asked above full
@@ -86,7 +84,7 @@ Bands EnergyBands(const Wave& w) {
 TEST(SoundFiles, EachIsPlainPcmOfItsLengthNeverClipsAndStartsWhereSmallSpeakersPlay) {
     for (const auto& [name, length] : kSounds) {
         SCOPED_TRACE(name);
-        const auto w = Read(name);
+        const auto w = Decode(qvdata::ReadBytes(qvdata::GameDir() / name));
         ASSERT_FALSE(w.samples.empty()) << SDL_GetError();
         EXPECT_TRUE(w.spec.format == AUDIO_S16LSB && w.spec.channels == 1);
         EXPECT_TRUE(w.spec.freq == 22050 || w.spec.freq == 44100) << w.spec.freq;
