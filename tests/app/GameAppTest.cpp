@@ -10,9 +10,7 @@
 
 namespace {
 
-using qvtest::DisplayApp;
-using qvtest::TestApp;
-using qvtest::TraceRecorder;
+using namespace qvtest;
 
 TEST(GameAppDisplayErrors, TextsByCodeAndATraceOnlyForFailures)
 {
@@ -156,7 +154,7 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
         t->gameState = c.state;
         EXPECT_EQ(t->TranslateKey(Platform::KeyCodeNamed(c.key), c.typed), c.sent) << c.state << " " << c.key;
     }
-    CLaser laser = qvtest::Laser({});
+    CLaser laser = Laser({});
     t->world.GetPlayer()->AddComponent(&laser);
     std::vector<CComponent*> fitted;
     t->world.GetPlayer()->ListComponents(fitted);
@@ -174,7 +172,7 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
 TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
 {
     DisplayApp t;
-    qvtest::WriteFile("sprite.ini", std::string("ship1 8 8\n"));
+    WriteFile("sprite.ini", std::string("ship1 8 8\n"));
     ASSERT_TRUE(t.Start());
     EXPECT_EQ(t.clock.SleptMs(), 6000u);
     EXPECT_EQ(t->active, 1);
