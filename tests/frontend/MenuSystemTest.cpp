@@ -88,7 +88,8 @@ protected:
     qvtest::TestApp t;
 };
 
-TEST_F(MenuSystemTest, TheMainMenuSelectionWrapsBothWays)
+// The main menu's selection wraps both ways; the options stay in their bounds.
+TEST_F(MenuSystemTest, TheMainMenuWrapsAndTheOptionsStayInTheirBounds)
 {
     Press(VK_UP);
     EXPECT_EQ(Selected(), "Exit Game");
@@ -98,10 +99,7 @@ TEST_F(MenuSystemTest, TheMainMenuSelectionWrapsBothWays)
     Menus().OnKey(0x100 | VK_DOWN, true); // only the key's low byte counts
     Menus().OnKey(VK_DOWN, false);        // key-ups do nothing
     EXPECT_EQ(Selected(), "Exit Game");
-}
 
-TEST_F(MenuSystemTest, OptionsStayInTheirBounds)
-{
     Menus().DoAction(ActionShowOptions);
     Press(VK_UP); // the cursor does not wrap
     Press(VK_LEFT);
