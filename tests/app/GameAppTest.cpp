@@ -10,9 +10,7 @@
 
 namespace {
 
-using qvtest::DisplayApp;
-using qvtest::TestApp;
-using qvtest::TraceRecorder;
+using namespace qvtest;
 
 TEST(GameAppDisplayErrors, TextsByCodeAndATraceOnlyForFailures)
 {
@@ -46,7 +44,12 @@ bool CallIdle(CGameApp& app)
 
 bool Pump(CGameApp& app) { return static_cast<CPlatformApp&>(app).PumpMessages(); }
 
-TEST(FrameLoop, NoFrameBeforeReadyOrWhileInactiveAndElapsedTimeAcrossTheClockWrap)
+// No frame before the game is ready or while it is inactive; the time since
+// the last frame is counted across the 32-bit clock's wrap. A frame long after
+// the last (the program was stopped, the clock jumped) finds the level paused,
+// as after the window lost its activation and found it again, and the
+// recording keeps both; a slow frame plays on.
+TEST(FrameLoop, NoFrameBeforeReadyOrWhileInactiveAndAStopOfMoreThanASecondPauses)
 {
     TestApp t;
     t.clock.Set(4294967000u);
@@ -64,17 +67,8 @@ TEST(FrameLoop, NoFrameBeforeReadyOrWhileInactiveAndElapsedTimeAcrossTheClockWra
     t.clock.Set(40); // the 32-bit counter wrapped
     EXPECT_TRUE(CallIdle(*t));
     EXPECT_DOUBLE_EQ(t->elapsedMs, 40.0);
-}
 
-// A frame long after the last (the program was stopped, the clock jumped)
-// finds the level paused, as after the window lost its activation and found
-// it again, and the recording keeps both; a slow frame plays on.
-TEST(FrameLoop, AStopOfMoreThanASecondPausesTheLevelBeforeTheWorldMoves)
-{
     for (const std::uint32_t gapMs : {900u, 120000u}) {
-        TestApp t;
-        t->ready = 1;
-        t->active = 1;
         t->NewGame();
         t->lastFrameTime = t.clock.Now();
         const std::size_t inputs = t->recorder.GetReplay().inputs.size();
@@ -146,26 +140,28 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
     CComforts comforts;
     comforts.Parse("key-up = W\nkey-escape = Tab\n");
     t->keyBindings.Load(comforts);
-    const int w = Platform::KeyCodeNamed("W");
-    const int tab = Platform::KeyCodeNamed("Tab");
-    t->gameState = StateMenu;
-    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>(VK_UP));
-    EXPECT_EQ(t->TranslateKey(tab, 0), static_cast<UINT>(VK_ESCAPE));
-    EXPECT_EQ(t->TranslateKey(Platform::KeyCodeNamed("E"), 'E'), static_cast<UINT>('E'));
-    t->gameState = StateDesign; // fire keys are chosen by letter here
-    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>('W'));
-    EXPECT_EQ(t->TranslateKey(tab, 0), static_cast<UINT>(VK_ESCAPE));
     t->NewGame();
-    t->gameState = StatePlaying;
-    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>(VK_UP));
-    CLaser laser = qvtest::Laser({});
+    const struct {
+        std::int32_t state;
+        const char* key;
+        UINT typed, sent;
+    } cases[] = {
+        {StateMenu, "W", 'W', VK_UP},      {StateMenu, "Tab", 0, VK_ESCAPE}, {StateMenu, "E", 'E', 'E'},
+        {StateDesign, "W", 'W', 'W'}, // fire keys are chosen by letter here
+        {StateDesign, "Tab", 0, VK_ESCAPE}, {StatePlaying, "W", 'W', VK_UP},
+    };
+    for (const auto& c : cases) {
+        t->gameState = c.state;
+        EXPECT_EQ(t->TranslateKey(Platform::KeyCodeNamed(c.key), c.typed), c.sent) << c.state << " " << c.key;
+    }
+    CLaser laser = Laser({});
     t->world.GetPlayer()->AddComponent(&laser);
     std::vector<CComponent*> fitted;
     t->world.GetPlayer()->ListComponents(fitted);
     for (CComponent* c : fitted) // the player chose W to fire it
         if (c->GetKind() == KindLaser)
             static_cast<CLaser*>(c)->SetFireKey('W');
-    EXPECT_EQ(t->TranslateKey(w, 'W'), static_cast<UINT>('W'));
+    EXPECT_EQ(t->TranslateKey(Platform::KeyCodeNamed("W"), 'W'), static_cast<UINT>('W'));
 }
 
 // Start-up waits out the title's pause and shows the window, which activates
@@ -176,7 +172,7 @@ TEST(KeyBindings, BoundLettersGiveWayToTypingAndToFireKeys)
 TEST(Activation, LostSurfacesAreRestoredOnRegainingTheFocusOrOnceWithinAFrame)
 {
     DisplayApp t;
-    qvtest::WriteFile("sprite.ini", std::string("ship1 8 8\n"));
+    WriteFile("sprite.ini", std::string("ship1 8 8\n"));
     ASSERT_TRUE(t.Start());
     EXPECT_EQ(t.clock.SleptMs(), 6000u);
     EXPECT_EQ(t->active, 1);

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+
 namespace {
 
 using namespace qvtest;
@@ -33,17 +35,20 @@ TEST(PadBindings, FireControlsFollowTheFittedLasers)
     CPadBindings bindings;
     EXPECT_EQ(Describe(bindings.Bind(PadControl::LeftTrigger, {Context::Flight, "", {'F', 'Q', '7'}})), "");
     EXPECT_EQ(Describe(bindings.Bind(PadControl::East, {Context::Flight, "", {'F'}})), "");
-    const CPadBindings::Facts fiveLasers{Context::Flight, "", {'F', 'D', 'S', 'A', 'G'}};
-    std::string fired;
-    for (PadControl control : CPadBindings::FireControls)
-        fired += Describe(bindings.Bind(control, fiveLasers)) + ",";
-    EXPECT_EQ(fired, "hold F,hold D,hold S,hold A,hold G,");
+    auto fired = [&](std::span<const PadControl> controls) {
+        std::string held;
+        for (PadControl control : controls)
+            held += Describe(bindings.Bind(control, {Context::Flight, "", {'F', 'D', 'S', 'A', 'G'}})) + ",";
+        return held;
+    };
+    EXPECT_EQ(fired(CPadBindings::FireControls), "hold F,hold D,hold S,hold A,hold G,");
 
     // The player's own fire controls, in the lasers' order; a bad line changes nothing.
+    const PadControl asked[] = {PadControl::North, PadControl::RightShoulder, PadControl::South};
     const struct {
         const char* line;
         const char* problem;
-        const char* fired; // by North, RightShoulder, South
+        const char* fired; // by the controls asked
     } choices[] = {
         {"North, South", "", "hold F,,hold D,"},
         {"North, Up", "no control a laser may fire from is called \"Up\"", "hold F,,hold D,"},
@@ -52,10 +57,7 @@ TEST(PadBindings, FireControlsFollowTheFittedLasers)
     };
     for (const auto& c : choices) {
         EXPECT_EQ(bindings.TakeFireControls(c.line), c.problem) << c.line;
-        fired.clear();
-        for (PadControl control : {PadControl::North, PadControl::RightShoulder, PadControl::South})
-            fired += Describe(bindings.Bind(control, fiveLasers)) + ",";
-        EXPECT_EQ(fired, c.fired) << c.line;
+        EXPECT_EQ(fired(asked), c.fired) << c.line;
     }
 }
 
@@ -198,29 +200,10 @@ TEST_F(GamepadPlayTest, InFlightThePadSteersFiresEachLaserAndPauses)
     EXPECT_EQ(t->GetGameState(), StatePlaying);
 }
 
-TEST_F(GamepadPlayTest, InMenusAndOnTheDesignScreenThePadChoosesTakesAndGoesBack)
-{
-    Click(SDL_CONTROLLER_BUTTON_DPAD_DOWN);
-    EXPECT_EQ(t->menus.GetCurrentPage().GetSelectedIndex(), 1); // Help
-    Click(SDL_CONTROLLER_BUTTON_A);
-    EXPECT_EQ(t->menus.GetScreen(), ScreenHelp);
-    Click(SDL_CONTROLLER_BUTTON_B);
-    EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
-
-    t->NewGame();
-    t->world.AddToStock(Engine(100));
-    t->SetGameState(StateDesign);
-    Click(SDL_CONTROLLER_BUTTON_A);
-    std::vector<CComponent*> fitted;
-    Player().ListComponents(fitted);
-    EXPECT_EQ(fitted.size(), 1u); // the engine on offer was fitted
-    Click(SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
-    EXPECT_EQ(t->designer.GetFocus(), CShipDesigner::FocusShip); // B starting the level is the flight test's
-}
-
 // The dial itself is NameDial's; here its keys reach the name, a held
-// control turns on, and the menus have the pad again once the name is in.
-TEST_F(GamepadPlayTest, ANewHighScoreIsNamedWithThePad)
+// control turns on, and the menus have the pad again once the name is in:
+// it chooses, takes and goes back there and on the design screen.
+TEST_F(GamepadPlayTest, ANewHighScoreIsNamedWithThePadAndThenThePadHasTheMenus)
 {
     t->menus.AddHighScore(500);
     ASSERT_TRUE(t->menus.IsEnteringName());
@@ -239,6 +222,22 @@ TEST_F(GamepadPlayTest, ANewHighScoreIsNamedWithThePad)
     EXPECT_EQ(name(), "A");
     Click(SDL_CONTROLLER_BUTTON_B); // the menus have the pad again
     EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
+    Click(SDL_CONTROLLER_BUTTON_DPAD_DOWN);
+    EXPECT_EQ(t->menus.GetCurrentPage().GetSelectedIndex(), 1); // Help
+    Click(SDL_CONTROLLER_BUTTON_A);
+    EXPECT_EQ(t->menus.GetScreen(), ScreenHelp);
+    Click(SDL_CONTROLLER_BUTTON_B);
+    EXPECT_EQ(t->menus.GetScreen(), ScreenMainMenu);
+
+    t->NewGame();
+    t->world.AddToStock(Engine(100));
+    t->SetGameState(StateDesign);
+    Click(SDL_CONTROLLER_BUTTON_A);
+    std::vector<CComponent*> fitted;
+    Player().ListComponents(fitted);
+    EXPECT_EQ(fitted.size(), 1u); // the engine on offer was fitted
+    Click(SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    EXPECT_EQ(t->designer.GetFocus(), CShipDesigner::FocusShip); // B starting the level is the flight test's
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <optional>
 #include <set>
 #include <cstring>
 #include <string>
@@ -38,11 +37,6 @@ std::vector<std::pair<std::string, std::vector<uint8_t>>> Chunks(const std::vect
         at += 8 + size + size % 2;
     }
     return chunks;
-}
-
-std::optional<CMidiTune> GameTune() {
-    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
-    return CMidiTune::Parse(bytes.data(), bytes.size());
 }
 
 // How loud a note is, played alone with the game's font.
@@ -82,8 +76,12 @@ TEST(TuneFont, IsASmallSoundFontWithSeamlessLoops) {
     }
 }
 
-TEST(TuneFont, EveryProgramAndDrumOfTheTuneSoundsAndSoDoesEveryOtherProgram) {
-    const auto tune = GameTune();
+// Every program and drum of the tune sounds, and so does every other program.
+// The levels leave the limiter nothing to do with the game's own sounds: the
+// loudest effect over the loudest moment of the tune stays under its ceiling.
+TEST(TuneFont, EverythingTheTuneAsksForSoundsAndTheLoudestEffectOverItStaysUnderTheCeiling) {
+    const auto bytes = qvdata::ReadBytes(qvdata::GameDir() / "background.mid");
+    auto tune = CMidiTune::Parse(bytes.data(), bytes.size());
     ASSERT_TRUE(tune);
     std::map<uint8_t, uint8_t> programs;  // channel to program
     std::set<uint8_t> drums;
@@ -101,14 +99,7 @@ TEST(TuneFont, EveryProgramAndDrumOfTheTuneSoundsAndSoDoesEveryOtherProgram) {
     for (uint8_t key : drums) EXPECT_GT(Loudness(*synth, kDrumChannel, 0, key), 0.01f) << "drum " << int(key);
     for (int program = 0; program < 128; ++program)
         EXPECT_GT(Loudness(*synth, 0, static_cast<uint8_t>(program), 60), 0.001f) << "program " << program;
-}
 
-// The levels leave the limiter nothing to do with the game's own sounds: the
-// loudest effect over the loudest moment of the tune stays under its ceiling.
-TEST(TuneFont, TheLoudestEffectOverTheLoudestBarOfTheTuneStaysUnderTheCeiling) {
-    auto tune = GameTune();
-    auto synth = CSynthesiser::Create(kRate);
-    ASSERT_TRUE(tune && synth);
     CMusicStream stream(std::move(synth), kRate);
     stream.Start(std::make_shared<const CMidiTune>(std::move(*tune)));
     float music = 0.0f;

@@ -84,25 +84,23 @@ TEST(ReplayFile, ComesBackAsWrittenWithEveryInputBeforeItsFrame)
     }
 }
 
-TEST(ReplayFile, EveryTruncationAndEveryChangedByteIsRefusedWithAReason)
+// Every truncation and every changed byte is refused, and so is a foreign or
+// damaged file, each with its reason and where in the file it was found.
+TEST(ReplayFile, TruncatedChangedForeignAndDamagedFilesAreRefusedWithTheirReason)
 {
-    const std::string bytes = SampleReplay().Encode();
-    for (std::size_t at = 0; at < bytes.size(); ++at) {
+    const std::string good = SampleReplay().Encode();
+    for (std::size_t at = 0; at < good.size(); ++at) {
         std::string error;
-        EXPECT_FALSE(Decodes(bytes.substr(0, at), error)) << at;
+        EXPECT_FALSE(Decodes(good.substr(0, at), error)) << at;
         EXPECT_FALSE(error.empty());
         for (const char flip : {'\x01', '\x80', '\xFF'}) {
-            std::string damaged = bytes;
+            std::string damaged = good;
             damaged[at] = static_cast<char>(damaged[at] ^ flip);
             EXPECT_FALSE(Decodes(damaged, error)) << "byte " << at << " changed";
             EXPECT_NE(error.find("at byte"), std::string::npos) << error;
         }
     }
-}
 
-TEST(ReplayFile, ForeignAndDamagedFilesAreRefusedWithTheirReason)
-{
-    const std::string good = SampleReplay().Encode();
     // The end record (a tag and 18 bytes) and the checksum follow the header at once when nothing was recorded.
     CReplay shortOne;
     shortOne.header = SampleReplay().header;
