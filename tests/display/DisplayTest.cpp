@@ -86,17 +86,6 @@ TEST(DisplayInit, AFailedStartShowsTheErrorAndEndsStartUp)
     EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
 }
 
-TEST(DisplaySurfaces, PagesAreClearedFromTheBlankStretchedToTheScreen)
-{
-    DisplayApp t;
-    qvtest::WriteBitmap("art/blank.bmp", 4, 4, [](int, int) { return RGB(0, 0, 255); });
-    ASSERT_TRUE(t.Start());
-    SurfacePtr page = t->display.CreateOffscreenSurface();
-    ASSERT_TRUE(page);
-    EXPECT_EQ(DisplayApp::PixelAt(*page, 1023, 767), 0x001F);
-    EXPECT_EQ(DisplayApp::PixelAt(*page, 0, 0), 0x001F); // matching the black key left the corner as it was
-}
-
 class BitmapsTest : public ::testing::Test {
 protected:
     void SetUp() override
