@@ -15,15 +15,17 @@ namespace {
 
 using namespace qvtest;
 
+// A new game from level 1, not yet in play.
 struct Levels : ::testing::Test {
+    Levels() { world.NewGame(1); }
+    CGameObject* Newest() { return world.GetMasterList().GetTail()->GetData(); }
+
     TestApp t;
     CWorld& world = t->world;
-    CGameObject* Newest() { return world.GetMasterList().GetTail()->GetData(); }
 };
 
 TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
 {
-    world.NewGame(1);
     world.Clear();
     std::set<int> edges;
     for (int i = 0; i < 400; ++i) {
@@ -52,7 +54,6 @@ TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
 // for each powerup taken in the level before; those of level 1 bring nothing.
 TEST_F(Levels, EachPowerupTakenAddsABonusToTheNextOfferFromLevelThree)
 {
-    world.NewGame(1);
     world.BeginNextLevel();
     world.AddPowerup();
     world.BeginNextLevel();
