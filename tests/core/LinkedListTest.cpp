@@ -1,5 +1,5 @@
 #include "core/LinkedList.h"
-#include "world/GameObject.h"
+#include "support/WorldObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -9,15 +9,7 @@
 
 namespace {
 
-struct Obj : CGameObject {
-    explicit Obj(int x)
-    {
-        CVector v;
-        v.Set(x, 0, 0, 0);
-        SetVector(v);
-    }
-    CLinkedItem* Node() const { return GetMasterItem(); }
-};
+using Obj = qvtest::OpenObject;
 
 class ListTest : public ::testing::Test {
 protected:
@@ -26,8 +18,8 @@ protected:
     {
         std::vector<Obj*> added;
         for (int x : keys) {
-            added.push_back(objects.emplace_back(std::make_unique<Obj>(x)).get());
-            list.Insert(added.back()->Node());
+            added.push_back(objects.emplace_back(std::make_unique<Obj>(x, 0)).get());
+            list.Insert(added.back()->GetMasterItem());
         }
         return added;
     }
@@ -79,7 +71,7 @@ TEST_F(ListTest, TheMiddleFollowsInsertsAndRemoves)
     EXPECT_NEAR(MiddlePosition(), list.GetCount() / 2, 3);
     EXPECT_LE(std::abs(list.GetMidOffset()), 2);
     for (int i = 0; i < 30; i += 2)
-        list.Remove(added[i]->Node());
+        list.Remove(added[i]->GetMasterItem());
     ExpectConsistent();
     EXPECT_EQ(list.GetCount(), 25);
     EXPECT_NEAR(MiddlePosition(), list.GetCount() / 2, 4);
@@ -87,24 +79,24 @@ TEST_F(ListTest, TheMiddleFollowsInsertsAndRemoves)
     while (list.GetCount() > 0)
         list.Remove(list.GetHead());
     Obj* high = Add({5, 1})[0]; // the 1 goes in front: the middle is now the tail
-    list.Remove(high->Node());
+    list.Remove(high->GetMasterItem());
     EXPECT_EQ(list.GetMiddle(), list.GetHead());
     list.Remove(list.GetHead());
     ExpectConsistent();
     EXPECT_EQ(list.GetMiddle(), nullptr);
 
     const std::vector<Obj*> o = Add({1, 2, 3, 4});
-    ASSERT_EQ(list.GetMiddle(), o[1]->Node());
+    ASSERT_EQ(list.GetMiddle(), o[1]->GetMasterItem());
     list.Remove(list.GetMiddle());
-    EXPECT_EQ(list.GetMiddle(), o[2]->Node()); // the 3, which moved up
+    EXPECT_EQ(list.GetMiddle(), o[2]->GetMasterItem()); // the 3, which moved up
     ExpectConsistent();
 }
 
 TEST_F(ListTest, SwapOfNonAdjacentNodesExchangesThemCompletely)
 {
     const std::vector<Obj*> o = Add({1, 2, 3, 4, 5});
-    list.SwapItems(o[1]->Node(), o[3]->Node());
-    list.SwapItems(o[0]->Node(), o[4]->Node()); // head and tail follow the positions
+    list.SwapItems(o[1]->GetMasterItem(), o[3]->GetMasterItem());
+    list.SwapItems(o[0]->GetMasterItem(), o[4]->GetMasterItem()); // head and tail follow the positions
     EXPECT_EQ(Order(), (std::vector<Obj*>{o[4], o[3], o[2], o[1], o[0]}));
     ExpectConsistent();
 }

@@ -1,4 +1,4 @@
-#include "core/Vector.h"
+#include "support/WorldObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -6,14 +6,7 @@
 
 namespace {
 
-constexpr double Pi = 3.14159265358979;
-
-CVector At(int x, int y, float xs = 0, float ys = 0)
-{
-    CVector v;
-    v.Set(x, y, xs, ys);
-    return v;
-}
+using qvtest::At;
 
 TEST(Vector, MovesBySecondsAndTruncatesPositionsTowardZero)
 {
@@ -42,8 +35,8 @@ TEST(Vector, ThrustAddsAlongTheHeadingAndClipsAtTheLimit)
         {0, 0, 10, 0, 1000, 1, 0, 10},             // a direction heading of 0 is down
         {0, 0, 10, 0, 1000, 0, 0, -10},            // a facing of 0 is up
         {0, 150, 49.9, 0, 200, 1, 0, 199.9},       // 199.9 counts as 199: below the limit
-        {300, 0, 50, 3 * Pi / 2, 200, 1, 250, 0},  // against the motion: the slower result stands
-        {300, 0, 50, Pi / 2, 200, 1, 200, 0},      // along it: back to the limit
+        {300, 0, 50, 3 * M_PI / 2, 200, 1, 250, 0},  // against the motion: the slower result stands
+        {300, 0, 50, M_PI / 2, 200, 1, 200, 0},      // along it: back to the limit
     };
     for (const Case& c : cases) {
         CVector v = At(0, 0, c.xs, c.ys);
@@ -64,7 +57,7 @@ TEST(Vector, AimsStraightAtStillTargetsAndLeadsMovingOnes)
     const double t = 400.0 / (400.0 * std::cos(a));
     EXPECT_NEAR(std::sin(a) * 400 * t, 100 * t, 2.0);
     const double lead = shooter.LeadAngle(At(0, 300, 150, 0), 5, 300);
-    EXPECT_TRUE(lead > 0.1 && lead < Pi / 2) << lead;
+    EXPECT_TRUE(lead > 0.1 && lead < M_PI / 2) << lead;
 }
 
 } // namespace

@@ -66,15 +66,9 @@ TEST(DisplayInit, StopsAtTheFailingStepWithItsCode)
     }
 }
 
-// A missing blank bitmap fails the start; a failed start shows the error and
-// ends start-up.
+// A failed start shows the error and ends start-up.
 TEST(DisplayInit, AFailedStartShowsTheErrorAndEndsStartUp)
 {
-    {
-        DisplayApp noFile;
-        qvtest::WriteBitmap("art/title_screen.bmp", 2, 2, [](int, int) { return RGB(9, 9, 9); });
-        EXPECT_EQ(noFile->display.Init(noFile.OpenWindow()), ERROR_FILE_NOT_FOUND);
-    }
     DisplayApp t;
     std::vector<std::string> boxes;
     Platform::SetMessageBoxHandler([&](HWND, const std::string& text, const std::string& caption, UINT) {
@@ -90,17 +84,6 @@ TEST(DisplayInit, AFailedStartShowsTheErrorAndEndsStartUp)
     ASSERT_EQ(said.size(), 1u);
     EXPECT_EQ(said[0], CGameApp::DisplayFailureLine(3));
     EXPECT_EQ(t->GetMainWindowHandle(), nullptr);
-}
-
-TEST(DisplaySurfaces, PagesAreClearedFromTheBlankStretchedToTheScreen)
-{
-    DisplayApp t;
-    qvtest::WriteBitmap("art/blank.bmp", 4, 4, [](int, int) { return RGB(0, 0, 255); });
-    ASSERT_TRUE(t.Start());
-    SurfacePtr page = t->display.CreateOffscreenSurface();
-    ASSERT_TRUE(page);
-    EXPECT_EQ(DisplayApp::PixelAt(*page, 1023, 767), 0x001F);
-    EXPECT_EQ(DisplayApp::PixelAt(*page, 0, 0), 0x001F); // matching the black key left the corner as it was
 }
 
 class BitmapsTest : public ::testing::Test {

@@ -44,8 +44,7 @@ TEST(StarTwinkle, DrawsAtTheEndsOfTheirRangesAndTurnsJustPastEachEnd)
 
 TEST(StarDrawing, TwinklesOnceAndLightsOnlyThePixelsOnTheSurface)
 {
-    constexpr int Width = 8;
-    constexpr int Height = 6;
+    constexpr int Width = 8, Height = 6;
     std::vector<std::uint16_t> bits(Width * Height, 0);
     CDC dc(bits.data(), Width, Width, Height);
     auto grey = [](std::uint8_t g) { return Platform::PackRgb565(RGB(g, g, g)); };

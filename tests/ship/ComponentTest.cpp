@@ -217,13 +217,4 @@ TEST(ComponentIdentity, SameOnlyByARealSerialNumberWhateverTheCount)
     EXPECT_EQ(copy.GetDisplayName(), "+ Jet9(4)");
 }
 
-TEST(LaserState, ClosingAGapInAnArrayKeepsTheLaterLasersCooldown)
-{
-    std::vector<CLaser> lasers = {MadeLaser(1), MadeLaser(2), MadeLaser(3)};
-    lasers[2].AddCooldown(120);
-    lasers.erase(lasers.begin());
-    EXPECT_EQ(lasers[1].GetName(), "Laser3");
-    EXPECT_EQ(lasers[1].GetCooldown(), 120);
-}
-
 } // namespace

@@ -5,14 +5,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
 using namespace qvtest;
 
-constexpr double Pi = 3.14159265358979;
+using Counts = std::vector<std::int32_t>;
 
-// A game whose player's ship the test builds itself.
+// A game whose player's ship the test builds itself, fresh from its set-up:
+// 10000 units of space.
 struct Ships : ::testing::Test {
     TestApp t;
     CWorld& world = t->world;
@@ -40,12 +42,36 @@ struct Ships : ::testing::Test {
         for (CComponent* c : parts)
             ship.AddComponent(c);
     }
+    void Fit(std::initializer_list<CComponent*> parts) { Fit(*player, parts); }
+
+    std::vector<CComponent*> Listed()
+    {
+        std::vector<CComponent*> list;
+        player->ListComponents(list);
+        return list;
+    }
+    // How many pieces each fitted entry holds, in the ship's order.
+    Counts Pieces()
+    {
+        Counts counts;
+        for (const CComponent* c : Listed())
+            counts.push_back(c->GetCount());
+        return counts;
+    }
+    std::string Keys()
+    {
+        std::string keys;
+        for (const CLaser& laser : player->GetLasers())
+            keys += static_cast<char>(laser.GetFireKey());
+        return keys;
+    }
 };
+using Fitting = Ships;
 
 TEST_F(Ships, ALaserNeedsMoreEnergyThanItUses)
 {
     CLaser laser = Laser(Shots(20));
-    player->AddComponent(&laser);
+    Fit({&laser});
     // 20 energy is not enough; 20.5 fires and leaves 0.5; then it is cooling down.
     for (const auto& [energy, shots, left] : {std::tuple(20.0f, 0, 20.0f), std::tuple(20.5f, 1, 0.5f), std::tuple(100.0f, 1, 100.0f)}) {
         player->energy = energy;
@@ -59,10 +85,8 @@ TEST_F(Ships, LasersOnOneKeyTakeTurns)
 {
     CLaser first = Laser(Shots(1));
     CLaser second = Laser(Shots(1));
-    Fit(*player, {&first, &second});
-    std::vector<CComponent*> fitted;
-    player->ListComponents(fitted);
-    static_cast<CLaser*>(fitted[1])->SetFireKey('F'); // as the design screen would
+    Fit({&first, &second});
+    static_cast<CLaser*>(Listed()[1])->SetFireKey('F'); // as the design screen would
     player->energy = 1000.0f;
     player->PlayerKey('F', true);
     std::vector<int> firings; // the times a volley left
@@ -73,8 +97,8 @@ TEST_F(Ships, LasersOnOneKeyTakeTurns)
             firings.push_back(ms);
     }
     // Laser 0 at once, laser 1 about 100 ms later, laser 0 again once its 400 ms have passed.
-    ASSERT_GE(firings.size(), 3u);
-    EXPECT_EQ(std::vector<int>(firings.begin(), firings.begin() + 3), (std::vector<int>{16, 128, 416}));
+    firings.resize(3);
+    EXPECT_EQ(firings, (std::vector<int>{16, 128, 416}));
 }
 
 TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
@@ -93,14 +117,13 @@ TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
     for (const auto& [rate, energy, damage, energyAfter, hullAfter] :
          {std::tuple(1.5f, 100.0f, 30, 64.0f, 94), std::tuple(1.5f, 10.0f, 30, 1.0f, 76),
           std::tuple(1.5f, 50.0f, 0, 50.0f, 100), std::tuple(0.0f, 150.0f, 30, 150.0f, 70)}) {
-        OpenShip ship;
-        ship.SetPlayerShip();
+        Restart();
         CShield fitted = Shield(24, rate);
-        ship.AddComponent(&fitted);
-        ship.energy = energy;
-        ship.OnHit(damage, nullptr);
-        EXPECT_FLOAT_EQ(ship.GetExactEnergy(), energyAfter) << rate << " " << energy << " " << damage;
-        EXPECT_EQ(ship.GetHull(), hullAfter) << rate << " " << energy << " " << damage;
+        Fit({&fitted});
+        player->energy = energy;
+        player->OnHit(damage, nullptr);
+        EXPECT_FLOAT_EQ(player->GetExactEnergy(), energyAfter) << rate << " " << energy << " " << damage;
+        EXPECT_EQ(player->GetHull(), hullAfter) << rate << " " << energy << " " << damage;
     }
 }
 
@@ -114,13 +137,12 @@ TEST_F(Ships, EnergyRechargesTowardItsStorageAndStaysANumberAtEveryRecharge)
     } cases[] = {{50, 500, 110.0f}, {50, 5500, 150.0f}, {1, 0, 100.0f}, {1, 16, 116.0f},
                  {0, 0, 100.0f},    {0, 16, 150.0f},    {-5, 0, 100.0f}, {-5, 16, 150.0f}};
     for (const auto& c : cases) {
-        OpenShip ship;
-        ship.SetPlayerShip();
+        Restart();
         CEnergySystem plant = Plant(150, c.recharge);
-        ship.AddComponent(&plant);
-        ship.energy = 100.0f;
-        ship.Update(c.ms);
-        EXPECT_FLOAT_EQ(ship.GetExactEnergy(), c.after) << c.recharge << " " << c.ms;
+        Fit({&plant});
+        player->energy = 100.0f;
+        player->Update(c.ms);
+        EXPECT_FLOAT_EQ(player->GetExactEnergy(), c.after) << c.recharge << " " << c.ms;
     }
 }
 
@@ -150,9 +172,143 @@ TEST_F(Ships, EnemiesAttackWithinThreeHundredPixelsAndFireOnlyOnTheScreen)
         EXPECT_EQ(enemy->GetAiMode(), c.mode) << c.x << " " << c.energy;
         EXPECT_EQ(CountObjects(world, ObjectProjectile), c.shots) << c.x << " " << c.energy;
         if (c.mode == AiAttack) {
-            EXPECT_NEAR(enemy->facing, 3 * Pi / 2, 1e-3); // aimed at the player to its left
+            EXPECT_NEAR(enemy->facing, 3 * M_PI / 2, 1e-3); // aimed at the player to its left
         }
     }
+}
+
+TEST_F(Fitting, TheSpaceBudgetMustKeepOneUnitFree)
+{
+    player->spaceLeft = 1000;
+    CJet tooBig = Jet(1000), fits = Jet(999);
+    Fit({&tooBig});
+    EXPECT_TRUE(Listed().empty());
+    Fit({&fits});
+    EXPECT_EQ(player->GetSpaceLeft(), 1);
+
+    CEngine small = Engine(3000), bigger = Engine(4000), biggest = Engine(4001);
+    player->spaceLeft = 4001;
+    Fit({&small, &bigger}); // 1001 - 4000 + 3000 leaves 1
+    EXPECT_EQ(player->GetSpaceLeft(), 1);
+    EXPECT_TRUE(Listed().front()->IsSameAs(bigger));
+    Fit({&biggest});
+    EXPECT_TRUE(Listed().front()->IsSameAs(bigger));
+}
+
+TEST_F(Fitting, StackingKindsCountPiecesAndGiveThemBackOneAtATime)
+{
+    CJet jet = Jet(500);
+    Fit({&jet, &jet});
+    EXPECT_EQ(Pieces(), Counts{2});
+    EXPECT_EQ(player->GetSpaceLeft(), 9000);
+    EXPECT_FALSE(player->RemoveComponent(jet));
+    EXPECT_EQ(Pieces(), Counts{1});
+    EXPECT_EQ(player->GetSpaceLeft(), 9500);
+    EXPECT_TRUE(player->RemoveComponent(jet));
+    EXPECT_TRUE(Listed().empty());
+    EXPECT_EQ(player->GetSpaceLeft(), 10000);
+
+    CSubspaceSail sails = Sail(600); // a kit entry of several sails is taken whole
+    sails.SetCount(5);
+    Fit({&sails});
+    EXPECT_EQ(Pieces(), Counts{5});
+    EXPECT_EQ(player->GetSpaceLeft(), 7000);
+}
+
+TEST_F(Fitting, ArmourStopsAtTenPiecesHoweverItIsSplit)
+{
+    CArmour six = Armour(), four = Armour(), more = Armour();
+    for (int i = 0; i < 6; ++i)
+        Fit({&six});
+    Fit({&four, &four, &four, &four, &more, &six});
+    EXPECT_EQ(Pieces(), (Counts{6, 4}));
+    EXPECT_EQ(player->GetSpaceLeft(), 10000);
+}
+
+TEST_F(Fitting, LasersTakeTheFirstFreeFireKeyRespectingKeysTheDesignScreenChanged)
+{
+    CLaser laser = Laser({}), another = Laser({}), third = Laser({});
+    Fit({&laser, &laser, &laser, &laser}); // the same offered laser, up to three times
+    EXPECT_EQ(Keys(), "FDS");
+    static_cast<CLaser*>(Listed()[1])->SetFireKey('G');
+    static_cast<CLaser*>(Listed()[2])->AddCooldown(120);
+    player->RemoveComponent(laser); // the first matching entry goes, the later ones keeping their state
+    EXPECT_EQ(player->GetLasers()[1].GetCooldown(), 120);
+    Fit({&another});
+    EXPECT_EQ(another.GetFireKey(), 'F'); // the handed laser itself is given the key
+    EXPECT_EQ(Keys(), "GSF");
+    player->RemoveComponent(laser);
+    Fit({&third}); // 'D' is free again, and comes before 'A'
+    EXPECT_EQ(Keys(), "SFD");
+}
+
+// The same game, for asteroids and mines.
+struct Bodies : Ships {
+    // An asteroid of the size, or a mine of the kind, added to the world.
+    OpenBody* Add(bool mine, std::int16_t n, std::int32_t x, std::int32_t y)
+    {
+        auto* body = new OpenBody;
+        body->SetVector(At(x, y));
+        mine ? body->SetMine(n) : body->SetAsteroid(n);
+        world.AddObject(body);
+        return body;
+    }
+    OpenBody* Asteroid(std::int16_t size, std::int32_t x = 300, std::int32_t y = 300) { return Add(false, size, x, y); }
+    OpenBody* Mine(std::int16_t kind, std::int32_t x, std::int32_t y) { return Add(true, kind, x, y); }
+
+    // Objects in the world that are asteroids of the given radius, not counting one.
+    std::int32_t Asteroids(std::int32_t radius, const CGameObject* except = nullptr)
+    {
+        std::int32_t n = 0;
+        for (CLinkedItem* node = world.GetMasterList().GetHead(); node; node = node->GetNext()) {
+            CGameObject* o = node->GetData();
+            if (o != except && o->GetType() == ObjectBody &&
+                static_cast<CBody*>(o)->GetBodyKind() == BodyAsteroid && o->GetRadius() == radius)
+                ++n;
+        }
+        return n;
+    }
+};
+
+TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
+{
+    struct Case {
+        std::int16_t size;
+        std::int32_t childRadius, children, debris;
+    };
+    for (const Case c : {Case{1, 7, 0, 6}, Case{2, 7, 3, 13}, Case{3, 10, 3, 27}}) {
+        world.Clear();
+        OpenBody* rock = Asteroid(c.size);
+        rock->Explode();
+        rock->Explode(); // a second explosion adds nothing
+        EXPECT_EQ(Asteroids(c.childRadius, rock), c.children) << c.size;
+        EXPECT_EQ(CountObjects(world, ObjectProjectile), c.debris) << c.size;
+    }
+}
+
+// A wandering mine keeps its target until it is within three radii of it or
+// its time is up.
+TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
+{
+    // The player's ship rests at (512, 384).
+    OpenBody* far = Mine(1, 512 + 300, 384);
+    OpenBody* near = Mine(1, 512 + 299, 384);
+    far->Act();
+    near->Act();
+    EXPECT_EQ(far->GetAiMode(), AiWander);
+    EXPECT_EQ(near->GetAiMode(), AiChase);
+    EXPECT_NEAR(near->GetAiHeading(), 3 * M_PI / 2, 1e-3); // straight left, at the resting ship
+
+    far->targetX = 1000;
+    far->targetY = 700;
+    far->wanderTimer = 4000;
+    far->Act(); // neither near nor overdue
+    EXPECT_EQ(far->GetTargetX(), 1000);
+    far->targetX = 812 + 26;
+    far->targetY = 384;
+    far->Act();
+    EXPECT_NE(far->GetTargetX() * 10000 + far->GetTargetY(), 838 * 10000 + 384);
+    EXPECT_EQ(far->wanderTimer, 0);
 }
 
 } // namespace

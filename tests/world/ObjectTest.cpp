@@ -15,8 +15,6 @@ using qvtest::OpenObject;
 using qvtest::OpenShip;
 using qvtest::TestApp;
 
-constexpr double Pi = 3.14159265358979;
-
 // Objects that register in their bands, then one collision pass over them, as
 // the world runs it after every object has moved.
 struct Collisions : ::testing::Test {
@@ -126,12 +124,12 @@ TEST(Volleys, EachPatternPlacesAndAimsItsShots)
         std::int16_t bounds;
     };
     const Case cases[] = {
-        {FireParallel, TeamPlayer, 3, 0.0, 0, {Pi / 4, 0.0, 7 * Pi / 4}, true, BoundsBounce},
-        {FireSpread, TeamEnemy, 3, 0.0, 0, {Pi / 20, 0.0, 2 * Pi - Pi / 20}, false, BoundsDie},
-        {FireRadiating, TeamPlayer, 4, 0.0, 0, {0.0, 3 * Pi / 2, Pi, Pi / 2}, false, BoundsDie}, // never bounce
+        {FireParallel, TeamPlayer, 3, 0.0, 0, {M_PI / 4, 0.0, 7 * M_PI / 4}, true, BoundsBounce},
+        {FireSpread, TeamEnemy, 3, 0.0, 0, {M_PI / 20, 0.0, 2 * M_PI - M_PI / 20}, false, BoundsDie},
+        {FireRadiating, TeamPlayer, 4, 0.0, 0, {0.0, 3 * M_PI / 2, M_PI, M_PI / 2}, false, BoundsDie}, // never bounce
         // One shot goes straight ahead whatever the pattern, and every shot inherits the ship's motion.
-        {FireParallel, TeamEnemy, 1, Pi / 2, 100, {Pi / 2}, true, BoundsDie},
-        {FireRadiating, TeamEnemy, 1, Pi / 2, 0, {Pi / 2}, true, BoundsDie},
+        {FireParallel, TeamEnemy, 1, M_PI / 2, 100, {M_PI / 2}, true, BoundsDie},
+        {FireRadiating, TeamEnemy, 1, M_PI / 2, 0, {M_PI / 2}, true, BoundsDie},
     };
     for (const Case& c : cases) {
         ship.vector = qvtest::At(500, 400, c.shipXSpeed, 0);
@@ -149,7 +147,7 @@ TEST(Volleys, EachPatternPlacesAndAimsItsShots)
             const double along = c.alongFacing ? c.facing : c.angles[i];
             const double at = std::atan2(dx, -dy);
             EXPECT_NEAR(std::hypot(dx, dy), 20.0, 1e-3) << &c - cases; // just outside the ship
-            EXPECT_NEAR(std::remainder(at - c.angles[i], 2 * Pi), 0.0, 1e-5) << &c - cases << " shot " << i;
+            EXPECT_NEAR(std::remainder(at - c.angles[i], 2 * M_PI), 0.0, 1e-5) << &c - cases << " shot " << i;
             EXPECT_NEAR(v.GetXSpeed(), c.shipXSpeed + 300.0 * std::sin(along), 1e-3) << &c - cases;
             EXPECT_NEAR(v.GetYSpeed(), -300.0 * std::cos(along), 1e-3) << &c - cases;
             EXPECT_EQ(o->GetTeam(), c.team);
