@@ -49,7 +49,7 @@ bool SameStretch(const std::uint16_t* a, const std::uint16_t* b, int count)
 }
 
 using TileMask = CPictureScaler::TileMask;
-constexpr int MaskBits = 128;
+constexpr int MaskBits = CPictureScaler::MaskBits;
 
 int TrailingZeros(TileMask mask)
 {

@@ -26,7 +26,8 @@ public:
     static constexpr int TileWidth = 8;
     static constexpr int TileHeight = 1;
     using TileMask = unsigned __int128; // one bit a tile across
-    static constexpr int MaxPictureWidth = 128 * TileWidth;
+    static constexpr int MaskBits = 8 * sizeof(TileMask);
+    static constexpr int MaxPictureWidth = MaskBits * TileWidth;
 
     // A picture of pictureWidth x pictureHeight, fitted into an output of
     // outputWidth x outputHeight as fit says; colours maps each 16-bit
