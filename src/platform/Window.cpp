@@ -205,9 +205,13 @@ void CPlatformWnd::ToggleFullscreen()
     const bool fullscreen = (SDL_GetWindowFlags(sdlWindow) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
     const Platform::WindowMode chosen = fullscreen ? Platform::WindowMode::Windowed : Platform::WindowMode::FullScreen;
     Platform::SetWindowMode(chosen);
-    ApplyWindowMode();
+    // The choice is the player's, whatever the desktop makes of it: it is
+    // remembered before the desktop is asked. On Wayland asking waits for the
+    // compositor's answer, and a compositor that is slow to answer, or never
+    // does, must not keep the choice from being saved.
     if (auto& listener = windowMode().listener)
         listener(chosen);
+    ApplyWindowMode();
 }
 
 void CPlatformWnd::ApplyWindowMode()
