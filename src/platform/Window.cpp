@@ -202,13 +202,17 @@ void CPlatformWnd::ToggleFullscreen()
 {
     if (!sdlWindow)
         return;
-    const bool fullscreen = (SDL_GetWindowFlags(sdlWindow) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
-    const Platform::WindowMode chosen = fullscreen ? Platform::WindowMode::Windowed : Platform::WindowMode::FullScreen;
+    // The choice is the player's, whatever the desktop makes of it: each press
+    // turns the last choice over, not the window's state, which a compositor
+    // may overrule (a kiosk shell keeps every window full screen and may say
+    // so after the game's own request), and the choice is remembered before
+    // the desktop is asked. On Wayland asking waits for the compositor's
+    // answer, and one that is slow to answer, or never does, must not keep
+    // the choice from being saved.
+    const Platform::WindowMode chosen = Platform::GetWindowMode() == Platform::WindowMode::FullScreen
+                                            ? Platform::WindowMode::Windowed
+                                            : Platform::WindowMode::FullScreen;
     Platform::SetWindowMode(chosen);
-    // The choice is the player's, whatever the desktop makes of it: it is
-    // remembered before the desktop is asked. On Wayland asking waits for the
-    // compositor's answer, and a compositor that is slow to answer, or never
-    // does, must not keep the choice from being saved.
     if (auto& listener = windowMode().listener)
         listener(chosen);
     ApplyWindowMode();
