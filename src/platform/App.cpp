@@ -97,6 +97,10 @@ void StartSdl()
 {
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    // The game never uses the mouse. On Wayland SDL would make the warp of the
+    // hidden pointer it does on leaving full screen by locking the desktop's
+    // pointer to the window: the player's pointer is theirs.
+    SDL_SetHint(SDL_HINT_VIDEO_WAYLAND_EMULATE_MOUSE_WARP, "0");
     for (const char* name : {"SDL_VIDEO_WAYLAND_WMCLASS", "SDL_VIDEO_X11_WMCLASS"})
         ::setenv(name, DesktopAppId, 0); // a player's own choice stays
     if (SDL_WasInit(SDL_INIT_EVENTS) == 0)
