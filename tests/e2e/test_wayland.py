@@ -70,6 +70,7 @@ class Wayland:
         if kind is not None:
             keep = os.environ.get("QV_E2E_EVIDENCE", tempfile.gettempdir())
             self.screenshot().save(os.path.join(keep, "qv-e2e-test_wayland.png"))
+            shutil.copy(self.log, os.path.join(keep, "qv-e2e-test_wayland.log"))
             print(self.protocol()[-3000:])
         for process in self.processes:
             if process.poll() is None:
