@@ -61,9 +61,6 @@ public:
     std::int32_t GetBodyKind() const { return bodyKind; }
     std::int32_t GetDisplayThrust() const { return TruncToInt32(thrust / mass * 100.0f); }
     std::int16_t GetAiMode() const { return aiMode; }
-    double GetAiHeading() const { return aiHeading; }
-    std::int32_t GetTargetX() const { return targetX; }
-    std::int32_t GetTargetY() const { return targetY; }
     float GetThrust() const { return thrust; }
     double GetTurnRate() const { return turnRate; }
 

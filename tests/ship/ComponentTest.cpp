@@ -20,24 +20,13 @@
 namespace {
 
 using qvtest::TestApp;
-using V = std::vector<double>;
 using Stats = std::vector<std::int32_t>;
 
-// Scripts the draws generation takes: each draw returns the next listed value
-// and, once the list is used up, the given fraction of its range.
-class ScriptedDraws {
+// Every draw generation takes gives the same fraction of its range.
+class DrawsAt {
 public:
-    explicit ScriptedDraws(V listed = {}, double restFraction = 0.0) : values(std::move(listed)), rest(restFraction)
-    {
-        CComponent::SetDrawSource([this](double m) {
-            return next < values.size() ? values[next++] : m * rest;
-        });
-    }
-    ~ScriptedDraws() { CComponent::SetDrawSource(nullptr); }
-
-    V values;
-    double rest;
-    std::size_t next = 0;
+    explicit DrawsAt(double fraction) { CComponent::SetDrawSource([fraction](double m) { return m * fraction; }); }
+    ~DrawsAt() { CComponent::SetDrawSource(nullptr); }
 };
 
 template <class Kind, class... Divisor>
@@ -46,13 +35,6 @@ Kind Generated(std::int32_t level, Divisor... q)
     Kind component;
     component.Generate(level, q...);
     return component;
-}
-
-template <class Kind, class... Divisor>
-Kind Scripted(V draws, std::int32_t level, Divisor... q)
-{
-    ScriptedDraws script(std::move(draws));
-    return Generated<Kind>(level, q...);
 }
 
 // The generated values of each kind: size, weight, then the kind's own.
@@ -66,21 +48,6 @@ Stats Of(const CLaser& l)
 {
     return {l.GetSize(), l.GetWeight(), l.GetDelay(), l.GetEnergyUse(),
             l.GetSpeed(), l.GetContainment(), l.GetDamage(), l.GetShots()};
-}
-
-TEST(GenerationValues, ControlledDrawsGiveExactValues)
-{
-    TestApp app;
-    // Higher levels are cheaper and stronger; a divisor shrinks a part.
-    EXPECT_EQ(Of(Scripted<CEngine>({999, 9}, 2000, 2.0f)), (Stats{1500, 18, 165}));
-    EXPECT_EQ(Of(Scripted<CEnergySystem>({5, 4, 1.0 / 3}, 1500)), (Stats{1666, 11, 557, 46}));
-    // Spread with a budget of 10050 over three shots, the rest going into
-    // speed, lifetime and damage.
-    const CLaser spread = Scripted<CLaser>({3, 8, 4, 500, 100, 20, 2.5, 0.1, 0.25}, 1500);
-    EXPECT_EQ(Of(spread), (Stats{541, 7, 333, 20, 162, 1861, 43, 3}));
-    // The lowest delay draws give the longest delay, draws adding up to their
-    // range the shortest.
-    EXPECT_EQ(Scripted<CLaser>({0, 0, 0, 420, 420}, 1000).GetDelay(), 160);
 }
 
 // Every draw at the bottom of its range, then every draw at the top: the
@@ -103,7 +70,7 @@ TEST(GenerationValues, TheLowestAndHighestDrawsGiveTheEndsOfEachRange)
     };
     for (const auto& c : cases)
         for (const double end : {0.0, 1.0}) {
-            ScriptedDraws script({}, end);
+            DrawsAt script(end);
             EXPECT_EQ(c.generate(), end == 0.0 ? c.lowest : c.highest) << "kind " << &c - cases + 1 << " at " << end;
         }
 }
@@ -126,7 +93,7 @@ TEST(GenerationValues, TruncationHoldsEveryValueAWholeNumberCan)
 TEST(GenerationValues, TechnologyLevelsOfZeroAndBelowAreTraced)
 {
     TestApp app;
-    ScriptedDraws script({}, 0.5);
+    DrawsAt script(0.5);
     {
         qvtest::TraceRecorder trace;
         const Stats atZero = Of(Generated<CShield>(0));
@@ -136,28 +103,6 @@ TEST(GenerationValues, TechnologyLevelsOfZeroAndBelowAreTraced)
     qvtest::TraceRecorder trace;
     EXPECT_EQ(Generated<CEnergySystem>(-1000).GetRecharge(), 0); // not a number, made whole
     EXPECT_EQ(trace.Texts().back(), "A value beyond 32 bits was made whole");
-}
-
-TEST(LaserGeneration, PatternDrawsAndCaps)
-{
-    TestApp app;
-    auto patternFor = [](double draw) { return Scripted<CLaser>({draw}, 1000).GetPattern(); };
-    EXPECT_EQ(std::vector({patternFor(2.999), patternFor(3), patternFor(4.999), patternFor(5)}),
-              (std::vector<std::int32_t>{CLaser::Parallel, CLaser::Spread, CLaser::Spread, CLaser::Radiating}));
-
-    // At a very high level the highest draws ask for far more than the caps.
-    auto strongest = [](double patternDraw) {
-        ScriptedDraws script({patternDraw}, 1.0);
-        return Generated<CLaser>(40000);
-    };
-    EXPECT_EQ(strongest(3).GetShots(), 7);
-    for (const CLaser& laser : {strongest(0), strongest(6)}) {
-        EXPECT_EQ(laser.GetShots(), laser.GetPattern() == CLaser::Parallel ? 5 : 36);
-        EXPECT_EQ(laser.GetSpeed(), 300);
-        EXPECT_EQ(laser.GetContainment(), 4000);
-    }
-    // The weakest Radiating laser still fires four shots.
-    EXPECT_EQ(Scripted<CLaser>({6}, 1000).GetShots(), 4);
 }
 
 using Lines = std::vector<std::string>;

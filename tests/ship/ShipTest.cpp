@@ -195,26 +195,6 @@ TEST_F(Fitting, TheSpaceBudgetMustKeepOneUnitFree)
     EXPECT_TRUE(Listed().front()->IsSameAs(bigger));
 }
 
-TEST_F(Fitting, StackingKindsCountPiecesAndGiveThemBackOneAtATime)
-{
-    CJet jet = Jet(500);
-    Fit({&jet, &jet});
-    EXPECT_EQ(Pieces(), Counts{2});
-    EXPECT_EQ(player->GetSpaceLeft(), 9000);
-    EXPECT_FALSE(player->RemoveComponent(jet));
-    EXPECT_EQ(Pieces(), Counts{1});
-    EXPECT_EQ(player->GetSpaceLeft(), 9500);
-    EXPECT_TRUE(player->RemoveComponent(jet));
-    EXPECT_TRUE(Listed().empty());
-    EXPECT_EQ(player->GetSpaceLeft(), 10000);
-
-    CSubspaceSail sails = Sail(600); // a kit entry of several sails is taken whole
-    sails.SetCount(5);
-    Fit({&sails});
-    EXPECT_EQ(Pieces(), Counts{5});
-    EXPECT_EQ(player->GetSpaceLeft(), 7000);
-}
-
 TEST_F(Fitting, ArmourStopsAtTenPiecesHoweverItIsSplit)
 {
     CArmour six = Armour(), four = Armour(), more = Armour();
@@ -242,19 +222,16 @@ TEST_F(Fitting, LasersTakeTheFirstFreeFireKeyRespectingKeysTheDesignScreenChange
     EXPECT_EQ(Keys(), "SFD");
 }
 
-// The same game, for asteroids and mines.
+// The same game, for asteroids.
 struct Bodies : Ships {
-    // An asteroid of the size, or a mine of the kind, added to the world.
-    OpenBody* Add(bool mine, std::int16_t n, std::int32_t x, std::int32_t y)
+    CBody* Asteroid(std::int16_t size)
     {
-        auto* body = new OpenBody;
-        body->SetVector(At(x, y));
-        mine ? body->SetMine(n) : body->SetAsteroid(n);
+        auto* body = new CBody;
+        body->SetVector(At(300, 300));
+        body->SetAsteroid(size);
         world.AddObject(body);
         return body;
     }
-    OpenBody* Asteroid(std::int16_t size, std::int32_t x = 300, std::int32_t y = 300) { return Add(false, size, x, y); }
-    OpenBody* Mine(std::int16_t kind, std::int32_t x, std::int32_t y) { return Add(true, kind, x, y); }
 
     // Objects in the world that are asteroids of the given radius, not counting one.
     std::int32_t Asteroids(std::int32_t radius, const CGameObject* except = nullptr)
@@ -278,37 +255,12 @@ TEST_F(Bodies, AsteroidsSplitIntoTheNextSizeDownWithDebris)
     };
     for (const Case c : {Case{1, 7, 0, 6}, Case{2, 7, 3, 13}, Case{3, 10, 3, 27}}) {
         world.Clear();
-        OpenBody* rock = Asteroid(c.size);
+        CBody* rock = Asteroid(c.size);
         rock->Explode();
         rock->Explode(); // a second explosion adds nothing
         EXPECT_EQ(Asteroids(c.childRadius, rock), c.children) << c.size;
         EXPECT_EQ(CountObjects(world, ObjectProjectile), c.debris) << c.size;
     }
-}
-
-// A wandering mine keeps its target until it is within three radii of it or
-// its time is up.
-TEST_F(Bodies, MinesChaseWithinThreeHundredPixelsAndWanderBeyond)
-{
-    // The player's ship rests at (512, 384).
-    OpenBody* far = Mine(1, 512 + 300, 384);
-    OpenBody* near = Mine(1, 512 + 299, 384);
-    far->Act();
-    near->Act();
-    EXPECT_EQ(far->GetAiMode(), AiWander);
-    EXPECT_EQ(near->GetAiMode(), AiChase);
-    EXPECT_NEAR(near->GetAiHeading(), 3 * M_PI / 2, 1e-3); // straight left, at the resting ship
-
-    far->targetX = 1000;
-    far->targetY = 700;
-    far->wanderTimer = 4000;
-    far->Act(); // neither near nor overdue
-    EXPECT_EQ(far->GetTargetX(), 1000);
-    far->targetX = 812 + 26;
-    far->targetY = 384;
-    far->Act();
-    EXPECT_NE(far->GetTargetX() * 10000 + far->GetTargetY(), 838 * 10000 + 384);
-    EXPECT_EQ(far->wanderTimer, 0);
 }
 
 } // namespace

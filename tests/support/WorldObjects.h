@@ -51,12 +51,6 @@ struct OpenObject : CGameObject {
     std::function<void()> onAct;
 };
 
-// A body with its fields open to the test.
-struct OpenBody : CBody {
-    using CBody::aiHeading, CBody::facing, CBody::hull, CBody::lifetime, CBody::mass, CBody::maxSpeed,
-          CBody::targetX, CBody::targetY, CBody::thinkTimer, CBody::thrust, CBody::vector, CBody::wanderTimer;
-};
-
 // A ship with its fields open to the test.
 struct OpenShip : CShip {
     using CShip::aiHeading, CShip::energy, CShip::energyMax, CShip::facing, CShip::hull, CShip::mass,

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
 
 namespace {
 
@@ -24,25 +23,10 @@ struct Levels : ::testing::Test {
     CWorld& world = t->world;
 };
 
-TEST_F(Levels, SpawnsComeInFromAnEdgeMovingInwardOrNotAtAllWithNoRoom)
+// Where every edge is taken, a spawn is dropped and never counted as an enemy.
+TEST_F(Levels, NoSpawnWithNoRoomAtAnyEdge)
 {
     world.Clear();
-    std::set<int> edges;
-    for (int i = 0; i < 400; ++i) {
-        CBody body;
-        ASSERT_TRUE(world.PlaceAtEdge(body, 70, 180));
-        const CVector v = body.GetVector();
-        const std::int32_t x = v.GetX(), y = v.GetY();
-        // Which edge, the speed into the screen and the drift along the edge.
-        const int edge = y == 0 ? 0 : y == 768 ? 1 : x == 0 ? 2 : x == 1024 ? 3 : 4;
-        const float in[] = {v.GetYSpeed(), -v.GetYSpeed(), v.GetXSpeed(), -v.GetXSpeed()};
-        const float along = edge < 2 ? v.GetXSpeed() : v.GetYSpeed();
-        edges.insert(edge);
-        ASSERT_LT(edge, 4) << x << "," << y;
-        EXPECT_TRUE(in[edge] >= 70.0f && in[edge] <= 180.0f && along >= -90.0f && along <= 90.0f) << x << "," << y;
-    }
-    EXPECT_EQ(edges.size(), 4u);
-
     world.AddObject(new OpenObject(512, 384, 0, 0, 2000)); // covers every edge
     world.SpawnMines(1);
     world.SpawnTurrets(1);
