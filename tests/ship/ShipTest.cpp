@@ -112,10 +112,10 @@ TEST_F(Ships, ShieldedShipsAreLabelledAndTradeEnergyForDamage)
     CShield shield = Shield(24, 1.5f);
     player->AddComponent(&shield);
     EXPECT_TRUE(labelled()); // a shielded ship shows its readouts
-    // Strength 24 at 150%: 36 energy stops 24 points; with 10 energy only 6
+    // Strength 24 at 150%: 36 energy stops 24 points; with 33 energy only 22
     // are stopped. A shield that converts nothing stops nothing.
     for (const auto& [rate, energy, damage, energyAfter, hullAfter] :
-         {std::tuple(1.5f, 100.0f, 30, 64.0f, 94), std::tuple(1.5f, 10.0f, 30, 1.0f, 76),
+         {std::tuple(1.5f, 100.0f, 30, 64.0f, 94), std::tuple(1.5f, 33.0f, 30, 0.0f, 92),
           std::tuple(1.5f, 50.0f, 0, 50.0f, 100), std::tuple(0.0f, 150.0f, 30, 150.0f, 70)}) {
         Restart();
         CShield fitted = Shield(24, rate);
