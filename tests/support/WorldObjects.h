@@ -53,9 +53,7 @@ struct OpenObject : CGameObject {
 
 // A ship with its fields open to the test.
 struct OpenShip : CShip {
-    using CShip::aiHeading, CShip::energy, CShip::energyMax, CShip::facing, CShip::hull, CShip::mass,
-          CShip::radius, CShip::spaceLeft, CShip::team, CShip::thinkTimer, CShip::thrust, CShip::vector,
-          CShip::wanderTimer;
+    using CShip::energy, CShip::facing, CShip::radius, CShip::spaceLeft, CShip::team, CShip::thinkTimer, CShip::vector;
 };
 
 // Sets a vector in one call.
