@@ -4,51 +4,16 @@
 #include "world/GameObject.h"
 
 #include <cstdint>
-#include <functional>
 
 namespace qvtest {
 
-// A plain game object whose fields a test may set directly. It can record
-// its hits and, when asked, survive them.
+// A plain game object at a place, of a size.
 struct OpenObject : CGameObject {
-    using CGameObject::age, CGameObject::boundsMode, CGameObject::collidable, CGameObject::contactDamage,
-          CGameObject::facing, CGameObject::lifetime, CGameObject::mass, CGameObject::radius,
-          CGameObject::team, CGameObject::type, CGameObject::vector;
-
-    OpenObject(std::int32_t x, std::int32_t y, float xSpeed = 0.0f, float ySpeed = 0.0f, std::int32_t r = 1)
+    OpenObject(std::int32_t x, std::int32_t y, std::int32_t r = 1)
     {
-        vector.Set(x, y, xSpeed, ySpeed);
+        vector.Set(x, y, 0.0f, 0.0f);
         radius = r;
     }
-
-    bool Update(std::int32_t elapsedMs) override
-    {
-        ++updates;
-        if (onUpdate)
-            onUpdate();
-        return CGameObject::Update(elapsedMs);
-    }
-
-    void OnHit(std::int32_t damage, CGameObject* other) override
-    {
-        ++hits;
-        lastDamage = damage;
-        if (diesOnHit)
-            CGameObject::OnHit(damage, other);
-    }
-
-    void Act() override
-    {
-        if (onAct)
-            onAct();
-    }
-
-    int updates = 0;
-    int hits = 0;
-    std::int32_t lastDamage = -1;
-    bool diesOnHit = true;
-    std::function<void()> onUpdate;
-    std::function<void()> onAct;
 };
 
 // A ship with its fields open to the test.

@@ -27,7 +27,7 @@ struct Levels : ::testing::Test {
 TEST_F(Levels, NoSpawnWithNoRoomAtAnyEdge)
 {
     world.Clear();
-    world.AddObject(new OpenObject(512, 384, 0, 0, 2000)); // covers every edge
+    world.AddObject(new OpenObject(512, 384, 2000)); // covers every edge
     world.SpawnMines(1);
     world.SpawnTurrets(1);
     EXPECT_EQ(world.GetMasterList().GetCount(), 1);
