@@ -90,7 +90,7 @@ TEST(GameStates, PauseOnlyBetweenPlayingAndPausedAndOnlyLeavingPlayResetsTheDesi
     };
     const Step steps[] = {
         {-1, true, StateMenu},  {StatePlaying, false, StatePlaying}, {-1, true, StatePaused},
-        {-1, true, StatePaused}, {-1, false, StatePlaying},          {StateDesign, true, StateDesign},
+        {-1, true, StatePaused}, {-1, false, StatePlaying},          {StateDesign, false, StateDesign},
     };
     for (const Step& step : steps) {
         if (step.setState >= 0)

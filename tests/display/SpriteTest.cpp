@@ -91,24 +91,26 @@ using SpriteInstanceTest = SpriteTest;
 
 TEST_F(SpriteSetTest, ShelvesFillRowsLeftToRightAndPagesTopToBottom)
 {
-    for (const char* f : {"a", "wide_0", "wide_2", "small", "tall", "fits", "over"})
+    for (const char* f : {"a", "wide_0", "wide_2", "small", "tall", "rest", "fits", "over"})
         Art(f);
     Sprites().AddSprite(Line("a", 100, 50));       // opens the first row, at y 0
     Sprites().AddSprite(Line("wide", 462, 40, 3)); // a missing frame takes no room: the third ends at x 1024
-    Sprites().AddSprite(Line("small", 10, 30));    // reuses the taller row with room
+    Sprites().AddSprite(Line("small", 10, 40));    // reuses a row as tall as it, with room
     Sprites().AddSprite(Line("tall", 10, 60));     // never goes into a shorter row
+    Sprites().AddSprite(Line("rest", 1014, 60));   // fills its row to x 1024
     Sprites().AddSprite(Line("fits", 10, 617));    // its bottom at 767
-    Sprites().AddSprite(Line("over", 1020, 41));   // would reach the bottom: a new page
+    Sprites().AddSprite(Line("over", 1020, 1));    // would reach the bottom: a new page
 
     EXPECT_EQ(Entry(0).frames[0].source, (RECT{0, 0, 100, 50}));
     EXPECT_EQ(Entry(1).frames[1].surface, nullptr);
     EXPECT_EQ(Entry(1).frames[2].source, (RECT{562, 0, 1024, 40}));
-    EXPECT_EQ(Entry(2).frames[0].source, (RECT{0, 50, 10, 80}));  // the row "wide" opened below the first
+    EXPECT_EQ(Entry(2).frames[0].source, (RECT{0, 50, 10, 90}));  // the row "wide" opened below the first
     EXPECT_EQ(Entry(3).frames[0].source, (RECT{0, 90, 10, 150}));
-    EXPECT_EQ(Entry(4).frames[0].source, (RECT{0, 150, 10, 767}));
+    EXPECT_EQ(Entry(4).frames[0].source, (RECT{10, 90, 1024, 150}));
+    EXPECT_EQ(Entry(5).frames[0].source, (RECT{0, 150, 10, 767}));
     ASSERT_EQ(Sprites().GetPages().size(), 2u);
-    EXPECT_EQ(Entry(5).frames[0].source, (RECT{0, 0, 1020, 41}));
-    EXPECT_EQ(Entry(5).frames[0].surface, Sprites().GetPages()[1].surface.get());
+    EXPECT_EQ(Entry(6).frames[0].source, (RECT{0, 0, 1020, 1}));
+    EXPECT_EQ(Entry(6).frames[0].surface, Sprites().GetPages()[1].surface.get());
 }
 
 // A line may name 65,536 frame files, and its pages may take 256 MiB: 170
@@ -206,6 +208,7 @@ TEST_F(SpriteInstanceTest, AnimationAdvancesOneFrameOnceItsTimeIsExceededAndWrap
     EXPECT_EQ(boom.GetFrame(), 1);
     boom.Draw(10000); // one frame a draw, however long the frame took
     EXPECT_EQ(boom.GetFrame(), 2);
+    boom.Draw(1); // what the long frame took beyond 60 ms is not carried over
     for (int i = 0; i < 6; ++i)
         boom.Draw(61);
     EXPECT_EQ(boom.GetFrame(), 0);
