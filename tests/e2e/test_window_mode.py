@@ -106,9 +106,11 @@ def comforts_keys():
             game.keys("K")  # Down, so the next entry is chosen
             game.wait_for_screen(lambda shot: shot.mean_difference(menu) > 0, timeout=20)
             game.keys("F8", "F5", "F12")
-            wait_until(lambda: os.path.isdir(pictures) and os.listdir(pictures), "F12 kept the frame")
+            # A picture is written under a hidden name and then renamed: only then is it whole.
+            kept = lambda: os.path.isdir(pictures) and [n for n in os.listdir(pictures) if not n.startswith(".")]
+            name = wait_until(kept, "F12 kept the frame")[0]
             # The frame as the game made it; on the screen the notice lies over its foot.
-            taken = picture_file(os.path.join(pictures, os.listdir(pictures)[0]), *WINDOW)
+            taken = picture_file(os.path.join(pictures, name), *WINDOW)
             top = (0, 0, WINDOW[0], 700)
             expect_equal(taken.crop(*top).pixels == game.screenshot().crop(*top).pixels, True,
                          "the screenshot's pixels against the screen's")
